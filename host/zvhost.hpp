@@ -1,0 +1,242 @@
+// The reference host: a real host kernel for the zvlocfmt module, on ICU.
+//
+// It supplies every host object of zvlocfmt.h (pools, journals, transcoders,
+// locales, time zones, options, clock, character services) and a small C++
+// API through which embedding programs, the zvfmt tool, tests and benchmarks
+// load the module and run calls.
+//
+// Nothing in this header includes ICU; the implementation does.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "zvlocfmt/zvlocfmt.h"
+
+namespace zvhost {
+
+// ---------------------------------------------------------------------------
+// Pools
+
+struct PoolStats {
+    int64_t liveBlocks = 0;   // blocks handed out and not yet freed
+    int64_t liveBytes = 0;    // bytes in those blocks
+    int64_t peakBytes = 0;    // the most liveBytes ever reached
+    int64_t allocations = 0;  // successful poolAlloc calls
+    int64_t frees = 0;        // poolFree calls
+    int64_t failures = 0;     // poolAlloc calls answered with null
+};
+
+// A counting pool. The host keeps one as formatPool; zvlocfmt's build asks
+// for another through createPool. poolDestroy frees every block still live.
+class Pool {
+public:
+    virtual ~Pool() = default;
+    virtual HostPool *raw() = 0;
+    virtual PoolStats stats() const = 0;
+    // The n-th poolAlloc from now (1 = the next one) returns null, once.
+    // 0 switches the fault off.
+    virtual void failAt(int64_t n) = 0;
+    // Every poolAlloc from the n-th on returns null. 0 switches it off.
+    virtual void failFrom(int64_t n) = 0;
+    virtual std::string name() const = 0;
+    virtual bool destroyed() const = 0;
+};
+
+// ---------------------------------------------------------------------------
+// Journals
+
+struct JournalLine {
+    int32_t level = 0;
+    int32_t status = 0;
+    std::vector<int64_t> values;
+};
+
+struct JournalRecord {
+    std::u16string name;
+    std::vector<JournalLine> lines;
+    int closes = 0;
+    int releases = 0;
+};
+
+// ---------------------------------------------------------------------------
+// Faults a test can ask of the host's factories. Counts are 1-based over the
+// calls that follow the setting; 0 means no fault.
+
+struct Faults {
+    int64_t failCreatePool = 0;        // n-th createPool answers null
+    int64_t failCreateJournal = 0;     // n-th createJournal answers null
+    int64_t failCreateTranscoder = 0;  // n-th createTranscoder answers null
+    int64_t failOpenLocale = 0;        // n-th openLocale answers null
+    // Pools made by createPool from now on fail their n-th allocation (once).
+    int64_t newPoolFailAt = 0;
+};
+
+// Counts of what the host has been asked, for tests.
+struct HostCounters {
+    int64_t poolsCreated = 0, poolsDestroyed = 0;
+    int64_t journalsCreated = 0;
+    int64_t transcodersCreated = 0, transcodersReleased = 0;
+    int64_t localesOpened = 0, localesReleased = 0;
+    int64_t charModuleLoads = 0;  // loadModule("zvchrtab")
+    int64_t charServiceCalls = 0; // charClass, charUpper, charLower
+    int64_t optionReads = 0, clockReads = 0, formatTextCalls = 0;
+};
+
+// ---------------------------------------------------------------------------
+// Encodings. The host names every encoding ICU can convert; ids are the
+// host's own. 25 is UTF-16 (little-endian, the module's text) and 62 the
+// single-byte text of locale tables (byte b is U+00bb).
+
+// The id of an encoding given by any ICU converter name or alias
+// ("UTF-8", "utf8", "ISO-8859-1", "windows-1252", "Shift_JIS", ...);
+// nullopt when ICU does not know it.
+std::optional<uint32_t> encodingIdOf(std::string_view name);
+// The canonical name of a known id, "" when unknown.
+std::string encodingName(uint32_t id);
+
+// ---------------------------------------------------------------------------
+// The host
+
+struct HostConfig {
+    bool withNls = true;                 // false: anchor->nlsServices is null
+    std::string currentLocale = "en_US"; // what currentLocale answers
+    std::string timeZone = "UTC";        // IANA name of services->timeZone
+};
+
+class Host {
+public:
+    explicit Host(HostConfig config = {});
+    ~Host();
+    Host(const Host &) = delete;
+    Host &operator=(const Host &) = delete;
+
+    HostAnchor *anchor();
+    HostServices *services();
+    NlsServices *nls(); // null when made without NLS
+    Pool &formatPool();
+
+    // Options read through readOption, e.g. ZV_NAME_YEARCUTOFF.
+    void setOption(const std::string &name, int64_t value);
+    void clearOption(const std::string &name);
+
+    // Clock: real (system time as a second count from 1960, shift 0) by
+    // default; fixed values for tests.
+    void setClock(double value, double shift);
+    void useSystemClock();
+
+    // The time zone behind services()->timeZone; false for an unknown name.
+    bool setTimeZone(const std::string &iana);
+    // A time zone object for any IANA name, owned by the host; null if unknown.
+    HostTimeZone *timeZone(const std::string &iana);
+
+    // Faults and counters.
+    Faults &faults();
+    const HostCounters &counters() const;
+    // Pools made through createPool, in order of creation (still listed
+    // after poolDestroy, with destroyed() true).
+    std::vector<Pool *> createdPools();
+    // Journals made through createJournal and the error journal.
+    std::vector<JournalRecord> journals() const;
+    HostJournal *errorJournal();
+    const JournalRecord &errorJournalRecord() const;
+
+    // A transcoder from UTF-16 to the named encoding, owned by the host and
+    // cached by name; null if the name is unknown.
+    HostTranscoder *transcoder(const std::string &encoding);
+
+    // A locale owned by the host, cached by name and items. `items` replace
+    // raw items of the table (item number to raw text, <Uxxxx> escapes
+    // allowed) before any block is built from it. Null if unknown.
+    HostLocale *locale(const std::string &name, const std::map<int, std::string> &items = {});
+
+    // The module: zvextent, then zvlocfmt with the error journal, then the
+    // instance joins extensionList. Null (and nothing listed) on failure.
+    ExtensionInstance *loadModule();
+    // destroy on the instance, which leaves extensionList.
+    void unloadModule();
+    ExtensionInstance *instance();
+
+    struct Impl;
+
+private:
+    std::unique_ptr<Impl> impl_;
+};
+
+// ---------------------------------------------------------------------------
+// Rows
+
+// The row of the table with that name, compared without regard to case over
+// all 32 units; null if there is none. Stops at the blank closing row.
+const FormatTableRow *findRow(const FormatTableRow *table, std::string_view name);
+// The name of a row without its trailing blanks, as ASCII.
+std::string rowName(const FormatTableRow &row);
+// Rows of the table up to the closing blank row.
+std::vector<const FormatTableRow *> tableRows(const FormatTableRow *table);
+bool isInformat(const FormatTableRow &row);
+
+// ---------------------------------------------------------------------------
+// Calls
+
+enum class Entry { Wide, Byte };
+
+struct CallSpec {
+    std::string locale = "en_US";
+    std::map<int, std::string> items; // raw item overrides
+    std::string encoding = "UTF-8";   // host encoding of the call's transcoder
+    int32_t width = -1;               // -1: the row's default
+    int32_t decimals = -1;            // -1: the row's default
+    bool measureBytes = false;
+    bool validate = false;            // bit 0 of flags
+    int32_t fieldLimit = -1;          // -1: the text's length
+    int32_t outputCapacity = -1;      // -1: the width
+    Entry entry = Entry::Wide;
+};
+
+struct FormatResult {
+    int32_t status = 0;
+    std::u16string wide;      // wide entry: the units written (outputLength of them, within capacity)
+    std::string bytes;        // byte entry: the bytes written
+    std::string utf8;         // the text as UTF-8 (bytes decoded from the host encoding)
+    int32_t outputLength = 0;
+    bool overran = false;     // something was written beyond outputCapacity
+    bool fieldsChanged = false; // a field of the FormatCall other than outputLength/localeBlock changed
+    std::string error;        // set when the call could not be made (unknown row, locale, encoding, null entry)
+};
+
+struct ReadResult {
+    int32_t status = 0;
+    uint64_t bits = 0;        // the double at output
+    double value = 0;
+    bool untouched = false;   // output still holds the sentinel
+    bool fieldsChanged = false;
+    std::string error;
+};
+
+// Run a format row on one value. The module must be loaded.
+FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &spec, double value);
+// Run an informat row on one UTF-8 text (converted to UTF-16).
+ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &spec,
+                       std::string_view utf8Text);
+
+// ---------------------------------------------------------------------------
+// Values
+
+// A missing value: '.' plain, 'A'..'Z', '_' special.
+double missingValue(char mark);
+// The mark of a missing value ('.', 'A'..'Z', '_'), or 0 when not missing.
+char missingMark(double value);
+// Parse a VALUE of the tool: a number, an ISO date (day count from 1960),
+// an ISO datetime (second count), ".", ".A".. ".Z", "._". nullopt if bad.
+std::optional<double> parseValue(std::string_view text);
+
+// UTF-8 <-> UTF-16 helpers.
+std::u16string utf16(std::string_view utf8);
+std::string utf8(std::u16string_view utf16);
+
+} // namespace zvhost

@@ -1,0 +1,62 @@
+// What every routine of the module shares: the host's anchor, the search for
+// the instance, the star fill, the missing mark, the pool of a call and the
+// bridge from a wide routine to the host encoding.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#include "zvlocfmt/zvlocfmt.h"
+
+namespace zv {
+
+// The host's anchor, left by zvextent or zvextver.
+extern HostAnchor *hostAnchor;
+
+// The instance named "zvlocfmt" in the call's extensionList, or null.
+ExtensionInstance *findInstance(const FormatCall *call);
+
+// width copies of '*' from the start of output; outputLength = width; 0.
+int32_t starFill(FormatCall *call);
+
+// The mark of the missing value at input, placed by width and decimals.
+int32_t writeMissingMark(FormatCall *call);
+
+inline uint64_t bitsOf(double v) {
+    uint64_t b;
+    std::memcpy(&b, &v, sizeof b);
+    return b;
+}
+inline double doubleOf(uint64_t b) {
+    double v;
+    std::memcpy(&v, &b, sizeof v);
+    return v;
+}
+inline bool isMissing(double v) { return (bitsOf(v) >> 48) == 0xFFFFu; }
+inline double missingValue() { return doubleOf(ZV_MISSING_BITS); }
+
+// The pool for a call's temporary memory: the callPool's when it carries the
+// key "ZVRG" and a pool in word 9, else the services' formatPool.
+HostPool *callPoolOf(const FormatCall *call);
+
+// Justification of a byte entry's overflow.
+enum class Justify : char { Left = 'l', Right = 'r' };
+
+// The byte entry of every format: runs `wide` on a copy of the call whose
+// output is a wide buffer, then transcodes the text into the host's target.
+int32_t runByteEntry(ZvWideEntry wide, Justify mark, FormatCall *call, FormatCall *callPart,
+                     void *opaque);
+
+template <ZvWideEntry Wide, Justify Mark>
+int32_t byteEntry(FormatCall *call, FormatCall *callPart, void *opaque) {
+    return runByteEntry(Wide, Mark, call, callPart, opaque);
+}
+
+// The first steps of a format: find the instance, answer a missing value
+// with its mark and a value outside [low, high) with stars. Returns true
+// when the routine should go on with `value`; otherwise *status holds the
+// answer and the call is done.
+bool beginFormat(FormatCall *call, double low, double high, double *value, int32_t *status,
+                 ExtensionInstance **instance);
+
+} // namespace zv

@@ -1,0 +1,88 @@
+// The byte entry: one routine behind all formats that carries a wide
+// routine's text into the host encoding and fits it to the caller's field.
+#include <cstring>
+
+#include "frame/frame.hpp"
+
+namespace zv {
+
+namespace {
+
+constexpr int32_t kLocalUnits = 256;
+
+// Statuses with which a routine returns before it writes anything.
+bool wroteNothing(int32_t status) {
+    return status == ZV_NO_INSTANCE || (status >= ZV_WIDTH_TOO_SMALL && status <= ZV_DECIMALS_TOO_LARGE);
+}
+
+int32_t transcodeInto(HostTranscoder *t, const ZvChar *text, int64_t units, void *target,
+                      int64_t capacity, int64_t *produced) {
+    *produced = 0;
+    if (!t) return ZV_TARGET_TOO_SMALL;
+    return t->ops->transcode(t, text, units * 2, target, capacity, produced, 0);
+}
+
+} // namespace
+
+int32_t runByteEntry(ZvWideEntry wide, Justify mark, FormatCall *call, FormatCall *callPart,
+                     void *opaque) {
+    HostPool *pool = callPoolOf(call);
+
+    FormatCall copy;
+    std::memcpy(&copy, call, sizeof copy);
+    if (callPart) std::memcpy(&copy, callPart, ZV_CALL_PART_BYTES);
+    FormatCall *source = callPart ? callPart : call;
+
+    ZvChar local[kLocalUnits];
+    ZvChar *buffer = local;
+    int32_t bufferUnits = kLocalUnits;
+    if (source->width > kLocalUnits) {
+        buffer = pool ? static_cast<ZvChar *>(
+                            pool->ops->poolAlloc(pool, uint64_t(source->width) * sizeof(ZvChar), 0))
+                      : nullptr;
+        if (!buffer) return ZV_NO_MEMORY;
+        bufferUnits = source->width;
+    }
+    copy.output = buffer;
+    copy.outputCapacity = bufferUnits;
+    copy.outputLength = 0;
+
+    int32_t status = wide(&copy, opaque);
+    if (!wroteNothing(status)) {
+        int64_t units = copy.outputLength;
+        if (units < 0) units = 0;
+        if (units > bufferUnits) units = bufferUnits;
+
+        // The field is `width` bytes, and never more than the target holds.
+        int64_t field = source->width < source->outputCapacity ? source->width : source->outputCapacity;
+        if (field < 0) field = 0;
+        auto *target = static_cast<unsigned char *>(source->output);
+
+        int64_t produced = 0;
+        status = transcodeInto(call->transcoder, buffer, units, target, field, &produced);
+        source->outputLength = static_cast<int32_t>(produced);
+
+        if (status == ZV_TARGET_TOO_SMALL) {
+            if (mark == Justify::Left) {
+                status = 0; // cut at what fitted
+            } else if (source->width >= 1) {
+                const int64_t look = units < source->width ? units : source->width;
+                int64_t lead = 0;
+                while (lead < look && buffer[lead] == u' ') ++lead;
+                if (lead > 0) {
+                    status = transcodeInto(call->transcoder, buffer + lead, units - lead, target,
+                                           field, &produced);
+                    if (produced < 0) produced = 0;
+                    if (produced > field) produced = field;
+                    std::memmove(target + (field - produced), target, size_t(produced));
+                    std::memset(target, ' ', size_t(field - produced));
+                    source->outputLength = static_cast<int32_t>(field);
+                }
+            }
+        }
+    }
+    if (buffer != local) pool->ops->poolFree(pool, buffer);
+    return status;
+}
+
+} // namespace zv

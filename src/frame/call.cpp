@@ -1,0 +1,109 @@
+// What every format does first: find its instance, answer a missing value
+// with its mark, a value it cannot show with stars.
+#include <cmath>
+#include <cstring>
+
+#include "frame/frame.hpp"
+
+namespace zv {
+
+namespace {
+
+// The instance name as one little-endian word.
+constexpr uint64_t kInstanceName = 0x74666d636f6c767aull; // "zvlocfmt"
+
+// The key of a call pool, as four UTF-16 units in one word.
+constexpr uint64_t kCallPoolKey = 0x004700520056005aull; // u"ZVRG"
+
+constexpr int kCallPoolWord = 9;
+
+} // namespace
+
+ExtensionInstance *findInstance(const FormatCall *call) {
+    if (!call || !call->services || !call->services->extensionList) return nullptr;
+    for (ExtensionInstance **entry = call->services->extensionList; *entry; ++entry) {
+        const char *name = (*entry)->extensionName;
+        if (!name) continue;
+        uint64_t word;
+        std::memcpy(&word, name, sizeof word);
+        if (word == kInstanceName) return *entry;
+    }
+    return nullptr;
+}
+
+int32_t starFill(FormatCall *call) {
+    call->outputLength = call->width;
+    int64_t count = call->width < call->outputCapacity ? call->width : call->outputCapacity;
+    auto *out = static_cast<ZvChar *>(call->output);
+    if (out)
+        for (int64_t i = 0; i < count; ++i) out[i] = u'*';
+    return 0;
+}
+
+int32_t writeMissingMark(FormatCall *call) {
+    call->outputLength = call->width;
+    auto *out = static_cast<ZvChar *>(call->output);
+    if (!out) return 0;
+    for (int32_t i = 0; i < call->outputCapacity; ++i) out[i] = u' ';
+
+    double value = 0;
+    if (call->input) std::memcpy(&value, call->input, sizeof value);
+    ZvChar mark = u' ';
+    if (isMissing(value)) {
+        const auto letter = static_cast<uint8_t>(~(bitsOf(value) >> 40) & 0xFFu);
+        if (letter == '-')
+            mark = u'_';
+        else if (letter >= 'A' && letter <= 'Z')
+            mark = letter;
+        else
+            mark = u'.';
+    }
+    const int64_t at = (call->decimals == 98 || call->decimals == 99)
+                           ? int64_t{call->width} - 1
+                           : int64_t{call->width} - 1 - call->decimals;
+    if (at >= 0 && at < call->outputCapacity) out[at] = mark;
+    return 0;
+}
+
+HostPool *callPoolOf(const FormatCall *call) {
+    if (call->callPool) {
+        uint64_t key;
+        std::memcpy(&key, call->callPool, sizeof key);
+        if (key == kCallPoolKey) {
+            HostPool *pool;
+            std::memcpy(&pool, static_cast<const char *>(call->callPool) + 8 * kCallPoolWord,
+                        sizeof pool);
+            if (pool) return pool;
+        }
+    }
+    return call->services ? call->services->formatPool : nullptr;
+}
+
+bool beginFormat(FormatCall *call, double low, double high, double *value, int32_t *status,
+                 ExtensionInstance **instance) {
+    ExtensionInstance *found = findInstance(call);
+    if (instance) *instance = found;
+    if (!found) {
+        *status = ZV_NO_INSTANCE;
+        return false;
+    }
+    double v = 0;
+    if (call->input) std::memcpy(&v, call->input, sizeof v);
+    call->outputLength = call->width;
+    *status = 0;
+    if (isMissing(v)) {
+        const int32_t saved = call->decimals;
+        call->decimals = 0;
+        *status = writeMissingMark(call);
+        call->decimals = saved;
+        return false;
+    }
+    if (!call->input || std::isnan(v) || v < low || v >= high) {
+        *status = starFill(call);
+        return false;
+    }
+    *value = v;
+    return true;
+}
+
+} // namespace zv

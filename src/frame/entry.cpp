@@ -1,0 +1,171 @@
+// The exports: the anchor word, the build and teardown of the instance, the
+// version answers and the build record.
+#include <cstring>
+
+#include "frame/frame.hpp"
+#include "frame/table.hpp"
+
+namespace zv {
+
+HostAnchor *hostAnchor = nullptr;
+
+namespace {
+
+constexpr int32_t kBuildFailureLevel = 4;
+
+int32_t versionCurrent(ExtensionInstance *, int64_t *a, int64_t *b, int64_t *c) {
+    if (a) *a = 6;
+    if (b) *b = 1;
+    if (c) *c = 1;
+    return 0;
+}
+
+int32_t versionBase(ExtensionInstance *, int64_t *a, int64_t *b, int64_t *c) {
+    if (a) *a = 6;
+    if (b) *b = 0;
+    if (c) *c = 0;
+    return 0;
+}
+
+void reportNoMemory(HostJournal *errorJournal) {
+    if (errorJournal && errorJournal->ops && errorJournal->ops->logStatus)
+        errorJournal->ops->logStatus(errorJournal, kBuildFailureLevel, ZV_NO_MEMORY, nullptr, 0);
+}
+
+void releaseTranscoder(HostTranscoder *t) {
+    if (t) t->ops->transcoderRelease(t);
+}
+
+// Closes and releases what the build made, then the pool with the instance.
+int32_t unwind(ExtensionInstance *instance) {
+    HostJournal *journal = instance->journal;
+    if (journal) {
+        if (instance->journalOpen != 0) journal->ops->journalClose(journal);
+        journal->ops->journalRelease(journal);
+    }
+    releaseTranscoder(instance->wideFromLocaleText);
+    releaseTranscoder(instance->wideToWide);
+    if (instance->defaultLocale) instance->defaultLocale->ops->localeRelease(instance->defaultLocale);
+    HostPool *pool = instance->pool;
+    if (instance->monetaryRecord) pool->ops->poolFree(pool, instance->monetaryRecord);
+    pool->ops->poolDestroy(pool);
+    return 0;
+}
+
+int32_t destroyInstance(ExtensionInstance *instance) {
+    if (!instance) return 0;
+    return unwind(instance);
+}
+
+// The build record behind zvvercn1: 26 words, strings but word 3 (seconds
+// since 1970 of the build) and zeros from word 18 on.
+#ifndef ZV_BUILD_EPOCH
+#define ZV_BUILD_EPOCH 0
+#endif
+#ifndef ZV_BUILD_HOST
+#define ZV_BUILD_HOST "unknown"
+#endif
+#ifndef ZV_BUILD_DATE
+#define ZV_BUILD_DATE __DATE__ " " __TIME__
+#endif
+
+struct BuildRecord {
+    uint64_t words[26];
+};
+
+const BuildRecord &buildRecord() {
+    static const BuildRecord record = {{
+        reinterpret_cast<uint64_t>("6.1.1"),          // version text
+        reinterpret_cast<uint64_t>("main"),           // branch
+        reinterpret_cast<uint64_t>("zvlocfmt"),       // component family
+        static_cast<uint64_t>(ZV_BUILD_EPOCH),        // build time, seconds since 1970
+        reinterpret_cast<uint64_t>("zvlocfmt-6.1.1"), // its stamp
+        reinterpret_cast<uint64_t>("zvregional"),     // second component family
+        reinterpret_cast<uint64_t>("zvregional-6.1"), // its stamp
+        reinterpret_cast<uint64_t>("V6"),             // version keys
+        reinterpret_cast<uint64_t>("R1"),
+        reinterpret_cast<uint64_t>("M1"),
+        reinterpret_cast<uint64_t>("C++20"),
+        reinterpret_cast<uint64_t>("LP64"),
+        reinterpret_cast<uint64_t>("UTF-16"),
+        reinterpret_cast<uint64_t>("247"),
+        reinterpret_cast<uint64_t>("150"),
+        reinterpret_cast<uint64_t>("97"),
+        reinterpret_cast<uint64_t>(ZV_BUILD_HOST),    // build host
+        reinterpret_cast<uint64_t>(ZV_BUILD_DATE),    // build date
+        0, 0, 0, 0, 0, 0, 0, 0,
+    }};
+    return record;
+}
+
+static_assert(sizeof(BuildRecord) == ZV_BUILD_RECORD_BYTES);
+
+} // namespace
+
+} // namespace zv
+
+using namespace zv;
+
+extern "C" {
+
+ZV_EXPORT int32_t zvextent(HostAnchor *anchor) {
+    hostAnchor = anchor;
+    return 0;
+}
+
+ZV_EXPORT int32_t zvextver(HostAnchor *anchor, int64_t *major, int64_t *minor) {
+    if (major) *major = 6;
+    if (minor) *minor = 1;
+    hostAnchor = anchor;
+    return 0;
+}
+
+ZV_EXPORT void zvvercn1(void *target) {
+    if (target) std::memcpy(target, &buildRecord(), ZV_BUILD_RECORD_BYTES);
+}
+
+ZV_EXPORT ExtensionInstance *zvlocfmt(HostAnchor *anchor, HostJournal *errorJournal) {
+    if (!anchor || !anchor->ops) return nullptr;
+    NlsServices *nls = anchor->nlsServices;
+
+    uint64_t poolDescriptor[3] = {0, 0, 0};
+    HostPool *pool = anchor->ops->createPool(anchor, poolDescriptor, errorJournal, "zvregional pool");
+    if (!pool) {
+        reportNoMemory(errorJournal);
+        return nullptr;
+    }
+    auto *instance = static_cast<ExtensionInstance *>(
+        pool->ops->poolAlloc(pool, sizeof(ExtensionInstance), ZV_ALLOC_ZEROED));
+    if (!instance) {
+        reportNoMemory(errorJournal);
+        pool->ops->poolDestroy(pool);
+        return nullptr;
+    }
+    instance->pool = pool;
+    instance->destroy = destroyInstance;
+    instance->anchor = anchor;
+    instance->versionCurrent = versionCurrent;
+    instance->versionBase = versionBase;
+    instance->formatTable = formatTable();
+    instance->journalOpen = 0;
+
+    uint64_t journalDescriptor[3] = {0, 0, 0x40000000u};
+    instance->journal = anchor->ops->createJournal(anchor, journalDescriptor, 0, u"zvregional Jnl");
+    instance->monetaryRecord = nullptr;
+
+    if (nls) {
+        instance->wideFromLocaleText = nls->ops->createTranscoder(
+            nls, ZV_ENCODING_LOCALE_TEXT, ZV_ENCODING_UTF16, 0, 0);
+        if (instance->wideFromLocaleText)
+            instance->wideToWide =
+                nls->ops->createTranscoder(nls, ZV_ENCODING_UTF16, ZV_ENCODING_UTF16, 0, 0);
+        if (instance->wideToWide) instance->defaultLocale = nls->ops->openLocale(nls, u"en_US", 5);
+    }
+    if (!instance->wideFromLocaleText || !instance->wideToWide || !instance->defaultLocale) {
+        unwind(instance);
+        return nullptr;
+    }
+    return instance;
+}
+
+} // extern "C"

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "frame/frame.hpp"
+#include "locale/block.hpp"
 
 namespace zv {
 
@@ -104,6 +105,13 @@ bool beginFormat(FormatCall *call, double low, double high, double *value, int32
     }
     *value = v;
     return true;
+}
+
+bool ensureLocaleBlock(FormatCall *call, ExtensionInstance *instance) {
+    if (call->localeBlock) return true;
+    if (buildLocaleBlock(call, instance) == 0) return true;
+    starFill(call);
+    return false;
 }
 
 } // namespace zv

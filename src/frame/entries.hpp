@@ -25,18 +25,14 @@ constexpr ZvWideEntry readWeekV = kPending;
 constexpr ZvWideEntry readWeekW = kPending;
 
 // Per-currency informats and formats, by ISO code.
-#define ZV_CURRENCY_CODES(X)                                                                    \
-    X(AED) X(AUD) X(BGN) X(BRL) X(CAD) X(CHF) X(CNY) X(CZK) X(DKK) X(EEK) X(EGP) X(EUR) X(GBP)   \
-    X(HKD) X(HRK) X(HUF) X(IDR) X(ILS) X(INR) X(JPY) X(KRW) X(LTL) X(LVL) X(MOP) X(MXN) X(MYR)   \
-    X(NOK) X(NZD) X(PLN) X(ROL) X(RUB) X(RUR) X(SEK) X(SGD) X(SKK) X(THB) X(TRY) X(TWD) X(USD)   \
-    X(ZAR)
+#include "locale/currency_codes.inc"
 
 #define ZV_DECLARE_CURRENCY_ENTRIES(code)                                                      \
     constexpr ZvWideEntry readNlMni##code = kPending;                                          \
     constexpr ZvWideEntry readNlMnl##code = kPending;                                          \
     constexpr ZvWideEntry writeNlMni##code = kPending;                                         \
     constexpr ZvWideEntry writeNlMnl##code = kPending;
-ZV_CURRENCY_CODES(ZV_DECLARE_CURRENCY_ENTRIES)
+ZV_FORMAT_CURRENCIES(ZV_DECLARE_CURRENCY_ENTRIES)
 #undef ZV_DECLARE_CURRENCY_ENTRIES
 
 // ---- formats -------------------------------------------------------------------

@@ -59,4 +59,8 @@ int32_t byteEntry(FormatCall *call, FormatCall *callPart, void *opaque) {
 bool beginFormat(FormatCall *call, double low, double high, double *value, int32_t *status,
                  ExtensionInstance **instance);
 
+// The fifth step: a call without a locale block gets one. False when the
+// block can't be built; the field then holds stars and the answer is 0.
+bool ensureLocaleBlock(FormatCall *call, ExtensionInstance *instance);
+
 } // namespace zv

@@ -70,8 +70,8 @@ constexpr FormatTableRow kTable[kFormatTableRows + 1] = {
     ZV_READ("@NLDATM", readNlDatetime, 19, 200, 19, 3, 0),
     ZV_READ("@NLDATMAP", readNlDatetime, 17, 200, 32, 3, 0),
     ZV_READ("@NLDATMW", readNlDatetime, 34, 200, 40, 3, 0),
-    ZV_CURRENCY_CODES(ZV_READ_MNI)
-    ZV_CURRENCY_CODES(ZV_READ_MNL)
+    ZV_FORMAT_CURRENCIES(ZV_READ_MNI)
+    ZV_FORMAT_CURRENCIES(ZV_READ_MNL)
     ZV_READ("@NLMNY", readNlMny, 1, 32, 9, 31, 0),
     ZV_READ("@NLMNYI", readNlMnyI, 1, 32, 9, 31, 0),
     ZV_READ("@NLNUM", readNlNum, 1, 32, 6, 31, 0),
@@ -139,8 +139,8 @@ constexpr FormatTableRow kTable[kFormatTableRows + 1] = {
     ZV_DATE("NLDATMYW", writeNlDatmYW, 5, 200, 16, 0, 0, 0),
     ZV_DATE("NLDATMZ", writeNlDatmZ, 16, 200, 40, 3, 0, 12),
 
-    ZV_CURRENCY_CODES(ZV_WRITE_MNI)
-    ZV_CURRENCY_CODES(ZV_WRITE_MNL)
+    ZV_FORMAT_CURRENCIES(ZV_WRITE_MNI)
+    ZV_FORMAT_CURRENCIES(ZV_WRITE_MNL)
 
     ZV_NUMBER("NLMNY", writeNlMny, 1, 32, 9, 31, 0, 2),
     ZV_NUMBER("NLMNYI", writeNlMnyI, 1, 32, 9, 31, 0, 0),

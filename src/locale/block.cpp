@@ -1,0 +1,317 @@
+// Building a locale block from the host's raw text table.
+#include "locale/block.hpp"
+
+#include <cstring>
+
+#include "frame/frame.hpp"
+
+namespace zv {
+
+namespace {
+
+constexpr int kItems = ZV_LOCALE_TABLE_ITEMS;
+constexpr int kTextUnits = ZV_ITEM_TEXT_UNITS;
+constexpr int kEscapeBytes = 7; // <Uxxxx>
+
+int hexValue(uint8_t b) {
+    if (b >= '0' && b <= '9') return b - '0';
+    if (b >= 'A' && b <= 'F') return b - 'A' + 10;
+    if (b >= 'a' && b <= 'f') return b - 'a' + 10;
+    return 0;
+}
+
+// True when the host encoding can show this one unit.
+bool hostShows(HostTranscoder *t, ZvChar c) {
+    if (!t) return true;
+    unsigned char scratch[8];
+    int64_t produced = 0;
+    return t->ops->transcode(t, &c, sizeof c, scratch, sizeof scratch, &produced, 0) == 0;
+}
+
+// Bytes of host-encoded text for a wide text; what was produced counts
+// whatever the status says. Without a transcoder a unit counts one.
+uint32_t hostBytes(HostTranscoder *t, const ZvChar *text, int64_t units) {
+    if (units <= 0) return 0;
+    if (!t) return static_cast<uint32_t>(units);
+    unsigned char scratch[kTextUnits];
+    int64_t produced = 0;
+    t->ops->transcode(t, text, units * 2, scratch, sizeof scratch, &produced, 0);
+    if (produced < 0) produced = 0;
+    return static_cast<uint32_t>(produced);
+}
+
+void decodeItem(LocaleItem &item, int k, const uint8_t *record, HostTranscoder *wideFromText,
+                HostTranscoder *host) {
+    item.id = static_cast<uint32_t>(k);
+    int n = record[0] | (record[1] << 8);
+    if (n > kTextUnits) n = kTextUnits;
+    const uint8_t *src = record + 2;
+
+    ZvChar work[kTextUnits] = {};
+    if (n > 0) {
+        int64_t produced = 0;
+        if (wideFromText)
+            wideFromText->ops->transcode(wideFromText, src, n, work, sizeof work, &produced, 0);
+        else
+            for (int i = 0; i < n; ++i) work[i] = src[i];
+    }
+
+    // Room for the text and its terminating zero.
+    constexpr int kLast = kTextUnits - 1;
+    int i = 0, o = 0;
+    while (i < n && o < kLast) {
+        if (src[i] != '<' || n - i < kEscapeBytes || (src[i + 1] != 'U' && src[i + 1] != 'u')) {
+            item.text[o++] = work[i++];
+            continue;
+        }
+        const ZvChar c = static_cast<ZvChar>((hexValue(src[i + 2]) << 12) | (hexValue(src[i + 3]) << 8) |
+                                             (hexValue(src[i + 4]) << 4) | hexValue(src[i + 5]));
+        i += kEscapeBytes;
+        if (c == 0x00A4) { // the generic currency sign stands for the currency
+            item.text[o++] = 1;
+            continue;
+        }
+        item.text[o] = c;
+        if (hostShows(host, c)) {
+            ++o;
+            continue;
+        }
+        if (c == 0x00A0) {
+            item.text[o++] = u' ';
+            continue;
+        }
+        char digits[8];
+        int d = 0;
+        for (unsigned v = c; v > 0 || d == 0; v /= 10) digits[d++] = static_cast<char>('0' + v % 10);
+        if (o + d + 3 < kTextUnits) {
+            item.text[o++] = u'&';
+            item.text[o++] = u'#';
+            while (d > 0) item.text[o++] = static_cast<ZvChar>(digits[--d]);
+            item.text[o++] = u';';
+        } else {
+            item.text[o++] = u'*';
+        }
+    }
+    item.length = o;
+    item.text[o] = 0;
+}
+
+// Up to `room` units of an item into a zero-padded field.
+void copyUnits(ZvChar *to, int room, const LocaleItem &item) {
+    for (int i = 0; i < room; ++i) to[i] = i < item.length ? item.text[i] : 0;
+}
+
+int32_t decimalValue(const LocaleItem &item) {
+    int32_t v = 0;
+    for (int64_t i = 0; i < item.length; ++i) {
+        const ZvChar c = item.text[i];
+        if (c < u'0' || c > u'9') break;
+        if (v < 100000000) v = v * 10 + (c - u'0');
+    }
+    return v;
+}
+
+void groupSizesOf(NumberContext &ctx, const LocaleItem &item) {
+    for (int64_t i = 0; i < item.length && i < 16; ++i) ctx.groupSizes[i] = item.text[i] - 48;
+}
+
+void placements(NumberContext &ctx, const LocaleItem *items, int posPrecedes, int posSpaced,
+                int posSign, int negPrecedes, int negSpaced, int negSign) {
+    ctx.positiveSymbolPrecedes = decimalValue(items[posPrecedes]);
+    ctx.positiveSymbolSpaced = decimalValue(items[posSpaced]);
+    ctx.positiveSignPosition = decimalValue(items[posSign]);
+    ctx.negativeSymbolPrecedes = decimalValue(items[negPrecedes]);
+    ctx.negativeSymbolSpaced = decimalValue(items[negSpaced]);
+    ctx.negativeSignPosition = decimalValue(items[negSign]);
+}
+
+void fixedSeparators(NumberContext &ctx) {
+    ctx.decimalSeparator[0] = u'.';
+    ctx.groupSeparator[0] = u',';
+    ctx.groupSizes[0] = 3;
+}
+
+void percentPlacements(NumberContext &ctx) {
+    ctx.positiveSymbolPrecedes = 0;
+    ctx.positiveSymbolSpaced = 0;
+    ctx.positiveSignPosition = 1;
+    ctx.negativeSymbolPrecedes = 0;
+    ctx.negativeSymbolSpaced = 0;
+    ctx.negativeSignPosition = 1;
+}
+
+bool holdsNumericReference(const LocaleItem &item) {
+    for (int64_t i = 0; i + 1 < item.length; ++i)
+        if (item.text[i] == u'&' && item.text[i + 1] == u'#') return true;
+    return false;
+}
+
+void fillContexts(LocaleBlock &b) {
+    LocaleItem *it = b.items;
+    NumberContext *c = b.contexts;
+
+    // 170: local money. The local symbol, unless the host can't show it.
+    copyUnits(c[0].symbol, 51, it[156]);
+    if (it[156].length > 4 && holdsNumericReference(it[156])) {
+        std::memset(c[0].symbol, 0, sizeof c[0].symbol);
+        copyUnits(c[0].symbol, 51, it[155]);
+    }
+    // 171: international money.
+    copyUnits(c[1].symbol, 51, it[155]);
+    for (int m = 0; m < 2; ++m) {
+        copyUnits(c[m].decimalSeparator, 2, it[157]);
+        copyUnits(c[m].groupSeparator, 2, it[158]);
+        groupSizesOf(c[m], it[159]);
+        copyUnits(c[m].positiveSign, 2, it[160]);
+        copyUnits(c[m].negativeSign, 2, it[161]);
+        placements(c[m], it, 164, 165, 168, 166, 167, 169);
+    }
+    c[0].fractionDigits = decimalValue(it[163]);
+    c[1].fractionDigits = decimalValue(it[162]);
+
+    // 183 and 185 by the locale's marks, 184 and 186 by fixed ones.
+    for (int n = 2; n < 6; ++n) {
+        if (n == 2 || n == 4) {
+            copyUnits(c[n].decimalSeparator, 2, it[172]);
+            copyUnits(c[n].groupSeparator, 2, it[173]);
+            groupSizesOf(c[n], it[174]);
+        } else {
+            fixedSeparators(c[n]);
+        }
+        copyUnits(c[n].positiveSign, 2, it[175]);
+        copyUnits(c[n].negativeSign, 2, it[176]);
+    }
+    placements(c[2], it, 177, 178, 181, 179, 180, 182);
+    placements(c[3], it, 177, 178, 181, 179, 180, 182);
+    for (int n = 4; n < 6; ++n) {
+        c[n].symbol[0] = u'%';
+        percentPlacements(c[n]);
+    }
+
+    const int owners[6] = {170, 171, 183, 184, 185, 186};
+    for (int n = 0; n < 6; ++n) it[owners[n]].numberContext = &c[n];
+}
+
+void nameWidths(LocaleBlock &b, HostTranscoder *t) {
+    struct Family {
+        int first[4];
+        int count;
+    };
+    static constexpr Family kFamilies[] = {
+        {{kItemMonthAbbr, kItemMonthFull, kItemMonthAbbrOther, kItemMonthFullOther}, 12},
+        {{kItemWeekdayAbbr, kItemWeekdayFull, kItemWeekdayAbbrOther, kItemWeekdayFullOther}, 7},
+        {{kItemQuarterAbbr, kItemQuarterFull, kItemQuarterAbbrOther, kItemQuarterFullOther}, 4},
+    };
+    for (const Family &f : kFamilies)
+        for (int list : f.first) {
+            uint32_t widest = 0;
+            for (int k = list; k < list + f.count; ++k) {
+                const uint32_t w = hostBytes(t, b.items[k].text, b.items[k].length);
+                if (w > widest) widest = w;
+            }
+            for (int k = list; k < list + f.count; ++k) b.items[k].maxWidth = widest;
+        }
+    const uint32_t am = hostBytes(t, b.items[kItemAm].text, b.items[kItemAm].length);
+    const uint32_t pm = hostBytes(t, b.items[kItemPm].text, b.items[kItemPm].length);
+    b.items[kItemAm].maxWidth = b.items[kItemPm].maxWidth = am > pm ? am : pm;
+}
+
+// What one directive adds to a pattern's width.
+uint32_t directiveWidth(const LocaleBlock &b, uint8_t d, bool other) {
+    auto w = [&](int plain, int alt) { return b.items[other ? alt : plain].maxWidth; };
+    switch (d) {
+    case 'A': case 'F': return w(114, 128);
+    case 'B': case 'C': return w(71, 95);
+    case 'a': case 'f': return w(107, 121);
+    case 'b': return w(59, 83);
+    case 'Q': return w(139, 147);
+    case 'q': return w(135, 143);
+    case 'p': return b.items[151].maxWidth;
+    case 'G': case 'Y': return 4;
+    case 'H': case 'I': case 'M': case 'S': case 'U': case 'V': case 'W': case 'd': case 'e':
+    case 'g': case 'k': case 'l': case 'm': case 'o': case 's': case 'y': return 2;
+    case 'T': return 8;
+    case 'Z': case 'j': return 3;
+    case 'u': case 'w': return 1;
+    case 'z': return 5;
+    default: return 0;
+    }
+}
+
+uint32_t patternWidth(const LocaleBlock &b, const LocaleItem &item, HostTranscoder *t) {
+    // %x and %X stand for the texts of items 28 and 53, one level deep.
+    ZvChar work[kTextUnits];
+    int n = 0;
+    auto put = [&](ZvChar c) {
+        if (n < kTextUnits) work[n++] = c;
+    };
+    for (int64_t i = 0; i < item.length; ++i) {
+        const ZvChar c = item.text[i];
+        if (c == u'%' && i + 1 < item.length && (item.text[i + 1] == u'x' || item.text[i + 1] == u'X')) {
+            const LocaleItem &with = b.items[item.text[i + 1] == u'x' ? 28 : 53];
+            for (int64_t k = 0; k < with.length; ++k) put(with.text[k]);
+            ++i;
+        } else {
+            put(c);
+        }
+    }
+
+    unsigned char bytes[kTextUnits];
+    int64_t produced = 0;
+    if (t) {
+        t->ops->transcode(t, work, int64_t(n) * 2, bytes, sizeof bytes, &produced, 0);
+        if (produced < 0) produced = 0;
+        if (produced > int64_t(sizeof bytes)) produced = sizeof bytes;
+    } else {
+        for (int i = 0; i < n; ++i) bytes[i] = work[i] < 0x100 ? static_cast<unsigned char>(work[i]) : '?';
+        produced = n;
+    }
+
+    uint32_t width = 0;
+    for (int64_t i = 0; i < produced; ++i) {
+        if (bytes[i] != '%') {
+            ++width;
+            continue;
+        }
+        if (++i >= produced) break;
+        bool other = false;
+        if (bytes[i] == '#') {
+            other = true;
+            if (++i >= produced) break;
+        }
+        width += directiveWidth(b, bytes[i], other);
+    }
+    return width;
+}
+
+} // namespace
+
+int32_t buildLocaleBlock(FormatCall *call, ExtensionInstance *instance) {
+    if (!call->localeBlock) {
+        HostPool *pool = call->services ? call->services->formatPool : nullptr;
+        void *memory = pool ? pool->ops->poolAlloc(pool, sizeof(LocaleBlock), ZV_ALLOC_ZEROED) : nullptr;
+        if (!memory) return ZV_NO_MEMORY;
+        call->localeBlock = static_cast<LocaleBlock *>(memory);
+    }
+    LocaleBlock &b = *call->localeBlock;
+
+    HostLocale *locale = call->locale;
+    if (!locale) return kNoLocale;
+    const uint8_t *table = nullptr;
+    const int32_t status = locale->ops->localeTextTable(locale, 0, &table);
+    if (status != 0) return status;
+    if (!table) return kNoLocale;
+
+    HostTranscoder *wideFromText = instance ? instance->wideFromLocaleText : nullptr;
+    for (int k = 0; k < kItems; ++k)
+        decodeItem(b.items[k], k,
+                   table + ZV_LOCALE_TABLE_OFFSET + size_t(k) * ZV_LOCALE_RECORD_SIZE, wideFromText,
+                   call->transcoder);
+
+    fillContexts(b);
+    nameWidths(b, call->transcoder);
+    for (int k = 28; k <= 57; ++k) b.items[k].maxWidth = patternWidth(b, b.items[k], call->transcoder);
+    return 0;
+}
+
+} // namespace zv

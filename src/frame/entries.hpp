@@ -3,6 +3,7 @@
 // byte entry stays null with it.
 #pragma once
 
+#include "datefmt/names.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
 namespace zv {
@@ -98,9 +99,9 @@ constexpr ZvWideEntry writeNlPctI = kPending;
 constexpr ZvWideEntry writeNlPctN = kPending;
 constexpr ZvWideEntry writeNlPctP = kPending;
 
-constexpr ZvWideEntry writeNlStrMon = kPending;
-constexpr ZvWideEntry writeNlStrQtr = kPending;
-constexpr ZvWideEntry writeNlStrWk = kPending;
+constexpr ZvWideEntry writeNlStrMon = &zv::writeNlStrMonth;
+constexpr ZvWideEntry writeNlStrQtr = &zv::writeNlStrQuarter;
+constexpr ZvWideEntry writeNlStrWk = &zv::writeNlStrWeekday;
 
 constexpr ZvWideEntry writeNlTimAP = kPending;
 constexpr ZvWideEntry writeNlTime = kPending;

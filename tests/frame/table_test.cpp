@@ -117,7 +117,9 @@ std::map<std::string, Limits> expectedLimits() {
 // the table disagree in either direction.
 std::set<std::string> pendingRows() {
     auto all = expectedOrder();
-    return std::set<std::string>(all.begin(), all.end());
+    std::set<std::string> pending(all.begin(), all.end());
+    for (const char *built : {"NLSTRMON", "NLSTRQTR", "NLSTRWK"}) pending.erase(built);
+    return pending;
 }
 
 std::string nameOf(const FormatTableRow &row) {

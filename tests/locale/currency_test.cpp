@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <map>
 #include <set>
 #include <string>
 
@@ -35,12 +36,6 @@ std::u16string shown(const zv::CurrencyRow &row, HostTranscoder *t, int *calls =
     const int64_t n = zv::decodeRowSymbol(row, &c, out);
     if (calls) *calls = counting.calls;
     return std::u16string(out, size_t(n));
-}
-
-zv::CurrencyRow rowWithSymbol(const char16_t *symbol) {
-    zv::CurrencyRow r = zv::currencyEUR();
-    r.symbol = symbol;
-    return r;
 }
 
 TEST(CurrencyTable, EightyTwoRowsInOrderOfCode) {

@@ -1,0 +1,232 @@
+// Calendar arithmetic: pure functions on doubles, but for the year pivot,
+// which the host's option gives at each use.
+#include "datefmt/calendar.hpp"
+
+#include <cmath>
+#include <cstdlib>
+
+#include "frame/frame.hpp"
+
+namespace zv {
+
+namespace {
+
+constexpr int kMonthDays[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+
+bool refusedDay(double days) { return isMissing(days) || !(days >= kFirstDay && days < kDayLimit); }
+bool refusedSecond(double s) { return isMissing(s) || !(s >= kFirstSecond && s < kSecondLimit); }
+
+int monthLength(int month, int64_t year) { return kMonthDays[month - 1] + (month == 2 ? leapFigure(year) : 0); }
+
+bool plainLeap(int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+
+// Splits a year-day code after the refusals both directions share; false
+// when refused.
+bool splitCode(double code, int64_t *year, int64_t *dayOfYear) {
+    if (isMissing(code) || !(code > 0) || code > kLastYearDay) return false;
+    const int64_t c = static_cast<int64_t>(code);
+    int64_t y = c / 1000;
+    const int64_t d = c % 1000;
+    if (y >= 100 && y <= 1581) return false;
+    if (d >= 367) return false;
+    if (y <= 99) y = settleTwoDigitYear(y, yearPivot(1950));
+    if (d > 365 + leapFigure(y)) return false;
+    *year = y;
+    *dayOfYear = d;
+    return true;
+}
+
+} // namespace
+
+int leapFigure(int64_t y) {
+    if (y % 4000 == 0) return 0;
+    if (y % 400 == 0) return 1;
+    if (y % 100 == 0) return 0;
+    return y % 4 == 0 ? 1 : 0;
+}
+
+int64_t daysBefore(int64_t y) {
+    const int64_t c = y - 1;
+    return 365 * y + c / 4 - c / 4000 - c / 100 + (c / 100) / 4 - 715875;
+}
+
+int64_t settleTwoDigitYear(int64_t year, int64_t pivot) {
+    const int64_t p = static_cast<int32_t>(pivot & 0xFFFFFFFF);
+    const int64_t r = ((p % 100) + 100) % 100;
+    return year + p - r + (year < r ? 100 : 0);
+}
+
+int64_t yearPivot(int64_t fallback) {
+    int64_t value = fallback;
+    HostAnchor *anchor = hostAnchor;
+    if (anchor && anchor->ops && anchor->ops->readOption) {
+        int64_t size = 8;
+        anchor->ops->readOption(anchor, u"ZV_NAME_YEARCUTOFF", 18, 3, &value, &size);
+    }
+    return value;
+}
+
+double ymdToYearDay(double year, double month, double day) {
+    if (!(month >= 1 && month <= 12) || !(day >= 1 && day <= 31) || !(year >= 0)) return missingValue();
+    if (year > 99 && !(year >= 1582 && year <= 20000)) return missingValue();
+    int64_t y = static_cast<int64_t>(year);
+    const int m = static_cast<int>(month);
+    const int d = static_cast<int>(day);
+    if (y <= 99) y = settleTwoDigitYear(y, yearPivot(1950));
+    if (y < 1582 || y > 20000) return missingValue();
+    if (d > monthLength(m, y)) return missingValue();
+    int64_t before = 0;
+    for (int k = 1; k < m; ++k) before += monthLength(k, y);
+    return static_cast<double>(y * 1000 + before + d);
+}
+
+double yearDayToDayCount(double code) {
+    int64_t y, d;
+    if (!splitCode(code, &y, &d)) return missingValue();
+    return static_cast<double>(daysBefore(y) + d);
+}
+
+int32_t yearDayToYmd(double *year, double *month, double *day, double code) {
+    int64_t y, d;
+    if (!splitCode(code, &y, &d)) {
+        *year = *month = *day = missingValue();
+        return 0;
+    }
+    int m = 1;
+    while (m < 12 && d > monthLength(m, y)) d -= monthLength(m++, y);
+    *year = static_cast<double>(y);
+    *month = m;
+    *day = static_cast<double>(d);
+    return 0;
+}
+
+double dayCountToYearDay(double days) {
+    if (isMissing(days)) return days;
+    if (refusedDay(days)) return missingValue();
+    const int64_t f = static_cast<int64_t>(std::floor(days));
+    const int64_t n = f + 715875;
+    const int64_t year = (n - n / 1461 + n / 36525 - n / 146100 + n / 1461000 - 1) / 365;
+    return static_cast<double>(year * 1000 + f - daysBefore(year));
+}
+
+double weekdayOf(double days) {
+    if (refusedDay(days)) return missingValue();
+    const int64_t t = 138052 + static_cast<int64_t>(days);
+    return static_cast<double>(((t % 7) + 7) % 7 + 1);
+}
+
+double dayOf(double seconds) {
+    if (isMissing(seconds)) return seconds;
+    if (refusedSecond(seconds)) return missingValue();
+    return std::trunc((11928470400.0 + seconds) / 86400.0) - 138061.0;
+}
+
+double hourOf(double seconds) {
+    if (refusedSecond(seconds)) return missingValue();
+    double x = std::fmod(seconds, 86400.0);
+    if (x < 0) x += 86400.0;
+    return std::trunc(x / 3600.0);
+}
+
+namespace {
+double clockPart(double seconds) {
+    double x = std::fmod(seconds, 86400.0);
+    if (seconds < 0) x = 86400.0 - std::fabs(x);
+    return x;
+}
+} // namespace
+
+double minuteOf(double seconds) {
+    if (refusedSecond(seconds)) return missingValue();
+    const double y = std::trunc(std::fmod(clockPart(seconds), 3600.0));
+    return std::trunc(y / 60.0);
+}
+
+double secondOf(double seconds) {
+    if (refusedSecond(seconds)) return missingValue();
+    return std::fmod(clockPart(seconds), 60.0);
+}
+
+double timeOfDay(double seconds) {
+    if (refusedSecond(seconds)) return missingValue();
+    if (seconds <= 0) seconds += 11928470400.0;
+    return std::fmod(seconds, 86400.0);
+}
+
+int32_t writeSignedField(int value, ZvChar *field, int width) {
+    for (int i = 0; i < width; ++i) field[i] = u' ';
+    int64_t v = value < 0 ? -int64_t{value} : int64_t{value};
+    int pos = width - 1;
+    do {
+        if (pos < 0) return 1;
+        field[pos--] = static_cast<ZvChar>(u'0' + v % 10);
+        v /= 10;
+    } while (v > 0);
+    if (value < 0) {
+        if (pos < 0) return 1;
+        field[pos] = u'-';
+    }
+    return 0;
+}
+
+int32_t roundToUnit(double value, double unit, double *result) {
+    if (value == 0) {
+        *result = 0;
+        return 0;
+    }
+    if (!std::isfinite(value) || !std::isfinite(unit) || unit == 0 ||
+        std::ilogb(value) - std::ilogb(unit) >= 52) {
+        *result = value;
+        return 0;
+    }
+    const double q = std::fabs(value) / unit;
+    const double allowance = std::fmin(std::ldexp(q, -40), std::ldexp(1.0, -24));
+    const double r = std::floor(q + (0.5 + allowance)) * unit;
+    *result = value < 0 ? -r : r;
+    return 0;
+}
+
+int32_t weekOfDate(double dayCount, const ZvChar *mode, double *year, double *week, double *dayNumber) {
+    double y, m, d;
+    yearDayToYmd(&y, &m, &d, dayCountToYearDay(dayCount));
+    const double weekday = weekdayOf(dayCount);
+    if (isMissing(y) || isMissing(weekday)) {
+        *year = *week = *dayNumber = missingValue();
+        return 0;
+    }
+    const int64_t yy = static_cast<int64_t>(y);
+    const int mm = static_cast<int>(m), dd = static_cast<int>(d);
+    const int wd = static_cast<int>(weekday); // 1 Sunday .. 7 Saturday
+    int64_t n = 31 * (mm - 1) + dd - 1;
+    if (mm >= 3) n -= static_cast<int64_t>(0.4 * mm + 2.3) - (plainLeap(yy) ? 1 : 0);
+
+    const ZvChar kind = mode ? mode[0] : u'V';
+    const int isoDay = wd == 1 ? 7 : wd - 1;
+    if (kind == u'U') {
+        *year = y;
+        *week = std::floor((n + 8.0 - wd) / 7.0);
+        *dayNumber = wd;
+    } else if (kind == u'W') {
+        *year = y;
+        *week = std::floor((n + 7.0 - ((wd + 5) % 7)) / 7.0);
+        *dayNumber = isoDay;
+    } else {
+        // The week holds its Thursday: that day's year is the week's year.
+        int64_t thursday = n + 1 + 4 - isoDay; // ordinal, 1 January being 1
+        int64_t weekYear = yy;
+        const int64_t length = 365 + (plainLeap(yy) ? 1 : 0);
+        if (thursday < 1) {
+            --weekYear;
+            thursday += 365 + (plainLeap(weekYear) ? 1 : 0);
+        } else if (thursday > length) {
+            ++weekYear;
+            thursday -= length;
+        }
+        *year = static_cast<double>(weekYear);
+        *week = static_cast<double>((thursday - 1) / 7 + 1);
+        *dayNumber = isoDay;
+    }
+    return 0;
+}
+
+} // namespace zv

@@ -80,4 +80,47 @@ enum class CharClass { DecimalDigit, LowerCase, UpperCase, Letter, HexDigit, Pri
 RangeTable rangeTableOf(CharClass cls);
 uint32_t asciiClassBits(ZvChar c); // classBits of the ASCII table; 0 above 127
 
+// One bit per general category; the masks handed to the host's charClass
+// are unions of these.
+enum ClassBit : uint32_t {
+    kClassLu = 1u << 0, kClassLl = 1u << 1, kClassLt = 1u << 2, kClassMn = 1u << 3,
+    kClassMc = 1u << 4, kClassMe = 1u << 5, kClassNd = 1u << 6, kClassNl = 1u << 7,
+    kClassNo = 1u << 8, kClassZs = 1u << 9, kClassZl = 1u << 10, kClassZp = 1u << 11,
+    kClassCc = 1u << 12, kClassCf = 1u << 13, kClassCs = 1u << 14, kClassCo = 1u << 15,
+    kClassCn = 1u << 16, kClassLm = 1u << 17, kClassLo = 1u << 18, kClassPc = 1u << 19,
+    kClassPd = 1u << 20, kClassPs = 1u << 21, kClassPe = 1u << 22, kClassPi = 1u << 23,
+    kClassPf = 1u << 24, kClassPo = 1u << 25, kClassSm = 1u << 26, kClassSc = 1u << 27,
+    kClassSk = 1u << 28, kClassSo = 1u << 29,
+};
+struct AsciiClassEntry {
+    uint32_t classBits;
+};
+struct AsciiClassTable {
+    AsciiClassEntry entries[128];
+};
+
+// The fold tables: a page index over the BMP (one entry per 128 code points,
+// -1 for a page without mappings), 128 deltas per page for each case, and
+// the far mappings that a delta of -128 sends to.
+constexpr int8_t kFarMapping = -128;
+struct CasePair {
+    uint16_t from;
+    uint16_t to;
+};
+struct FoldTables {
+    const int16_t *pageIndex;          // 512 entries
+    const int8_t (*upperDeltas)[128];  // pageCount pages
+    const int8_t (*lowerDeltas)[128];
+    int32_t pageCount;
+    const CasePair *upperPairs;
+    int32_t upperPairCount;
+    const CasePair *lowerPairs;
+    int32_t lowerPairCount;
+};
+const FoldTables &foldTables();
+
+// The table road alone, whatever the host offers (used by equalIgnoringCase).
+ZvChar tableUpper(ZvChar c);
+ZvChar tableLower(ZvChar c);
+
 } // namespace zv

@@ -25,22 +25,6 @@ static_assert(kPunctuationMask == 0x3f80000u && kControlMask == 0x3c00u);
 
 constexpr char kCharModuleName[] = "zvchrtab";
 
-bool inTable(const RangeTable &table, uint32_t c) {
-    int32_t low = 0;
-    int32_t high = table.count - 1;
-    while (low <= high) {
-        const int32_t middle = (low + high) / 2;
-        const CodeRange &range = table.ranges[middle];
-        if (c < range.first)
-            high = middle - 1;
-        else if (c > range.last)
-            low = middle + 1;
-        else
-            return true;
-    }
-    return false;
-}
-
 NlsServices *hostNls() { return hostAnchor ? hostAnchor->nlsServices : nullptr; }
 
 // Asks the host; the character module is loaded at the first need. Its
@@ -56,12 +40,28 @@ bool askHost(NlsServices *nls, ZvChar c, uint32_t mask) {
 
 bool classTest(ZvChar c, uint32_t mask, CharClass table) {
     NlsServices *nls = hostNls();
-    if (!nls) return inTable(rangeTableOf(table), c);
+    if (!nls) return inRangeTable(rangeTableOf(table), c);
     if (c < 128) return (asciiClassBits(c) & mask) != 0;
     return askHost(nls, c, mask);
 }
 
 } // namespace
+
+bool inRangeTable(const RangeTable &table, uint32_t c) {
+    int32_t low = 0;
+    int32_t high = table.count - 1;
+    while (low <= high) {
+        const int32_t middle = (low + high) / 2;
+        const CodeRange &range = table.ranges[middle];
+        if (c < range.first)
+            high = middle - 1;
+        else if (c > range.last)
+            low = middle + 1;
+        else
+            return true;
+    }
+    return false;
+}
 
 bool isDecimalDigit(ZvChar c) { return classTest(c, kDecimalDigitMask, CharClass::DecimalDigit); }
 bool isLowerCase(ZvChar c) { return classTest(c, kLowerCaseMask, CharClass::LowerCase); }
@@ -75,8 +75,8 @@ bool isControl(ZvChar c) { return classTest(c, kControlMask, CharClass::Control)
 bool isLetterOrDigit(ZvChar c) {
     NlsServices *nls = hostNls();
     if (!nls)
-        return inTable(rangeTableOf(CharClass::Letter), c) ||
-               inTable(rangeTableOf(CharClass::DecimalDigit), c);
+        return inRangeTable(rangeTableOf(CharClass::Letter), c) ||
+               inRangeTable(rangeTableOf(CharClass::DecimalDigit), c);
     if (c < 128) return (asciiClassBits(c) & kLetterOrDigitMask) != 0;
     return askHost(nls, c, kLetterOrDigitMask);
 }

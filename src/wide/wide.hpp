@@ -78,6 +78,8 @@ struct RangeTable {
 enum class CharClass { DecimalDigit, LowerCase, UpperCase, Letter, HexDigit, Printable,
                        Punctuation, Graphic, Control };
 RangeTable rangeTableOf(CharClass cls);
+// The binary search of the table road: true when c lies in one of the ranges.
+bool inRangeTable(const RangeTable &table, uint32_t c);
 uint32_t asciiClassBits(ZvChar c); // classBits of the ASCII table; 0 above 127
 
 // One bit per general category; the masks handed to the host's charClass

@@ -47,6 +47,9 @@ struct Out {
     }
 };
 
+// The whole part of a double as an integer, 0 for what no integer holds.
+int64_t wholeOf(double v) { return v > -9.0e18 && v < 9.0e18 ? static_cast<int64_t>(v) : 0; }
+
 const LocaleItem *itemOf(const LocaleBlock *b, int k) { return b ? &b->items[k] : nullptr; }
 
 void putItem(Out &out, const LocaleBlock *b, int k) {
@@ -92,7 +95,7 @@ int64_t sundayWeek(const Fields &f) {
     const int w = static_cast<int>(weekdayOf(j));
     const double firstSunday = w == 1 ? j : j + 8 - w;
     const double date = std::floor(f.day);
-    return date >= firstSunday ? static_cast<int64_t>((date - firstSunday) / 7) + 1 : 0;
+    return date >= firstSunday ? wholeOf((date - firstSunday) / 7) + 1 : 0;
 }
 
 // An hour of 100 or more goes through the host's formatter.
@@ -117,7 +120,7 @@ void putSeconds(Out &out, const Fields &f, ZvChar pad, int decimals, bool fracti
     }
     double s = f.second;
     double d = std::trunc(s);
-    out.digits(static_cast<int64_t>(d), 2, pad);
+    out.digits(wholeOf(d), 2, pad);
     if (!fraction || decimals <= 0) return;
     putItem(out, b, 172);
     for (int k = 1; k <= decimals && out.length < kPatternUnits; ++k) {
@@ -143,7 +146,7 @@ void putOffset(Out &out, const Fields &f, HostTimeZone *tz, Offset &offset) {
                             orZero(f.hasSecond, f.second);
     double seconds = tz ? tz->ops->timeZoneOffset(tz, absolute, 0) : 0.0;
     if (!std::isfinite(seconds)) seconds = 0;
-    const int64_t whole = static_cast<int64_t>(seconds);
+    const int64_t whole = wholeOf(seconds);
     const int64_t a = whole < 0 ? -whole : whole;
     offset.text[0] = whole < 0 ? u'-' : u'+';
     writeDigits((a / 3600) % 100, offset.text + 1, 2, u'0');
@@ -185,14 +188,14 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
     f.hasDate = !isMissing(day);
     if (f.hasDate) {
         f.day = day;
-        f.weekday = static_cast<int>(weekdayOf(day)) - 1;
+        const double weekday = weekdayOf(day);
         double y, m, d;
         yearDayToYmd(&y, &m, &d, dayCountToYearDay(day));
-        if (isMissing(y) || f.weekday < 0) {
+        if (isMissing(y) || isMissing(weekday)) {
             f.hasDate = false;
-            f.weekday = -1;
         } else {
-            f.year = static_cast<int64_t>(y);
+            f.weekday = static_cast<int>(weekday) - 1;
+            f.year = wholeOf(y);
             f.month = static_cast<int>(m);
             f.dayOfMonth = static_cast<int>(d);
         }
@@ -238,8 +241,8 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
             return;
         }
         const double h = hourIs24 ? 24 : f.hour;
-        if (h >= 100) putLongHour(out, static_cast<int64_t>(h));
-        else out.digits(static_cast<int64_t>(h), 2, pad);
+        if (h >= 100) putLongHour(out, wholeOf(h));
+        else out.digits(wholeOf(h), 2, pad);
     };
     for (int i = 0; i < workLength; ++i) {
         if (work[i] != u'%') {
@@ -305,7 +308,7 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
         case u'G': {
             double y, w, n;
             weekOfDate(f.day, u"V", &y, &w, &n);
-            const int64_t wy = isMissing(y) ? f.year : static_cast<int64_t>(y);
+            const int64_t wy = isMissing(y) ? f.year : wholeOf(y);
             if (!lower) out.digits((wy / 100) % 100, 2, u'0');
             out.digits(wy % 100, 2, u'0');
             break;
@@ -316,23 +319,23 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
             putHour(pad);
             break;
         case u'I':
-            out.digits(f.twelve == 0 ? 12 : static_cast<int64_t>(f.twelve), 2, pad);
+            out.digits(f.twelve == 0 ? 12 : wholeOf(f.twelve), 2, pad);
             break;
         case u'L':
-            out.digits(static_cast<int64_t>(f.twelve), 2, pad);
+            out.digits(wholeOf(f.twelve), 2, pad);
             break;
         case u'J':
-            out.digits(static_cast<int64_t>(std::fmod(dayCountToYearDay(f.day), 1000.0)), 3, pad);
+            out.digits(wholeOf(std::fmod(dayCountToYearDay(f.day), 1000.0)), 3, pad);
             break;
         case u'M':
             if (lower) out.digits(f.month, 2, pad);
             else if (!f.hasMinute) out.stars(2);
-            else out.digits(static_cast<int64_t>(f.minute), 2, pad);
+            else out.digits(wholeOf(f.minute), 2, pad);
             break;
         case u'N':
             if (letter == u'n') {
                 if (!f.hasHour) out.stars(2);
-                else out.digits(static_cast<int64_t>(f.hour / 24), 0, 0);
+                else out.digits(wholeOf(f.hour / 24), 0, 0);
             } else {
                 out.digits(f.month, 2, pad);
             }
@@ -356,7 +359,7 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
             if (lower) break;
             putHour(pad);
             out.put(u':');
-            if (f.hasMinute) out.digits(static_cast<int64_t>(f.minute), 2, pad);
+            if (f.hasMinute) out.digits(wholeOf(f.minute), 2, pad);
             else out.stars(2);
             out.put(u':');
             putSeconds(out, f, pad, 0, false, block);
@@ -369,7 +372,7 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
             if (lower) break;
             double y, w, n;
             weekOfDate(f.day, u"V", &y, &w, &n);
-            out.digits(isMissing(w) ? 0 : static_cast<int64_t>(w), 2, pad);
+            out.digits(isMissing(w) ? 0 : wholeOf(w), 2, pad);
             break;
         }
         case u'W': {
@@ -379,7 +382,7 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
             }
             double y, w, n;
             weekOfDate(f.day, u"W", &y, &w, &n);
-            out.digits(isMissing(w) ? 0 : static_cast<int64_t>(w), 2, pad);
+            out.digits(isMissing(w) ? 0 : wholeOf(w), 2, pad);
             break;
         }
         case u'Y': {

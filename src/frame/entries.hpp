@@ -3,10 +3,11 @@
 // byte entry stays null with it.
 #pragma once
 
+#include "datefmt/ladders.hpp"
 #include "datefmt/names.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
-namespace zv {
+namespace zv::entry {
 
 constexpr ZvWideEntry kPending = nullptr;
 
@@ -40,54 +41,54 @@ ZV_FORMAT_CURRENCIES(ZV_DECLARE_CURRENCY_ENTRIES)
 constexpr ZvWideEntry writeNlBest = kPending;
 constexpr ZvWideEntry writeNlD = kPending;
 
-constexpr ZvWideEntry writeNlDate = kPending;
-constexpr ZvWideEntry writeNlDateL = kPending;
-constexpr ZvWideEntry writeNlDateM = kPending;
-constexpr ZvWideEntry writeNlDateMD = kPending;
-constexpr ZvWideEntry writeNlDateMDL = kPending;
-constexpr ZvWideEntry writeNlDateMDM = kPending;
-constexpr ZvWideEntry writeNlDateMDS = kPending;
-constexpr ZvWideEntry writeNlDateMN = kPending;
-constexpr ZvWideEntry writeNlDateS = kPending;
-constexpr ZvWideEntry writeNlDateW = kPending;
-constexpr ZvWideEntry writeNlDateWN = kPending;
-constexpr ZvWideEntry writeNlDateYM = kPending;
-constexpr ZvWideEntry writeNlDateYML = kPending;
-constexpr ZvWideEntry writeNlDateYMM = kPending;
-constexpr ZvWideEntry writeNlDateYMS = kPending;
-constexpr ZvWideEntry writeNlDateYQ = kPending;
-constexpr ZvWideEntry writeNlDateYQL = kPending;
-constexpr ZvWideEntry writeNlDateYQM = kPending;
-constexpr ZvWideEntry writeNlDateYQS = kPending;
-constexpr ZvWideEntry writeNlDateYR = kPending;
-constexpr ZvWideEntry writeNlDateYW = kPending;
+constexpr ZvWideEntry writeNlDate = &zv::writeNlDate;
+constexpr ZvWideEntry writeNlDateL = &zv::writeNlDateL;
+constexpr ZvWideEntry writeNlDateM = &zv::writeNlDateM;
+constexpr ZvWideEntry writeNlDateMD = &zv::writeNlDateMD;
+constexpr ZvWideEntry writeNlDateMDL = &zv::writeNlDateMDL;
+constexpr ZvWideEntry writeNlDateMDM = &zv::writeNlDateMDM;
+constexpr ZvWideEntry writeNlDateMDS = &zv::writeNlDateMDS;
+constexpr ZvWideEntry writeNlDateMN = &zv::writeNlDateMN;
+constexpr ZvWideEntry writeNlDateS = &zv::writeNlDateS;
+constexpr ZvWideEntry writeNlDateW = &zv::writeNlDateW;
+constexpr ZvWideEntry writeNlDateWN = &zv::writeNlDateWN;
+constexpr ZvWideEntry writeNlDateYM = &zv::writeNlDateYM;
+constexpr ZvWideEntry writeNlDateYML = &zv::writeNlDateYML;
+constexpr ZvWideEntry writeNlDateYMM = &zv::writeNlDateYMM;
+constexpr ZvWideEntry writeNlDateYMS = &zv::writeNlDateYMS;
+constexpr ZvWideEntry writeNlDateYQ = &zv::writeNlDateYQ;
+constexpr ZvWideEntry writeNlDateYQL = &zv::writeNlDateYQL;
+constexpr ZvWideEntry writeNlDateYQM = &zv::writeNlDateYQM;
+constexpr ZvWideEntry writeNlDateYQS = &zv::writeNlDateYQS;
+constexpr ZvWideEntry writeNlDateYR = &zv::writeNlDateYR;
+constexpr ZvWideEntry writeNlDateYW = &zv::writeNlDateYW;
 
-constexpr ZvWideEntry writeNlDatm = kPending;
-constexpr ZvWideEntry writeNlDatmAP = kPending;
-constexpr ZvWideEntry writeNlDatmDT = kPending;
-constexpr ZvWideEntry writeNlDatmL = kPending;
-constexpr ZvWideEntry writeNlDatmM = kPending;
-constexpr ZvWideEntry writeNlDatmMD = kPending;
-constexpr ZvWideEntry writeNlDatmMDL = kPending;
-constexpr ZvWideEntry writeNlDatmMDM = kPending;
-constexpr ZvWideEntry writeNlDatmMDS = kPending;
-constexpr ZvWideEntry writeNlDatmMN = kPending;
-constexpr ZvWideEntry writeNlDatmS = kPending;
+constexpr ZvWideEntry writeNlDatm = &zv::writeNlDatm;
+constexpr ZvWideEntry writeNlDatmAP = &zv::writeNlDatmAP;
+constexpr ZvWideEntry writeNlDatmDT = &zv::writeNlDatmDT;
+constexpr ZvWideEntry writeNlDatmL = &zv::writeNlDatmL;
+constexpr ZvWideEntry writeNlDatmM = &zv::writeNlDatmM;
+constexpr ZvWideEntry writeNlDatmMD = &zv::writeNlDatmMD;
+constexpr ZvWideEntry writeNlDatmMDL = &zv::writeNlDatmMDL;
+constexpr ZvWideEntry writeNlDatmMDM = &zv::writeNlDatmMDM;
+constexpr ZvWideEntry writeNlDatmMDS = &zv::writeNlDatmMDS;
+constexpr ZvWideEntry writeNlDatmMN = &zv::writeNlDatmMN;
+constexpr ZvWideEntry writeNlDatmS = &zv::writeNlDatmS;
 constexpr ZvWideEntry writeNlDatmTM = kPending;
 constexpr ZvWideEntry writeNlDatmTZ = kPending;
-constexpr ZvWideEntry writeNlDatmW = kPending;
-constexpr ZvWideEntry writeNlDatmWN = kPending;
+constexpr ZvWideEntry writeNlDatmW = &zv::writeNlDatmW;
+constexpr ZvWideEntry writeNlDatmWN = &zv::writeNlDatmWN;
 constexpr ZvWideEntry writeNlDatmWZ = kPending;
-constexpr ZvWideEntry writeNlDatmYM = kPending;
-constexpr ZvWideEntry writeNlDatmYML = kPending;
-constexpr ZvWideEntry writeNlDatmYMM = kPending;
-constexpr ZvWideEntry writeNlDatmYMS = kPending;
-constexpr ZvWideEntry writeNlDatmYQ = kPending;
-constexpr ZvWideEntry writeNlDatmYQL = kPending;
-constexpr ZvWideEntry writeNlDatmYQM = kPending;
-constexpr ZvWideEntry writeNlDatmYQS = kPending;
-constexpr ZvWideEntry writeNlDatmYR = kPending;
-constexpr ZvWideEntry writeNlDatmYW = kPending;
+constexpr ZvWideEntry writeNlDatmYM = &zv::writeNlDatmYM;
+constexpr ZvWideEntry writeNlDatmYML = &zv::writeNlDatmYML;
+constexpr ZvWideEntry writeNlDatmYMM = &zv::writeNlDatmYMM;
+constexpr ZvWideEntry writeNlDatmYMS = &zv::writeNlDatmYMS;
+constexpr ZvWideEntry writeNlDatmYQ = &zv::writeNlDatmYQ;
+constexpr ZvWideEntry writeNlDatmYQL = &zv::writeNlDatmYQL;
+constexpr ZvWideEntry writeNlDatmYQM = &zv::writeNlDatmYQM;
+constexpr ZvWideEntry writeNlDatmYQS = &zv::writeNlDatmYQS;
+constexpr ZvWideEntry writeNlDatmYR = &zv::writeNlDatmYR;
+constexpr ZvWideEntry writeNlDatmYW = &zv::writeNlDatmYW;
 constexpr ZvWideEntry writeNlDatmZ = kPending;
 
 constexpr ZvWideEntry writeNlMny = kPending;
@@ -114,4 +115,4 @@ constexpr ZvWideEntry writeYyWeekU = kPending;
 constexpr ZvWideEntry writeYyWeekV = kPending;
 constexpr ZvWideEntry writeYyWeekW = kPending;
 
-} // namespace zv
+} // namespace zv::entry

@@ -7,6 +7,7 @@
 namespace zv {
 namespace {
 
+
 struct Limits {
     uint32_t minWidth, maxWidth, defaultWidth, maxDecimals, defaultDecimals, lastWord;
 };
@@ -50,12 +51,14 @@ constexpr ZvByteEntry byteFor() {
 }
 
 #define ZV_DATE(name, wide, ...)                                                               \
-    makeRow(name, ZV_KIND_NUMBER, ZV_KIND_TEXT, wide, byteFor<wide, Justify::Left>(),          \
+    makeRow(name, ZV_KIND_NUMBER, ZV_KIND_TEXT, entry::wide,                                   \
+            byteFor<entry::wide, Justify::Left>(),                                             \
             Limits{__VA_ARGS__})
 #define ZV_NUMBER(name, wide, ...)                                                             \
-    makeRow(name, ZV_KIND_NUMBER, ZV_KIND_TEXT, wide, byteFor<wide, Justify::Right>(),         \
+    makeRow(name, ZV_KIND_NUMBER, ZV_KIND_TEXT, entry::wide,                                   \
+            byteFor<entry::wide, Justify::Right>(),                                            \
             Limits{__VA_ARGS__})
-#define ZV_READ(name, wide, ...) informat(name, wide, Limits{__VA_ARGS__, 0})
+#define ZV_READ(name, wide, ...) informat(name, entry::wide, Limits{__VA_ARGS__, 0})
 
 //                                  min  max  def  maxD defD last
 #define ZV_READ_MNI(code) ZV_READ("@NLMNI" #code, readNlMni##code, 8, 32, 12, 28, 2),

@@ -1,0 +1,702 @@
+// The raw locale table of a CLDR locale, built through ICU.
+//
+// Decisions kept here:
+// - Dates use the Gregorian calendar in every locale (th_TH's default is the
+//   Buddhist one): the readers know only Gregorian years, and item 5 lets a
+//   pattern ask for the Thai, Taiwanese or Japanese year with %+Y.
+// - A text whose escaped form would run past the 160 bytes of a record is
+//   replaced: a wide name by its abbreviated form, a pattern by the next
+//   shorter pattern of its kind; what still does not fit is cut before the
+//   escape or character that would cross the limit.
+// - Positive signs (items 160 and 175) stay empty: CLDR writes no sign in
+//   front of a positive amount, and the number engine writes the positive
+//   sign where the pattern has one.
+// - A locale without a territory takes the currency of the territory that
+//   its language most likely goes with (fr: EUR, ja: JPY). A locale with no
+//   currency at all (eo) has empty items 155 and 156.
+// - The date separator (item 153) is the first character between the first
+//   two fields of the short date pattern that is neither a blank nor a
+//   bidirectional mark (ar: "d\u200F/M\u200F/y" gives "/").
+#include "cldr.hpp"
+
+#include <unicode/calendar.h>
+#include <unicode/dcfmtsym.h>
+#include <unicode/decimfmt.h>
+#include <unicode/dtfmtsym.h>
+#include <unicode/dtptngen.h>
+#include <unicode/locid.h>
+#include <unicode/numfmt.h>
+#include <unicode/resbund.h>
+#include <unicode/smpdtfmt.h>
+#include <unicode/ucurr.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <set>
+
+namespace zvhost {
+
+namespace {
+
+constexpr const char *kHex = "0123456789ABCDEF";
+
+std::u16string u16(const icu::UnicodeString &s) {
+    return std::u16string(reinterpret_cast<const char16_t *>(s.getBuffer()), static_cast<size_t>(s.length()));
+}
+
+size_t recordOffset(int item) {
+    return ZV_LOCALE_TABLE_OFFSET + static_cast<size_t>(item) * ZV_LOCALE_RECORD_SIZE;
+}
+
+// The escaped text cut so that it fits a record: never inside an escape.
+std::string cutEscaped(const std::string &escaped) {
+    if (escaped.size() <= kRawItemCapacity) return escaped;
+    size_t end = 0;
+    size_t i = 0;
+    while (i < escaped.size()) {
+        size_t step = (escaped[i] == '<' && i + 7 <= escaped.size() && escaped[i + 1] == 'U') ? 7 : 1;
+        if (i + step > kRawItemCapacity) break;
+        i += step;
+        end = i;
+    }
+    return escaped.substr(0, end);
+}
+
+// ---------------------------------------------------------------------------
+// Locale names
+
+std::vector<icu::Locale> icuLocales() {
+    int32_t count = 0;
+    const icu::Locale *all = icu::Locale::getAvailableLocales(count);
+    return std::vector<icu::Locale>(all, all + count);
+}
+
+std::string maximized(const icu::Locale &locale) {
+    icu::Locale copy(locale);
+    UErrorCode status = U_ZERO_ERROR;
+    copy.addLikelySubtags(status);
+    if (U_FAILURE(status)) return locale.getName();
+    return std::string(copy.getLanguage()) + "_" + copy.getScript() + "_" + copy.getCountry();
+}
+
+bool resolveLocale(const std::string &name, icu::Locale &out, std::string &error) {
+    if (name.empty() || name.size() > 40) {
+        error = "unknown locale \"" + name + "\"";
+        return false;
+    }
+    std::string normal;
+    for (char c : name) {
+        bool ok = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
+        if (!ok) {
+            error = "unknown locale \"" + name + "\": bad character";
+            return false;
+        }
+        normal += c == '-' ? '_' : c;
+    }
+    icu::Locale locale(normal.c_str());
+    if (locale.isBogus() || std::strlen(locale.getLanguage()) == 0) {
+        error = "unknown locale \"" + name + "\"";
+        return false;
+    }
+    // The locale may have no territory, a territory, or script and
+    // territory; it must name something ICU has data for.
+    const std::string wanted = maximized(locale);
+    const std::string exact = locale.getName();
+    const icu::Locale *match = nullptr;
+    std::vector<icu::Locale> all = icuLocales();
+    for (const icu::Locale &candidate : all) {
+        if (exact == candidate.getName()) {
+            match = &candidate;
+            break;
+        }
+    }
+    if (match == nullptr && std::strlen(locale.getVariant()) == 0) {
+        for (const icu::Locale &candidate : all) {
+            if (std::strlen(candidate.getVariant()) != 0) continue;
+            // A candidate must carry what the name carries: "fr_US" is no
+            // CLDR locale even though "fr" is.
+            if (std::strlen(locale.getCountry()) != 0 && std::strlen(candidate.getCountry()) == 0) continue;
+            if (std::strlen(locale.getCountry()) == 0 && std::strlen(candidate.getCountry()) != 0) continue;
+            if (maximized(candidate) == wanted) {
+                match = &candidate;
+                break;
+            }
+        }
+    }
+    if (match == nullptr) {
+        error = "unknown locale \"" + name + "\": ICU has no data for it";
+        return false;
+    }
+    out = *match;
+    return true;
+}
+
+// ---------------------------------------------------------------------------
+// The builder
+
+class TableBuilder {
+public:
+    TableBuilder(const icu::Locale &locale, std::vector<uint8_t> &table) : locale_(locale), table_(table) {}
+
+    bool build(std::string &error) {
+        table_.assign(ZV_LOCALE_TABLE_SIZE, 0);
+        UErrorCode status = U_ZERO_ERROR;
+        gregorian_ = locale_;
+        gregorian_.setKeywordValue("calendar", "gregorian", status);
+        generator_.reset(icu::DateTimePatternGenerator::createInstance(gregorian_, status));
+        symbols_ = std::make_unique<icu::DateFormatSymbols>(gregorian_, status);
+        if (U_FAILURE(status) || !generator_) {
+            error = std::string("ICU could not open the date data of ") + locale_.getName() + ": " +
+                    u_errorName(status);
+            return false;
+        }
+        weekRule_ = findWeekRule();
+        int32_t eraCount = 0;
+        const icu::UnicodeString *eras = symbols_->getEras(eraCount);
+        if (eraCount >= 2) era_ = u16(eras[1]);
+
+        identity();
+        dates();
+        names();
+        if (!numbers(error)) return false;
+        return true;
+    }
+
+private:
+    // -- helpers ----------------------------------------------------------
+
+    void put(int item, const std::string &raw) { setRawItem(table_, item, cutEscaped(raw)); }
+    void putText(int item, std::u16string_view text) { put(item, escapeForTable(text)); }
+
+    std::u16string skeleton(const char *sk) {
+        UErrorCode status = U_ZERO_ERROR;
+        icu::UnicodeString pattern = generator_->getBestPattern(icu::UnicodeString(sk, -1, US_INV), status);
+        return U_SUCCESS(status) ? u16(pattern) : std::u16string();
+    }
+
+    std::u16string stylePattern(int dateStyle, int timeStyle) {
+        std::unique_ptr<icu::DateFormat> format;
+        if (timeStyle < 0)
+            format.reset(icu::DateFormat::createDateInstance(static_cast<icu::DateFormat::EStyle>(dateStyle), gregorian_));
+        else if (dateStyle < 0)
+            format.reset(icu::DateFormat::createTimeInstance(static_cast<icu::DateFormat::EStyle>(timeStyle), gregorian_));
+        else
+            format.reset(icu::DateFormat::createDateTimeInstance(static_cast<icu::DateFormat::EStyle>(dateStyle),
+                                                                 static_cast<icu::DateFormat::EStyle>(timeStyle),
+                                                                 gregorian_));
+        auto *simple = dynamic_cast<icu::SimpleDateFormat *>(format.get());
+        if (simple == nullptr) return {};
+        icu::UnicodeString pattern;
+        simple->toPattern(pattern);
+        return u16(pattern);
+    }
+
+    std::u16string convert(const std::u16string &cldr, bool forReading) {
+        ConvertOptions options;
+        options.forReading = forReading;
+        options.weekRule = weekRule_;
+        options.eraName = era_;
+        return convertCldrPattern(cldr, options).pattern;
+    }
+
+    // The first CLDR pattern of the list whose conversion fits a record;
+    // the last resort is an ASCII pattern that always fits.
+    void putPattern(int item, std::initializer_list<std::u16string> candidates, bool forReading,
+                    const char16_t *lastResort) {
+        for (const std::u16string &cldr : candidates) {
+            if (cldr.empty()) continue;
+            std::string escaped = escapeForTable(convert(cldr, forReading));
+            if (!escaped.empty() && escaped.size() <= kRawItemCapacity) {
+                put(item, escaped);
+                return;
+            }
+        }
+        putText(item, lastResort);
+    }
+
+    WeekRule findWeekRule() {
+        UErrorCode status = U_ZERO_ERROR;
+        std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(gregorian_, status));
+        if (U_FAILURE(status) || !calendar) return WeekRule::Iso;
+        UCalendarDaysOfWeek first = calendar->getFirstDayOfWeek(status);
+        uint8_t minimal = calendar->getMinimalDaysInFirstWeek();
+        if (first == UCAL_MONDAY && minimal == 4) return WeekRule::Iso;
+        if (first == UCAL_SUNDAY) return WeekRule::SundayFirst;
+        return WeekRule::MondayFirst;
+    }
+
+    // -- items 0 to 6 -------------------------------------------------------
+
+    void identity() {
+        put(0, locale_.getName());
+        put(cldritem::language, locale_.getLanguage());
+        put(3, locale_.getCountry());
+        put(4, locale_.getScript());
+        const std::string language = locale_.getLanguage();
+        const std::string country = locale_.getCountry();
+        if (language == "ja")
+            put(cldritem::calendar, "JP");
+        else if (language == "th")
+            put(cldritem::calendar, "TH");
+        else if (language == "zh" && country == "TW")
+            put(cldritem::calendar, "TW");
+    }
+
+    // Order of year, month and day in a CLDR pattern, and the separator
+    // between the first two fields.
+    static void fieldOrder(const std::u16string &cldr, std::string &order, std::u16string &separator) {
+        bool quoted = false;
+        int fieldsSeen = 0;
+        char16_t last = 0;
+        for (char16_t c : cldr) {
+            if (c == u'\'') {
+                quoted = !quoted;
+                last = 0;
+                continue;
+            }
+            if (quoted) {
+                if (fieldsSeen == 1) separator += c;
+                continue;
+            }
+            char letter = 0;
+            if (c == u'y' || c == u'Y' || c == u'u' || c == u'r')
+                letter = 'Y';
+            else if (c == u'M' || c == u'L')
+                letter = 'M';
+            else if (c == u'd')
+                letter = 'D';
+            bool isField = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
+            if (isField) {
+                if (c != last) ++fieldsSeen;
+                if (letter != 0 && order.find(letter) == std::string::npos) order += letter;
+            } else if (fieldsSeen == 1) {
+                separator += c;
+            }
+            last = isField ? c : 0;
+        }
+        for (char letter : {'M', 'D', 'Y'})
+            if (order.find(letter) == std::string::npos) order += letter;
+    }
+
+    // -- items 28 to 58 -----------------------------------------------------
+
+    void dates() {
+        using icu::DateFormat;
+        const std::u16string full = stylePattern(DateFormat::kFull, -1);
+        const std::u16string longDate = stylePattern(DateFormat::kLong, -1);
+        const std::u16string medium = stylePattern(DateFormat::kMedium, -1);
+        const std::u16string shortDate = stylePattern(DateFormat::kShort, -1);
+        const std::u16string shortTime = stylePattern(-1, DateFormat::kShort);
+
+        std::string order;
+        std::u16string separator;
+        fieldOrder(shortDate, order, separator);
+        put(cldritem::fieldOrder, order);
+        std::u16string sep;
+        for (char16_t c : separator) {
+            if (c == u' ' || c == u'\u00A0' || c == u'\u202F' || c == u'\u200E' || c == u'\u200F' || c == u'\u061C')
+                continue;
+            sep = std::u16string(1, c);
+            break;
+        }
+        if (sep.empty() && !separator.empty()) sep = u" ";
+        putText(cldritem::dateSeparator, sep);
+
+        const char16_t *numeric = u"%d/%m/%Y";
+        putPattern(28, {longDate, medium, shortDate}, true, numeric);
+        putPattern(29, {medium, shortDate}, true, numeric);
+        putPattern(30, {medium, shortDate}, false, numeric);
+        putPattern(31, {longDate, medium, shortDate}, false, numeric);
+        putPattern(32, {full, skeleton("yMMMMEEEEd"), skeleton("yMMMEd"), medium}, true, numeric);
+        putPattern(33, {skeleton("yMMMEd"), medium}, true, numeric);
+        putPattern(34, {skeleton("yMMMM"), skeleton("yMMM")}, false, u"%m/%Y");
+        putPattern(35, {skeleton("yMMM"), skeleton("yM")}, false, u"%m/%Y");
+        putPattern(36, {skeleton("MMMMd"), skeleton("MMMd")}, false, u"%d/%m");
+        putPattern(37, {skeleton("MMMd"), skeleton("Md")}, false, u"%d/%m");
+        putPattern(38, {skeleton("y")}, false, u"%Y");
+        putPattern(39, {skeleton("yy")}, false, u"%y");
+        putPattern(40, {skeleton("yQQQQ"), skeleton("yQQQ")}, false, u"%q %Y");
+        putPattern(41, {skeleton("yQQQ")}, false, u"%q %Y");
+
+        const char16_t *shortWeek = weekRule_ == WeekRule::Iso           ? u"%G-W%V"
+                                    : weekRule_ == WeekRule::SundayFirst ? u"%Y-W%U"
+                                                                         : u"%Y-W%W";
+        putPattern(42, {yearWeekPattern()}, false, shortWeek);
+        putText(43, shortWeek);
+
+        const char16_t *numericTime = u"%d/%m/%Y %H:%M:%S";
+        const char16_t *numericTimeAmPm = u"%d/%m/%Y %I:%M:%S %p";
+        putPattern(44, {skeleton("yMMMMdhmmss"), skeleton("yMMMdhmmss")}, true, numericTimeAmPm);
+        putPattern(45, {skeleton("yMMMdhmmss"), skeleton("yMdhmmss")}, true, numericTimeAmPm);
+        putPattern(46, {skeleton("yMMMMdjmmss"), skeleton("yMMMdjmmss")}, true, numericTime);
+        putPattern(47, {skeleton("yMMMdjmmss"), skeleton("yMdjmmss")}, true, numericTime);
+        putPattern(48, {stylePattern(DateFormat::kMedium, DateFormat::kMedium)}, false, numericTime);
+        putPattern(49, {stylePattern(DateFormat::kLong, DateFormat::kLong),
+                        stylePattern(DateFormat::kMedium, DateFormat::kMedium)},
+                   false, numericTime);
+        putPattern(50, {skeleton("yMMMMEEEEdjmmss"), skeleton("yMMMEdjmmss")}, true, numericTime);
+        putPattern(51, {skeleton("yMMMEdjmmss"), skeleton("yMdjmmss")}, true, numericTime);
+        putPattern(52, {skeleton("hms")}, false, u"%I:%M:%S %p");
+        putPattern(53, {skeleton("Hms")}, true, u"%H:%M:%S");
+        putPattern(54, {shortDate}, false, numeric);
+        putPattern(55, {shortTime}, false, u"%H:%M");
+        putPattern(56, {stylePattern(DateFormat::kShort, DateFormat::kShort)}, false, u"%d/%m/%Y %H:%M");
+        putPattern(57, {skeleton("yMd")}, false, numeric);
+
+        UErrorCode status = U_ZERO_ERROR;
+        const icu::UnicodeString &glue = generator_->getDateTimeFormat();
+        int32_t date = glue.indexOf(u"{1}", -1);
+        int32_t time = glue.indexOf(u"{0}", -1);
+        (void)status;
+        putText(cldritem::dateTimeOrder, date >= 0 && time >= 0 && time < date ? u"%X %x" : u"%x %X");
+    }
+
+    // CLDR's "week w of year Y" pattern of the locale, if it has one.
+    std::u16string yearWeekPattern() {
+        UErrorCode status = U_ZERO_ERROR;
+        icu::ResourceBundle bundle(nullptr, locale_, status);
+        icu::ResourceBundle found = bundle.getWithFallback("calendar", status)
+                                        .getWithFallback("gregorian", status)
+                                        .getWithFallback("availableFormats", status)
+                                        .getWithFallback("yw", status)
+                                        .getWithFallback("other", status);
+        if (U_FAILURE(status)) return {};
+        icu::UnicodeString text = found.getString(status);
+        return U_SUCCESS(status) ? u16(text) : std::u16string();
+    }
+
+    // -- items 59 to 152 ----------------------------------------------------
+
+    // A list of names; a wide name too long for a record takes the
+    // abbreviated name of the same place.
+    void nameList(int first, const icu::UnicodeString *names, int32_t count, int skip, int want,
+                  const icu::UnicodeString *shorter) {
+        for (int k = 0; k < want; ++k) {
+            int32_t at = k + skip;
+            std::u16string name = at < count ? u16(names[at]) : std::u16string();
+            std::string escaped = escapeForTable(name);
+            if (escaped.size() > kRawItemCapacity && shorter != nullptr) escaped = escapeForTable(u16(shorter[at]));
+            put(first + k, escaped);
+        }
+    }
+
+    void names() {
+        using S = icu::DateFormatSymbols;
+        int32_t n = 0, m = 0;
+        for (auto [context, abbreviated, wide] :
+             {std::tuple{S::FORMAT, cldritem::monthsAbbreviated, cldritem::monthsWide},
+              std::tuple{S::STANDALONE, cldritem::monthsAbbreviatedOther, cldritem::monthsWideOther}}) {
+            const icu::UnicodeString *shortNames = symbols_->getMonths(n, context, S::ABBREVIATED);
+            const icu::UnicodeString *longNames = symbols_->getMonths(m, context, S::WIDE);
+            nameList(abbreviated, shortNames, n, 0, 12, nullptr);
+            nameList(wide, longNames, m, 0, 12, m == n ? shortNames : nullptr);
+        }
+        for (auto [context, abbreviated, wide] :
+             {std::tuple{S::FORMAT, cldritem::weekdaysAbbreviated, cldritem::weekdaysWide},
+              std::tuple{S::STANDALONE, cldritem::weekdaysAbbreviatedOther, cldritem::weekdaysWideOther}}) {
+            // ICU's weekday arrays start at index 1 with Sunday.
+            const icu::UnicodeString *shortNames = symbols_->getWeekdays(n, context, S::ABBREVIATED);
+            const icu::UnicodeString *longNames = symbols_->getWeekdays(m, context, S::WIDE);
+            nameList(abbreviated, shortNames, n, 1, 7, nullptr);
+            nameList(wide, longNames, m, 1, 7, m == n ? shortNames : nullptr);
+        }
+        for (auto [context, abbreviated, wide] :
+             {std::tuple{S::FORMAT, cldritem::quartersAbbreviated, cldritem::quartersWide},
+              std::tuple{S::STANDALONE, cldritem::quartersAbbreviatedOther, cldritem::quartersWideOther}}) {
+            const icu::UnicodeString *shortNames = symbols_->getQuarters(n, context, S::ABBREVIATED);
+            const icu::UnicodeString *longNames = symbols_->getQuarters(m, context, S::WIDE);
+            nameList(abbreviated, shortNames, n, 0, 4, nullptr);
+            nameList(wide, longNames, m, 0, 4, m == n ? shortNames : nullptr);
+        }
+        const icu::UnicodeString *marks = symbols_->getAmPmStrings(n);
+        nameList(cldritem::amMark, marks, n, 0, 2, nullptr);
+    }
+
+    // -- items 155 to 186 ---------------------------------------------------
+
+    struct Placement {
+        int precedes = 0, spaced = 0, position = 1;
+    };
+
+    // Symbol placement of one subpattern of a CLDR number pattern.
+    static Placement placementOf(std::u16string_view sub) {
+        Placement p;
+        int symbol = -1, numberStart = -1, numberEnd = -1, sign = -1;
+        bool parens = false;
+        std::vector<int> blanks;
+        bool quoted = false;
+        for (int i = 0; i < static_cast<int>(sub.size()); ++i) {
+            char16_t c = sub[static_cast<size_t>(i)];
+            if (c == u'\'') {
+                quoted = !quoted;
+                continue;
+            }
+            if (quoted) continue;
+            if (c == u'\u00A4') {
+                if (symbol < 0) symbol = i;
+            } else if (c == u'#' || c == u'@' || (c >= u'0' && c <= u'9') || c == u',' || c == u'.' || c == u'E') {
+                if (numberStart < 0) numberStart = i;
+                numberEnd = i;
+            } else if (c == u'-') {
+                if (sign < 0) sign = i;
+            } else if (c == u'(' || c == u')') {
+                parens = true;
+            } else if (c == u' ' || c == u'\u00A0' || c == u'\u202F') {
+                blanks.push_back(i);
+            }
+        }
+        auto blankBetween = [&](int a, int b) {
+            for (int at : blanks)
+                if (at > a && at < b) return true;
+            return false;
+        };
+        if (symbol >= 0 && numberStart >= 0) {
+            p.precedes = symbol < numberStart ? 1 : 0;
+            p.spaced = p.precedes ? blankBetween(symbol, numberStart) : blankBetween(numberEnd, symbol);
+        }
+        if (parens) {
+            p.position = 0;
+        } else if (sign < 0 || numberStart < 0) {
+            p.position = 1;
+        } else if (symbol < 0) {
+            p.position = sign < numberStart ? 1 : 2;
+        } else if (sign < std::min(symbol, numberStart)) {
+            p.position = 1;
+        } else if (sign > std::max(symbol, numberEnd)) {
+            p.position = 2;
+        } else {
+            p.position = symbol < numberStart ? 4 : 3;
+        }
+        return p;
+    }
+
+    // The six placement figures of a CLDR pattern: positive trio from the
+    // positive subpattern, negative trio from the negative one, or from the
+    // positive one with the minus sign in front.
+    static std::vector<Placement> placements(const std::u16string &pattern) {
+        size_t split = std::u16string::npos;
+        bool quoted = false;
+        for (size_t i = 0; i < pattern.size(); ++i) {
+            if (pattern[i] == u'\'') quoted = !quoted;
+            if (!quoted && pattern[i] == u';') {
+                split = i;
+                break;
+            }
+        }
+        std::u16string positive = pattern.substr(0, split);
+        std::u16string negative =
+            split == std::u16string::npos ? u"-" + positive : pattern.substr(split + 1);
+        Placement p = placementOf(positive);
+        Placement n = placementOf(negative);
+        p.position = 1;
+        return {p, n};
+    }
+
+    void putPlacement(int first, const std::u16string &pattern) {
+        std::vector<Placement> pn = placements(pattern);
+        // Items in the order of the C library's lconv: p_cs_precedes,
+        // p_sep_by_space, n_cs_precedes, n_sep_by_space, p_sign_posn,
+        // n_sign_posn.
+        put(first + 0, std::to_string(pn[0].precedes));
+        put(first + 1, std::to_string(pn[0].spaced));
+        put(first + 2, std::to_string(pn[1].precedes));
+        put(first + 3, std::to_string(pn[1].spaced));
+        put(first + 4, std::to_string(pn[0].position));
+        put(first + 5, std::to_string(pn[1].position));
+    }
+
+    static std::string groupingOf(const icu::DecimalFormat *format) {
+        if (format == nullptr || !format->isGroupingUsed() || format->getGroupingSize() <= 0) return "";
+        int32_t primary = format->getGroupingSize();
+        int32_t secondary = format->getSecondaryGroupingSize();
+        std::string text = std::to_string(primary);
+        if (secondary > 0 && secondary != primary) text += ";" + std::to_string(secondary);
+        return text;
+    }
+
+    static std::u16string patternOf(const icu::NumberFormat *format) {
+        auto *decimal = dynamic_cast<const icu::DecimalFormat *>(format);
+        if (decimal == nullptr) return {};
+        icu::UnicodeString pattern;
+        decimal->toPattern(pattern);
+        return u16(pattern);
+    }
+
+    std::u16string currencyCode() {
+        char16_t code[8] = {};
+        for (const icu::Locale &place : {locale_, likely()}) {
+            UErrorCode status = U_ZERO_ERROR;
+            int32_t length = ucurr_forLocale(place.getName(), reinterpret_cast<UChar *>(code), 8, &status);
+            if (U_SUCCESS(status) && length == 3) return std::u16string(code, 3);
+        }
+        return {};
+    }
+
+    icu::Locale likely() {
+        icu::Locale copy(locale_);
+        UErrorCode status = U_ZERO_ERROR;
+        copy.addLikelySubtags(status);
+        return copy;
+    }
+
+    bool numbers(std::string &error) {
+        UErrorCode status = U_ZERO_ERROR;
+        icu::DecimalFormatSymbols symbols(locale_, status);
+        std::unique_ptr<icu::NumberFormat> number(icu::NumberFormat::createInstance(locale_, UNUM_DECIMAL, status));
+        std::unique_ptr<icu::NumberFormat> percent(icu::NumberFormat::createInstance(locale_, UNUM_PERCENT, status));
+        const std::u16string code = currencyCode();
+        icu::Locale moneyLocale(locale_);
+        if (!code.empty()) {
+            std::string ascii(code.begin(), code.end());
+            moneyLocale.setKeywordValue("currency", ascii.c_str(), status);
+        }
+        std::unique_ptr<icu::NumberFormat> money(
+            icu::NumberFormat::createInstance(moneyLocale, UNUM_CURRENCY, status));
+        if (U_FAILURE(status) || !number || !money || !percent) {
+            error = std::string("ICU could not open the number data of ") + locale_.getName() + ": " +
+                    u_errorName(status);
+            return false;
+        }
+        auto symbol = [&](icu::DecimalFormatSymbols::ENumberFormatSymbol which) {
+            return u16(symbols.getConstSymbol(which));
+        };
+        using D = icu::DecimalFormatSymbols;
+
+        // Money.
+        putText(cldritem::currencyCode, code);
+        std::u16string local;
+        int32_t digits = 2;
+        if (!code.empty()) {
+            UBool isChoice = false;
+            int32_t length = 0;
+            UErrorCode nameStatus = U_ZERO_ERROR;
+            const UChar *name = ucurr_getName(reinterpret_cast<const UChar *>(code.c_str()), locale_.getName(),
+                                              UCURR_SYMBOL_NAME, &isChoice, &length, &nameStatus);
+            if (U_SUCCESS(nameStatus) && name != nullptr) local.assign(reinterpret_cast<const char16_t *>(name),
+                                                                       static_cast<size_t>(length));
+            UErrorCode digitStatus = U_ZERO_ERROR;
+            digits = ucurr_getDefaultFractionDigits(reinterpret_cast<const UChar *>(code.c_str()), &digitStatus);
+            if (U_FAILURE(digitStatus) || digits < 0) digits = 2;
+        }
+        putText(cldritem::currencySymbol, local);
+        putText(cldritem::monetaryDecimal, symbol(D::kMonetarySeparatorSymbol));
+        putText(cldritem::monetaryGroup, symbol(D::kMonetaryGroupingSeparatorSymbol));
+        put(cldritem::monetaryGrouping, groupingOf(dynamic_cast<icu::DecimalFormat *>(money.get())));
+        put(cldritem::monetaryPositiveSign, "");
+        putText(cldritem::monetaryNegativeSign, symbol(D::kMinusSignSymbol));
+        put(cldritem::fractionDigitsInternational, std::to_string(digits));
+        put(cldritem::fractionDigitsLocal, std::to_string(digits));
+        const std::u16string moneyPattern = patternOf(money.get());
+        putPlacement(cldritem::monetaryPlacement, moneyPattern);
+        const std::u16string moneyText = moneyPattern.empty() ? u"\u00A4#,##0.00" : moneyPattern;
+        putText(cldritem::moneyForm, moneyText);
+        putText(cldritem::moneyFormInternational, moneyText);
+
+        // Plain numbers: no symbol, so only the sign positions matter.
+        putText(cldritem::decimalSeparator, symbol(D::kDecimalSeparatorSymbol));
+        putText(cldritem::groupSeparator, symbol(D::kGroupingSeparatorSymbol));
+        put(cldritem::grouping, groupingOf(dynamic_cast<icu::DecimalFormat *>(number.get())));
+        put(cldritem::positiveSign, "");
+        putText(cldritem::negativeSign, symbol(D::kMinusSignSymbol));
+        const std::u16string numberPattern = patternOf(number.get());
+        putPlacement(cldritem::numberPlacement, numberPattern);
+        const std::u16string numberText = numberPattern.empty() ? u"#,##0.###" : numberPattern;
+        putText(cldritem::numberForm, numberText);
+        putText(cldritem::numberFormPlain, numberText);
+        const std::u16string percentPattern = patternOf(percent.get());
+        const std::u16string percentText = percentPattern.empty() ? u"#,##0%" : percentPattern;
+        putText(cldritem::percentForm, percentText);
+        putText(cldritem::percentFormPlain, percentText);
+        return true;
+    }
+
+    icu::Locale locale_;
+    icu::Locale gregorian_;
+    std::vector<uint8_t> &table_;
+    std::unique_ptr<icu::DateTimePatternGenerator> generator_;
+    std::unique_ptr<icu::DateFormatSymbols> symbols_;
+    WeekRule weekRule_ = WeekRule::Iso;
+    std::u16string era_;
+};
+
+} // namespace
+
+// ---------------------------------------------------------------------------
+
+std::string escapeForTable(std::u16string_view text) {
+    std::string out;
+    for (size_t i = 0; i < text.size(); ++i) {
+        char16_t c = text[i];
+        bool escape = c >= 0x80;
+        if (c == u'<' && i + 1 < text.size() && (text[i + 1] == u'U' || text[i + 1] == u'u')) escape = true;
+        if (!escape) {
+            out += static_cast<char>(c);
+            continue;
+        }
+        out += "<U";
+        for (int shift = 12; shift >= 0; shift -= 4) out += kHex[(c >> shift) & 0xF];
+        out += '>';
+    }
+    return out;
+}
+
+std::u16string unescapeTableText(std::string_view raw) {
+    auto hex = [](char c) -> int {
+        if (c >= '0' && c <= '9') return c - '0';
+        if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+        if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+        return 0;
+    };
+    std::u16string out;
+    size_t i = 0;
+    while (i < raw.size()) {
+        if (raw[i] != '<' || raw.size() - i < 7 || (raw[i + 1] != 'U' && raw[i + 1] != 'u')) {
+            out += static_cast<char16_t>(static_cast<unsigned char>(raw[i]));
+            ++i;
+            continue;
+        }
+        int value = 0;
+        for (size_t k = 2; k < 6; ++k) value = value * 16 + hex(raw[i + k]);
+        out += static_cast<char16_t>(value);
+        i += 7;
+    }
+    return out;
+}
+
+void setRawItem(std::vector<uint8_t> &table, int item, std::string_view raw) {
+    if (item < 0 || item >= ZV_LOCALE_TABLE_ITEMS) return;
+    if (table.size() < ZV_LOCALE_TABLE_SIZE) table.resize(ZV_LOCALE_TABLE_SIZE, 0);
+    const size_t length = std::min(raw.size(), kRawItemCapacity);
+    uint8_t *record = table.data() + recordOffset(item);
+    record[0] = static_cast<uint8_t>(length & 0xFF);
+    record[1] = static_cast<uint8_t>(length >> 8);
+    std::memset(record + 2, 0, kRawItemCapacity);
+    std::memcpy(record + 2, raw.data(), length);
+}
+
+std::string rawItem(const std::vector<uint8_t> &table, int item) {
+    if (item < 0 || item >= ZV_LOCALE_TABLE_ITEMS) return {};
+    if (table.size() < recordOffset(item) + ZV_LOCALE_RECORD_SIZE) return {};
+    const uint8_t *record = table.data() + recordOffset(item);
+    size_t length = std::min<size_t>(static_cast<size_t>(record[0] | (record[1] << 8)), kRawItemCapacity);
+    return std::string(reinterpret_cast<const char *>(record + 2), length);
+}
+
+bool buildCldrTable(const std::string &name, std::vector<uint8_t> &table, std::string &error) {
+    icu::Locale locale;
+    if (!resolveLocale(name, locale, error)) return false;
+    std::vector<uint8_t> built;
+    TableBuilder builder(locale, built);
+    if (!builder.build(error)) return false;
+    table = std::move(built);
+    return true;
+}
+
+std::vector<std::string> availableLocales() {
+    std::set<std::string> names;
+    for (const icu::Locale &locale : icuLocales()) names.insert(locale.getName());
+    return std::vector<std::string>(names.begin(), names.end());
+}
+
+} // namespace zvhost

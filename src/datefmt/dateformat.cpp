@@ -59,19 +59,40 @@ int32_t runPattern(const DateCall &d, const ZvChar *pattern, int64_t patternLeng
     // A text never passes 512 units, so a wider field is the same as one of 512.
     int w = *fieldWidth > kPatternUnits ? kPatternUnits : *fieldWidth;
     const LocaleBlock *block = call->localeBlock;
-    const int32_t status =
-        d.kind == ValueKind::Date
-            ? writeDatePattern(scratch, &w, pattern, patternLength, d.value, block)
-            : writeDatetimePattern(scratch, &w, pattern, patternLength, d.value, k, block,
-                                   call->services ? call->services->timeZone : nullptr);
-    if (status != kPatternFits) return status;
-    *fieldWidth = w;
-    fillField(call, u' ');
-    if (call->output) {
-        const int64_t n = w < fieldUnits(call) ? w : fieldUnits(call);
-        std::memcpy(call->output, scratch, size_t(n) * sizeof(ZvChar));
+    int32_t status;
+    switch (d.kind) {
+    case ValueKind::Date:
+        status = writeDatePattern(scratch, &w, pattern, patternLength, d.value, block);
+        break;
+    case ValueKind::Time:
+        status = writeTimePattern(scratch, &w, pattern, patternLength, d.value, k, block);
+        break;
+    default:
+        status = writeDatetimePattern(scratch, &w, pattern, patternLength, d.value, k, block,
+                                      call->services ? call->services->timeZone : nullptr);
+        break;
     }
-    return kPatternFits;
+    if (status != kPatternFits && status != kPatternTooLong) return status;
+    fillField(call, u' ');
+    // On success the text is w long; a text too long fills the whole field.
+    const int64_t shown = status == kPatternFits ? w : (*fieldWidth > kPatternUnits ? kPatternUnits : *fieldWidth);
+    if (status == kPatternFits) *fieldWidth = w;
+    putAt(call, 0, scratch, shown);
+    return status;
+}
+
+void putAt(FormatCall *call, int64_t at, const ZvChar *text, int64_t n) {
+    auto *out = static_cast<ZvChar *>(call->output);
+    if (!out || at < 0) return;
+    for (int64_t i = 0; i < n && at + i < call->outputCapacity; ++i) out[at + i] = text[i];
+}
+
+int32_t missingMarkHeld(FormatCall *call) {
+    const int32_t decimals = call->decimals;
+    call->decimals = 0;
+    const int32_t status = writeMissingMark(call);
+    call->decimals = decimals;
+    return status;
 }
 
 int32_t measureText(const FormatCall *call, int64_t units) {

@@ -9,7 +9,7 @@
 
 namespace zv {
 
-enum class ValueKind { Date, Datetime };
+enum class ValueKind { Date, Datetime, Time };
 
 // One call of a date format after its opening.
 struct DateCall {
@@ -26,8 +26,9 @@ bool openDateFormat(FormatCall *call, ValueKind kind, DateCall *out, int32_t *st
                     int32_t *buildStatus = nullptr);
 
 // Runs the engine for one pattern into a field of *fieldWidth units that is
-// then placed at the left of the call's field. k: decimals of a datetime.
-// The engine's status; on 0 the call's field holds the text.
+// then placed at the left of the call's field. k: decimals of a datetime or
+// time. The engine's status; on 0 the call's field holds the text, on 1 its
+// cut beginning (with the zone text at its end when there is one).
 int32_t runPattern(const DateCall &d, const ZvChar *pattern, int64_t patternLength, int k, int *fieldWidth);
 
 // The text of the call's output, `units` long, in host bytes: the status of
@@ -38,6 +39,10 @@ int32_t measureText(const FormatCall *call, int64_t units);
 void fillField(FormatCall *call, ZvChar c);
 // Takes the leading blanks of the call's field away, moving the text left.
 void leftJustifyField(FormatCall *call);
+// Writes n units at `at` of the call's output, never past its capacity.
+void putAt(FormatCall *call, int64_t at, const ZvChar *text, int64_t n);
+// The answer to a missing value: its mark with decimals held at 0.
+int32_t missingMarkHeld(FormatCall *call);
 
 // Numeric forms. Positions are 1 to 3, or 0 for a part not shown.
 enum class NumericParts { All, MonthYear, MonthDay, Quarter };

@@ -56,4 +56,19 @@ int32_t writeNlDatmYQ(FormatCall *, void *);
 int32_t writeNlDateYW(FormatCall *, void *);
 int32_t writeNlDatmYW(FormatCall *, void *);
 
+// Zone forms.
+int32_t writeNlDatmZ(FormatCall *, void *);
+int32_t writeNlDatmWZ(FormatCall *, void *);
+int32_t writeNlDatmTZ(FormatCall *, void *);
+int32_t writeNlDatmTM(FormatCall *, void *);
+
+// Week numbers.
+int32_t writeWeekU(FormatCall *, void *);
+int32_t writeWeekV(FormatCall *, void *);
+int32_t writeWeekW(FormatCall *, void *);
+int32_t writeDtWeekV(FormatCall *, void *);
+int32_t writeYyWeekU(FormatCall *, void *);
+int32_t writeYyWeekV(FormatCall *, void *);
+int32_t writeYyWeekW(FormatCall *, void *);
+
 } // namespace zv

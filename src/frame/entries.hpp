@@ -3,6 +3,7 @@
 // byte entry stays null with it.
 #pragma once
 
+#include "datefmt/clock.hpp"
 #include "datefmt/ladders.hpp"
 #include "datefmt/names.hpp"
 #include "zvlocfmt/zvlocfmt.h"
@@ -74,11 +75,11 @@ constexpr ZvWideEntry writeNlDatmMDM = &zv::writeNlDatmMDM;
 constexpr ZvWideEntry writeNlDatmMDS = &zv::writeNlDatmMDS;
 constexpr ZvWideEntry writeNlDatmMN = &zv::writeNlDatmMN;
 constexpr ZvWideEntry writeNlDatmS = &zv::writeNlDatmS;
-constexpr ZvWideEntry writeNlDatmTM = kPending;
-constexpr ZvWideEntry writeNlDatmTZ = kPending;
+constexpr ZvWideEntry writeNlDatmTM = &zv::writeNlDatmTM;
+constexpr ZvWideEntry writeNlDatmTZ = &zv::writeNlDatmTZ;
 constexpr ZvWideEntry writeNlDatmW = &zv::writeNlDatmW;
 constexpr ZvWideEntry writeNlDatmWN = &zv::writeNlDatmWN;
-constexpr ZvWideEntry writeNlDatmWZ = kPending;
+constexpr ZvWideEntry writeNlDatmWZ = &zv::writeNlDatmWZ;
 constexpr ZvWideEntry writeNlDatmYM = &zv::writeNlDatmYM;
 constexpr ZvWideEntry writeNlDatmYML = &zv::writeNlDatmYML;
 constexpr ZvWideEntry writeNlDatmYMM = &zv::writeNlDatmYMM;
@@ -89,7 +90,7 @@ constexpr ZvWideEntry writeNlDatmYQM = &zv::writeNlDatmYQM;
 constexpr ZvWideEntry writeNlDatmYQS = &zv::writeNlDatmYQS;
 constexpr ZvWideEntry writeNlDatmYR = &zv::writeNlDatmYR;
 constexpr ZvWideEntry writeNlDatmYW = &zv::writeNlDatmYW;
-constexpr ZvWideEntry writeNlDatmZ = kPending;
+constexpr ZvWideEntry writeNlDatmZ = &zv::writeNlDatmZ;
 
 constexpr ZvWideEntry writeNlMny = kPending;
 constexpr ZvWideEntry writeNlMnyI = kPending;
@@ -104,15 +105,15 @@ constexpr ZvWideEntry writeNlStrMon = &zv::writeNlStrMonth;
 constexpr ZvWideEntry writeNlStrQtr = &zv::writeNlStrQuarter;
 constexpr ZvWideEntry writeNlStrWk = &zv::writeNlStrWeekday;
 
-constexpr ZvWideEntry writeNlTimAP = kPending;
-constexpr ZvWideEntry writeNlTime = kPending;
+constexpr ZvWideEntry writeNlTimAP = &zv::writeNlTimAP;
+constexpr ZvWideEntry writeNlTime = &zv::writeNlTime;
 
-constexpr ZvWideEntry writeWeekU = kPending;
-constexpr ZvWideEntry writeWeekV = kPending;
-constexpr ZvWideEntry writeDtWeekV = kPending;
-constexpr ZvWideEntry writeWeekW = kPending;
-constexpr ZvWideEntry writeYyWeekU = kPending;
-constexpr ZvWideEntry writeYyWeekV = kPending;
-constexpr ZvWideEntry writeYyWeekW = kPending;
+constexpr ZvWideEntry writeWeekU = &zv::writeWeekU;
+constexpr ZvWideEntry writeWeekV = &zv::writeWeekV;
+constexpr ZvWideEntry writeDtWeekV = &zv::writeDtWeekV;
+constexpr ZvWideEntry writeWeekW = &zv::writeWeekW;
+constexpr ZvWideEntry writeYyWeekU = &zv::writeYyWeekU;
+constexpr ZvWideEntry writeYyWeekV = &zv::writeYyWeekV;
+constexpr ZvWideEntry writeYyWeekW = &zv::writeYyWeekW;
 
 } // namespace zv::entry

@@ -119,11 +119,10 @@ std::set<std::string> pendingRows() {
     auto all = expectedOrder();
     std::set<std::string> pending(all.begin(), all.end());
     for (const char *built : {"NLSTRMON", "NLSTRQTR", "NLSTRWK"}) pending.erase(built);
-    // Every date and datetime format but the zone forms.
+    // Every date, datetime, time and week format.
     for (const std::string &name : all)
-        if ((name.rfind("NLDATE", 0) == 0 || name.rfind("NLDATM", 0) == 0) && name != "NLDATMZ" &&
-            name != "NLDATMWZ" && name != "NLDATMTZ" && name != "NLDATMTM")
-            pending.erase(name);
+        if (name.rfind("NLDAT", 0) == 0 || name.rfind("NLTIM", 0) == 0 || name.find("WEEK") != std::string::npos)
+            if (name[0] != '@') pending.erase(name);
     return pending;
 }
 

@@ -1,0 +1,203 @@
+// Week numbers under the three conventions: WEEKU, WEEKV, WEEKW, the short
+// YYWEEK forms and DTWEEKV with the time behind the week date.
+#include <cmath>
+#include <cstring>
+
+#include "datefmt/calendar.hpp"
+#include "datefmt/dateformat.hpp"
+#include "datefmt/ladders.hpp"
+#include "datefmt/pattern.hpp"
+#include "frame/frame.hpp"
+#include "locale/block.hpp"
+#include "wide/wide.hpp"
+
+namespace zv {
+
+// The week date in a field of *fieldWidth units, from the left: WW, W WW,
+// YY W WW, YY W WW DD, CC YY W WW DD, or CC YY - W WW - DD from 11 on.
+int32_t writeWeekDate(ZvChar *output, int *fieldWidth, const ZvChar *mode, double dayCount) {
+    double y, w, n;
+    weekOfDate(dayCount, mode, &y, &w, &n);
+    if (isMissing(y)) return 1;
+    const int width = *fieldWidth;
+    const int64_t year = static_cast<int64_t>(y);
+    ZvChar cc[2], yy[2], ww[2], dd[2];
+    writeDigits((year / 100) % 100, cc, 2, u'0');
+    writeDigits(year % 100, yy, 2, u'0');
+    writeDigits(static_cast<int64_t>(w), ww, 2, u'0');
+    writeDigits(static_cast<int64_t>(n), dd, 2, u'0');
+
+    ZvChar text[16];
+    int k = 0;
+    auto put = [&](const ZvChar *s, int len) {
+        for (int i = 0; i < len; ++i) text[k++] = s[i];
+    };
+    if (width <= 2) {
+        put(ww, 2);
+    } else if (width <= 4) {
+        put(u"W", 1), put(ww, 2);
+    } else if (width <= 6) {
+        put(yy, 2), put(u"W", 1), put(ww, 2);
+    } else if (width <= 8) {
+        put(yy, 2), put(u"W", 1), put(ww, 2), put(dd, 2);
+    } else if (width <= 10) {
+        put(cc, 2), put(yy, 2), put(u"W", 1), put(ww, 2), put(dd, 2);
+    } else {
+        put(cc, 2), put(yy, 2), put(u"-W", 2), put(ww, 2), put(u"-", 1), put(dd, 2);
+    }
+    if (width > 0) fillWide(output, u' ', width);
+    const int shown = k < width ? k : (width > 0 ? width : 0);
+    std::memcpy(output, text, size_t(shown) * sizeof(ZvChar));
+    return 0;
+}
+
+namespace {
+
+double valueAt(const FormatCall *call) {
+    double v = 0;
+    if (call->input) std::memcpy(&v, call->input, sizeof v);
+    return v;
+}
+
+// The opening of the week formats: missing, range, instance, block. False
+// when the call is answered with *status.
+bool openWeek(FormatCall *call, double *day, int32_t *status) {
+    call->outputLength = call->width;
+    const double v = valueAt(call);
+    if (isMissing(v)) {
+        *status = missingMarkHeld(call);
+        return false;
+    }
+    if (!(v >= kFirstDay && v < kDayLimit)) {
+        *status = starFill(call);
+        return false;
+    }
+    ExtensionInstance *instance = findInstance(call);
+    if (!instance) {
+        *status = ZV_NO_INSTANCE;
+        return false;
+    }
+    if (!call->localeBlock) {
+        const int32_t built = buildLocaleBlock(call, instance);
+        if (built != 0) {
+            starFill(call);
+            *status = built;
+            return false;
+        }
+    }
+    *day = v;
+    return true;
+}
+
+int32_t weekFormat(FormatCall *call, const ZvChar *mode) {
+    double day;
+    int32_t status = 0;
+    if (!openWeek(call, &day, &status)) return status;
+    ZvChar field[kPatternUnits];
+    int w = call->width > kPatternUnits ? kPatternUnits : call->width;
+    status = writeWeekDate(field, &w, mode, day);
+    if (status != 0) {
+        starFill(call);
+        return status;
+    }
+    fillField(call, u' ');
+    putAt(call, 0, field, w > 0 ? w : 0);
+    return 0;
+}
+
+int32_t shortWeekFormat(FormatCall *call, const ZvChar *yearDirective, const ZvChar *weekDirective) {
+    double day;
+    int32_t status = 0;
+    if (!openWeek(call, &day, &status)) return status;
+    ZvChar year[5], week[3];
+    int yw = 5, ww = 3;
+    status = writeDatePattern(year, &yw, yearDirective, 2, day, call->localeBlock);
+    if (status == 0) status = writeDatePattern(week, &ww, weekDirective, 2, day, call->localeBlock);
+    if (status != 0) {
+        starFill(call);
+        return status;
+    }
+    ZvChar text[8];
+    int n = 0;
+    auto put = [&](const ZvChar *s, int len) {
+        for (int i = 0; i < len; ++i) text[n++] = s[i];
+    };
+    switch (call->width) {
+    case 2: put(week, 2); break;
+    case 3: put(u"W", 1), put(week, 2); break;
+    case 4: put(u" W", 2), put(week, 2); break;
+    case 5: put(year + 2, 2), put(u"W", 1), put(week, 2); break;
+    case 6: put(u" ", 1), put(year + 2, 2), put(u"W", 1), put(week, 2); break;
+    case 7: put(year, 4), put(u"W", 1), put(week, 2); break;
+    case 8: put(year, 4), put(u"-W", 2), put(week, 2); break;
+    default: starFill(call); return ZV_NO_INSTANCE;
+    }
+    putAt(call, 0, text, n);
+    return 0;
+}
+
+} // namespace
+
+int32_t writeWeekU(FormatCall *call, void *) { return weekFormat(call, u"U"); }
+int32_t writeWeekV(FormatCall *call, void *) { return weekFormat(call, u"V"); }
+int32_t writeWeekW(FormatCall *call, void *) { return weekFormat(call, u"W"); }
+int32_t writeYyWeekU(FormatCall *call, void *) { return shortWeekFormat(call, u"%Y", u"%U"); }
+int32_t writeYyWeekV(FormatCall *call, void *) { return shortWeekFormat(call, u"%G", u"%V"); }
+int32_t writeYyWeekW(FormatCall *call, void *) { return shortWeekFormat(call, u"%Y", u"%W"); }
+
+int32_t writeDtWeekV(FormatCall *call, void *opaque) {
+    const double v = valueAt(call);
+    const int32_t w = call->width;
+    call->outputLength = w;
+    if (isMissing(v)) return missingMarkHeld(call);
+
+    double t;
+    if (v >= 0) {
+        t = std::fmod(v, 86400.0);
+    } else {
+        const double r = std::fmod(-v, 86400.0);
+        t = r == 0 ? 0 : 86400.0 - r;
+    }
+    const double day = (v - t) / 86400.0;
+    fillField(call, u' ');
+    const void *input = call->input;
+    call->input = &day;
+
+    int32_t status = 0;
+    if (w < 12) {
+        status = writeWeekV(call, opaque);
+        call->input = input;
+        return status;
+    }
+    const ZvChar *timePattern = u"%H:%M:%S";
+    int timeLength = 8, weekWidth = 9;
+    if (w <= 14) timePattern = u"%H", timeLength = 2;
+    else if (w <= 17) timePattern = u"%H:%M", timeLength = 5;
+    else if (w >= 20) weekWidth = 11;
+
+    if (!findInstance(call)) {
+        call->input = input;
+        return ZV_NO_INSTANCE;
+    }
+    call->width = weekWidth;
+    if (writeWeekV(call, opaque) != 0 && call->output) {
+        // A week text that fails stands as stars, and the time still follows.
+        const int32_t saved = call->width;
+        starFill(call);
+        call->width = saved;
+    }
+    putAt(call, weekWidth, u":", 1);
+    if (call->localeBlock) {
+        ZvChar time[kPatternUnits];
+        int tw = timeLength;
+        const int32_t s = writeTimePattern(time, &tw, timePattern, wideLength(timePattern), t, 0,
+                                           call->localeBlock);
+        if (s == kPatternFits || s == kPatternTooLong) putAt(call, weekWidth + 1, time, timeLength);
+    }
+    call->width = w;
+    call->outputLength = w;
+    call->input = input;
+    return 0;
+}
+
+} // namespace zv

@@ -226,6 +226,8 @@ Json serve(Session &session, const Json &req) {
         throw BadRequest{"locale: unknown locale \"" + spec.locale + "\""};
     if (!host.transcoder(spec.encoding))
         throw BadRequest{"encoding: unknown encoding \"" + spec.encoding + "\""};
+    if (change.timeZone && !host.timeZone(*change.timeZone))
+        throw BadRequest{"timeZone: unknown time zone \"" + *change.timeZone + "\""};
     if (!isReady(*row)) throw BadRequest{rowName + " is not built yet"};
 
     Session::Guard guard;

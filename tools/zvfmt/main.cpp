@@ -1,5 +1,6 @@
 // zvfmt: the formats and informats of zvlocfmt from the command line, and a
 // JSON-lines protocol for programs that drive them.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <optional>
@@ -513,8 +514,12 @@ std::optional<Prepared> prepare(Session &s, const Example &e, const std::string 
     return p;
 }
 
+// Pads to a column by characters, not bytes, so that accented examples line up.
 void demoLine(const std::string &left, const std::string &right) {
-    std::printf("  %-42s %s\n", left.c_str(), right.c_str());
+    size_t chars = 0;
+    for (unsigned char c : left) chars += (c & 0xC0) != 0x80;
+    const std::string pad(chars < 42 ? 42 - chars : 0, ' ');
+    std::printf("  %s%s %s\n", left.c_str(), pad.c_str(), right.c_str());
 }
 
 int runDemo(const Args &a) {
@@ -580,11 +585,11 @@ int runDemo(const Args &a) {
         demoLine("(no format is built yet)", "");
     } else {
         zvhost::CallSpec spec;
-        spec.width = 8;
+        spec.width = std::clamp<int32_t>(8, static_cast<int32_t>(any->minWidth), static_cast<int32_t>(any->maxWidth));
         for (const char *mark : {".", ".A", ".Z", "._"}) {
             const zvhost::FormatResult r =
                 zvhost::runFormat(host, *any, spec, *zvfmt::parseValue(mark));
-            demoLine(zvhost::rowName(*any) + "8 " + mark, r.error.empty() ? "[" + r.utf8 + "]" : "(" + r.error + ")");
+            demoLine(zvhost::rowName(*any) + std::to_string(spec.width) + " " + mark, r.error.empty() ? "[" + r.utf8 + "]" : "(" + r.error + ")");
         }
     }
 

@@ -80,7 +80,7 @@ bool looksLikeDate(std::string_view s) {
 }
 
 bool looksLikeTime(std::string_view s) {
-    return s.size() >= 5 && isDigit(s[0]) && isDigit(s[1]) && s[2] == ':';
+    return s.size() >= 3 && isDigit(s[0]) && isDigit(s[1]) && s[2] == ':';
 }
 
 } // namespace

@@ -235,7 +235,9 @@ struct Moment {
 const Moment kMoments[] = {
     {2024, 1, 5, 3, 4, 5},    {1999, 12, 31, 23, 59, 59}, {2024, 7, 14, 12, 30, 0},
     {2001, 3, 9, 0, 7, 8},    {2030, 10, 21, 15, 45, 30}, {1960, 2, 29, 11, 0, 1},
-    {2027, 1, 1, 0, 0, 0},    {2026, 12, 28, 18, 5, 9},
+    {2027, 1, 1, 0, 0, 0},    {2026, 12, 28, 18, 5, 9}, {2023, 8, 16, 9, 41, 27},
+    {2012, 4, 30, 21, 9, 50}, {1984, 5, 6, 13, 13, 13},   {2040, 6, 17, 6, 6, 6},
+    {1970, 9, 2, 19, 0, 59},  {2019, 11, 24, 10, 59, 1},
 };
 
 TEST(CldrConvert, ExactConversionsWriteWhatIcuWrites) {
@@ -275,26 +277,29 @@ TEST(CldrConvert, ExactConversionsWriteWhatIcuWrites) {
         // abbreviated form: ICU's text is compared with that form put in.
         std::vector<std::pair<std::u16string, std::u16string>> replaced;
         using S = icu::DateFormatSymbols;
-        for (auto [context, item] : {std::pair{S::FORMAT, 71}, std::pair{S::STANDALONE, 95}}) {
+        auto longNames = [&](const icu::UnicodeString *list, int32_t count, int skip, int want, int item) {
+            for (int k = 0; k < want && k + skip < count; ++k) {
+                std::u16string icuName = zvhosttest::fromIcu(list[k + skip]);
+                if (zvhost::escapeForTable(icuName).size() > 160)
+                    replaced.emplace_back(icuName, names.items[static_cast<size_t>(item + k)]);
+            }
+        };
+        for (auto [context, abbreviated, wide] : {std::tuple{S::FORMAT, 59, 71}, std::tuple{S::STANDALONE, 83, 95}}) {
             int32_t n = 0;
-            const icu::UnicodeString *wide = symbols.getMonths(n, context, S::WIDE);
-            for (int32_t k = 0; k < n && k < 12; ++k)
-                if (zvhost::escapeForTable(zvhosttest::fromIcu(wide[k])).size() > 160)
-                    replaced.emplace_back(zvhosttest::fromIcu(wide[k]), names.items[static_cast<size_t>(item + k)]);
+            longNames(symbols.getMonths(n, context, S::ABBREVIATED), n, 0, 12, abbreviated);
+            longNames(symbols.getMonths(n, context, S::WIDE), n, 0, 12, wide);
         }
-        for (auto [context, item] : {std::pair{S::FORMAT, 114}, std::pair{S::STANDALONE, 128}}) {
+        for (auto [context, abbreviated, wide] :
+             {std::tuple{S::FORMAT, 107, 114}, std::tuple{S::STANDALONE, 121, 128}}) {
             int32_t n = 0;
-            const icu::UnicodeString *wide = symbols.getWeekdays(n, context, S::WIDE);
-            for (int32_t k = 1; k < n && k < 8; ++k)
-                if (zvhost::escapeForTable(zvhosttest::fromIcu(wide[k])).size() > 160)
-                    replaced.emplace_back(zvhosttest::fromIcu(wide[k]), names.items[static_cast<size_t>(item + k - 1)]);
+            longNames(symbols.getWeekdays(n, context, S::ABBREVIATED), n, 1, 7, abbreviated);
+            longNames(symbols.getWeekdays(n, context, S::WIDE), n, 1, 7, wide);
         }
-        for (auto [context, item] : {std::pair{S::FORMAT, 139}, std::pair{S::STANDALONE, 147}}) {
+        for (auto [context, abbreviated, wide] :
+             {std::tuple{S::FORMAT, 135, 139}, std::tuple{S::STANDALONE, 143, 147}}) {
             int32_t n = 0;
-            const icu::UnicodeString *wide = symbols.getQuarters(n, context, S::WIDE);
-            for (int32_t k = 0; k < n && k < 4; ++k)
-                if (zvhost::escapeForTable(zvhosttest::fromIcu(wide[k])).size() > 160)
-                    replaced.emplace_back(zvhosttest::fromIcu(wide[k]), names.items[static_cast<size_t>(item + k)]);
+            longNames(symbols.getQuarters(n, context, S::ABBREVIATED), n, 0, 4, abbreviated);
+            longNames(symbols.getQuarters(n, context, S::WIDE), n, 0, 4, wide);
         }
         for (const std::u16string &cldr : patterns) {
             ConvertOptions options;

@@ -10,11 +10,15 @@ namespace zv {
 
 namespace {
 
-// The instance name as one little-endian word.
-constexpr uint64_t kInstanceName = 0x74666d636f6c767aull; // "zvlocfmt"
+uint64_t wordOf(const void *bytes) {
+    uint64_t w;
+    std::memcpy(&w, bytes, sizeof w);
+    return w;
+}
 
-// The key of a call pool, as four UTF-16 units in one word.
-constexpr uint64_t kCallPoolKey = 0x004700520056005aull; // u"ZVRG"
+// The instance name and the key of a call pool, each as one 64-bit word.
+const uint64_t kInstanceName = wordOf("zvlocfmt");
+const uint64_t kCallPoolKey = wordOf(u"ZVRG");
 
 constexpr int kCallPoolWord = 9;
 
@@ -25,9 +29,7 @@ ExtensionInstance *findInstance(const FormatCall *call) {
     for (ExtensionInstance **entry = call->services->extensionList; *entry; ++entry) {
         const char *name = (*entry)->extensionName;
         if (!name) continue;
-        uint64_t word;
-        std::memcpy(&word, name, sizeof word);
-        if (word == kInstanceName) return *entry;
+        if (wordOf(name) == kInstanceName) return *entry;
     }
     return nullptr;
 }
@@ -68,9 +70,7 @@ int32_t writeMissingMark(FormatCall *call) {
 
 HostPool *callPoolOf(const FormatCall *call) {
     if (call->callPool) {
-        uint64_t key;
-        std::memcpy(&key, call->callPool, sizeof key);
-        if (key == kCallPoolKey) {
+        if (wordOf(call->callPool) == kCallPoolKey) {
             HostPool *pool;
             std::memcpy(&pool, static_cast<const char *>(call->callPool) + 8 * kCallPoolWord,
                         sizeof pool);

@@ -6,14 +6,17 @@
 //   pattern ask for the Thai, Taiwanese or Japanese year with %+Y.
 // - A text whose escaped form would run past the 160 bytes of a record is
 //   replaced: a wide name by its abbreviated form, a pattern by the next
-//   shorter pattern of its kind; what still does not fit is cut before the
-//   escape or character that would cross the limit.
+//   shorter pattern of its kind; a name that still does not fit (Chakma
+//   month abbreviations, in characters outside the BMP) is cut before the
+//   character that would cross the limit.
 // - Positive signs (items 160 and 175) stay empty: CLDR writes no sign in
 //   front of a positive amount, and the number engine writes the positive
 //   sign where the pattern has one.
 // - A locale without a territory takes the currency of the territory that
 //   its language most likely goes with (fr: EUR, ja: JPY). A locale with no
 //   currency at all (eo) has empty items 155 and 156.
+// - Separators and signs longer than the two units of a number context
+//   lose their bidirectional marks, all but a leading one where room is left.
 // - The date separator (item 153) is the first character between the first
 //   two fields of the short date pattern that is neither a blank nor a
 //   bidirectional mark (ar: "d\u200F/M\u200F/y" gives "/").
@@ -56,6 +59,10 @@ std::string cutEscaped(const std::string &escaped) {
     size_t i = 0;
     while (i < escaped.size()) {
         size_t step = (escaped[i] == '<' && i + 7 <= escaped.size() && escaped[i + 1] == 'U') ? 7 : 1;
+        // A high surrogate goes together with the low one behind it.
+        if (step == 7 && escaped[i + 2] == 'D' && escaped[i + 3] >= '8' && escaped[i + 3] <= 'B' &&
+            i + 14 <= escaped.size())
+            step = 14;
         if (i + step > kRawItemCapacity) break;
         i += step;
         end = i;
@@ -116,8 +123,7 @@ bool resolveLocale(const std::string &name, icu::Locale &out, std::string &error
             if (std::strlen(candidate.getVariant()) != 0) continue;
             // A candidate must carry what the name carries: "fr_US" is no
             // CLDR locale even though "fr" is.
-            if (std::strlen(locale.getCountry()) != 0 && std::strlen(candidate.getCountry()) == 0) continue;
-            if (std::strlen(locale.getCountry()) == 0 && std::strlen(candidate.getCountry()) != 0) continue;
+            if (std::strcmp(locale.getCountry(), candidate.getCountry()) != 0) continue;
             if (maximized(candidate) == wanted) {
                 match = &candidate;
                 break;
@@ -533,6 +539,20 @@ private:
         return {};
     }
 
+    static bool bidiMark(char16_t c) { return c == u'\u200E' || c == u'\u200F' || c == u'\u061C'; }
+
+    // The number contexts hold two units of a separator or sign. A longer
+    // CLDR text (some minus signs carry two bidirectional marks) keeps its
+    // characters and, where room is left, its first mark.
+    static std::u16string twoUnits(const std::u16string &text) {
+        if (text.size() <= 2) return text;
+        std::u16string plain;
+        for (char16_t c : text)
+            if (!bidiMark(c)) plain += c;
+        if (plain.size() < 2 && bidiMark(text.front())) plain.insert(plain.begin(), text.front());
+        return plain.substr(0, 2);
+    }
+
     icu::Locale likely() {
         icu::Locale copy(locale_);
         UErrorCode status = U_ZERO_ERROR;
@@ -559,7 +579,7 @@ private:
             return false;
         }
         auto symbol = [&](icu::DecimalFormatSymbols::ENumberFormatSymbol which) {
-            return u16(symbols.getConstSymbol(which));
+            return twoUnits(u16(symbols.getConstSymbol(which)));
         };
         using D = icu::DecimalFormatSymbols;
 

@@ -82,7 +82,7 @@ routine did not write its result. A nonzero status follows after a tab as
 "status=N", and always with -v.
 
 Statuses are signed; negative ones other than -1 also show their hex, e.g.
-"status=-2143297529 (0x803fe807)". See 'zvfmt --help' for the options.
+"status=-2143295481 (0x803fe807)". See 'zvfmt --help' for the options.
 )TXT";
 
 constexpr const char *kListHelp = R"TXT(zvfmt list [--formats | --informats] [--pending | --ready] [--json] [--header]

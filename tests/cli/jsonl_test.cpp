@@ -233,6 +233,28 @@ TEST(Jsonl, LongLinesAndStrayBytesDoNotStopTheStream) {
     EXPECT_EQ(zv.finish(), 0);
 }
 
+// timeZone, options and clock hold for their own request only: a plain
+// request after one that changed them answers as it did before.
+TEST(Jsonl, PerRequestStateIsPutBack) {
+    std::vector<clitest::ListedRow> ready;
+    for (const auto &row : clitest::listedRows())
+        if (row.ready && !row.informat && ready.size() < 12) ready.push_back(row);
+    if (ready.empty()) GTEST_SKIP() << "no format is built yet";
+    Coprocess zv;
+    for (const auto &row : ready) {
+        for (const std::string value : {"\"2024-03-05T14:07:09\"", "23440", "45"}) {
+            const std::string plain = R"({"name": ")" + row.name + R"(", "value": )" + value + "}";
+            const std::string before = zv.ask(plain);
+            const std::string changed =
+                zv.ask(R"({"name": ")" + row.name + R"(", "value": )" + value +
+                       R"(, "timeZone": "Australia/Lord_Howe", "options": {"ZV_NAME_YEARCUTOFF": 1700}, )"
+                       R"("clock": {"value": 1e9, "shift": 3600}})");
+            EXPECT_FALSE(Json::parse(changed).contains("error")) << changed;
+            EXPECT_EQ(zv.ask(plain), before) << row.name << " " << value;
+        }
+    }
+}
+
 // Answers come in request order, one a line, including a last line without
 // its newline.
 TEST(Jsonl, BatchInputGetsOneAnswerPerLine) {

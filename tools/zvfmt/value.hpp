@@ -39,7 +39,7 @@ std::string hexBytes(std::string_view bytes);
 std::string shortestNumber(double value);
 
 // A status as the tool shows it: signed decimal, and for negative words other
-// than -1 also their hex, e.g. "-2143297529 (0x803fe807)".
+// than -1 also their hex, e.g. "-2143295481 (0x803fe807)".
 std::string statusText(int32_t status);
 // What a status means, "" when the tool doesn't know it.
 std::string statusMeaning(int32_t status);

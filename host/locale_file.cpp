@@ -8,6 +8,7 @@
 // its line.
 #include "cldr.hpp"
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -145,8 +146,9 @@ bool parseLocaleDefinition(std::string_view content, std::map<int, std::string> 
 }
 
 bool applyLocaleFile(const std::string &path, std::vector<uint8_t> &table, std::string &error) {
+    std::error_code code;
     std::ifstream file(path, std::ios::binary);
-    if (!file) {
+    if (!file || std::filesystem::is_directory(path, code)) {
         error = "cannot read the locale file " + path;
         return false;
     }

@@ -78,7 +78,8 @@ TEST(LocaleFile, Parse) {
 // and within a record.
 TEST(LocaleFile, ArbitraryBytes) {
     uint32_t state = 99;
-    const std::string pool = std::string("0123456789\t\n\r# <U>%\xC3\xA9\xE2\x82\xAC\xFF\xF0\x9F", 30);
+    static const char kPool[] = "0123456789\t\n\r# <U>%\xC3\xA9\xE2\x82\xAC\xFF\xF0\x9F";
+    const std::string pool(kPool, sizeof kPool - 1);
     for (int round = 0; round < 4000; ++round) {
         std::string content;
         int length = static_cast<int>(state % 40);

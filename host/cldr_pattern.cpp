@@ -302,24 +302,24 @@ private:
             inexact(f + " (day period) written as the AM/PM mark");
             return;
         case 'h':
-            hour(f, count, u"I", u"#I", u"I");
+            twoDigits(f, count, u"I", u"#I", u"I");
             return;
         case 'H':
-            hour(f, count, u"H", u"#H", u"H");
+            twoDigits(f, count, u"H", u"#H", u"H");
             return;
         case 'K':
-            hour(f, count, u"L", u"#L", u"I");
+            twoDigits(f, count, u"L", u"#L", u"I");
             inexact(f + " (hour 0 to 11) written on the 0 to 12 clock: noon shows 12");
             return;
         case 'k':
-            hour(f, count, u"K", u"#K", u"H");
+            twoDigits(f, count, u"K", u"#K", u"H");
             if (reading) inexact(f + " (hour 1 to 24) written as 0 to 23");
             return;
         case 'm':
-            hour(f, count, u"M", u"#M", u"M");
+            twoDigits(f, count, u"M", u"#M", u"M");
             return;
         case 's':
-            hour(f, count, u"S", u"#S", u"S");
+            twoDigits(f, count, u"S", u"#S", u"S");
             return;
         case 'S':
             // The separator before the fraction belongs to it.
@@ -348,7 +348,7 @@ private:
 
     // Two-unit numeric fields: count 1 unpadded, 2 padded; the reader knows
     // only the padded letter.
-    void hour(const std::string &f, int count, std::u16string_view padded, std::u16string_view unpadded,
+    void twoDigits(const std::string &f, int count, std::u16string_view padded, std::u16string_view unpadded,
               std::u16string_view forReader) {
         if (options_.forReading) {
             directive(forReader);

@@ -350,11 +350,10 @@ private:
         putPattern(56, {stylePattern(DateFormat::kShort, DateFormat::kShort)}, false, u"%d/%m/%Y %H:%M");
         putPattern(57, {skeleton("yMd")}, false, numeric);
 
-        UErrorCode status = U_ZERO_ERROR;
+        // The glue of date ({1}) and time ({0}) tells which goes first.
         const icu::UnicodeString &glue = generator_->getDateTimeFormat();
         int32_t date = glue.indexOf(u"{1}", -1);
         int32_t time = glue.indexOf(u"{0}", -1);
-        (void)status;
         putText(cldritem::dateTimeOrder, date >= 0 && time >= 0 && time < date ? u"%X %x" : u"%x %X");
     }
 

@@ -1,6 +1,7 @@
 // zvfmt: the formats and informats of zvlocfmt from the command line, and a
 // JSON-lines protocol for programs that drive them.
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <optional>
@@ -159,12 +160,13 @@ bool startsNumber(const std::string &arg) {
 }
 
 int64_t parseInteger(const std::string &text, const std::string &what) {
-    std::string why;
-    auto v = zvfmt::parseValue(text, &why);
-    if (text.empty() || !v || *v != static_cast<double>(static_cast<int64_t>(*v)) ||
-        text.find_first_of(".:eE") != std::string::npos)
+    std::string_view t = text;
+    if (t.size() > 1 && t[0] == '+') t.remove_prefix(1);
+    int64_t v = 0;
+    const auto [end, ec] = std::from_chars(t.data(), t.data() + t.size(), v);
+    if (t.empty() || ec != std::errc() || end != t.data() + t.size())
         usageError(what + ": \"" + text + "\" is not an integer");
-    return static_cast<int64_t>(*v);
+    return v;
 }
 
 Args parseArgs(int argc, char **argv) {
@@ -420,6 +422,8 @@ int runConvert(const Args &a) {
                        std::to_string(row->maxDecimals) + "; --unchecked passes it on)");
     } else if (spec.width > 65536) {
         usageError(name + ": width " + std::to_string(spec.width) + " is too large (at most 65536)");
+    } else if (spec.decimals > 99) {
+        usageError(name + ": decimals " + std::to_string(spec.decimals) + " is too large (at most 99)");
     }
     if (!session->host().locale(spec.locale, spec.items)) usageError("unknown locale \"" + spec.locale + "\"");
     if (!session->host().transcoder(spec.encoding)) usageError("unknown encoding \"" + spec.encoding + "\"");

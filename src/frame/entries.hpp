@@ -6,6 +6,7 @@
 #include "datefmt/clock.hpp"
 #include "datefmt/ladders.hpp"
 #include "datefmt/names.hpp"
+#include "numfmt/numfmt.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
 namespace zv::entry {
@@ -33,14 +34,16 @@ constexpr ZvWideEntry readWeekW = kPending;
 #define ZV_DECLARE_CURRENCY_ENTRIES(code)                                                      \
     constexpr ZvWideEntry readNlMni##code = kPending;                                          \
     constexpr ZvWideEntry readNlMnl##code = kPending;                                          \
-    constexpr ZvWideEntry writeNlMni##code = kPending;                                         \
-    constexpr ZvWideEntry writeNlMnl##code = kPending;
+    constexpr ZvWideEntry writeNlMni##code =                                                   \
+        &zv::writeCurrencyMember<&zv::currency##code, zv::CurrencyForm::Code>;                \
+    constexpr ZvWideEntry writeNlMnl##code =                                                   \
+        &zv::writeCurrencyMember<&zv::currency##code, zv::CurrencyForm::Symbol>;
 ZV_FORMAT_CURRENCIES(ZV_DECLARE_CURRENCY_ENTRIES)
 #undef ZV_DECLARE_CURRENCY_ENTRIES
 
 // ---- formats -------------------------------------------------------------------
-constexpr ZvWideEntry writeNlBest = kPending;
-constexpr ZvWideEntry writeNlD = kPending;
+constexpr ZvWideEntry writeNlBest = &zv::writeNlBest;
+constexpr ZvWideEntry writeNlD = &zv::writeNlD;
 
 constexpr ZvWideEntry writeNlDate = &zv::writeNlDate;
 constexpr ZvWideEntry writeNlDateL = &zv::writeNlDateL;
@@ -92,14 +95,14 @@ constexpr ZvWideEntry writeNlDatmYR = &zv::writeNlDatmYR;
 constexpr ZvWideEntry writeNlDatmYW = &zv::writeNlDatmYW;
 constexpr ZvWideEntry writeNlDatmZ = &zv::writeNlDatmZ;
 
-constexpr ZvWideEntry writeNlMny = kPending;
-constexpr ZvWideEntry writeNlMnyI = kPending;
-constexpr ZvWideEntry writeNlNum = kPending;
-constexpr ZvWideEntry writeNlNumI = kPending;
-constexpr ZvWideEntry writeNlPct = kPending;
-constexpr ZvWideEntry writeNlPctI = kPending;
-constexpr ZvWideEntry writeNlPctN = kPending;
-constexpr ZvWideEntry writeNlPctP = kPending;
+constexpr ZvWideEntry writeNlMny = &zv::writeNlMny;
+constexpr ZvWideEntry writeNlMnyI = &zv::writeNlMnyI;
+constexpr ZvWideEntry writeNlNum = &zv::writeNlNum;
+constexpr ZvWideEntry writeNlNumI = &zv::writeNlNumI;
+constexpr ZvWideEntry writeNlPct = &zv::writeNlPct;
+constexpr ZvWideEntry writeNlPctI = &zv::writeNlPctI;
+constexpr ZvWideEntry writeNlPctN = &zv::writeNlPctN;
+constexpr ZvWideEntry writeNlPctP = &zv::writeNlPctP;
 
 constexpr ZvWideEntry writeNlStrMon = &zv::writeNlStrMonth;
 constexpr ZvWideEntry writeNlStrQtr = &zv::writeNlStrQuarter;

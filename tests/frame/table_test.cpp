@@ -119,6 +119,11 @@ std::set<std::string> pendingRows() {
     auto all = expectedOrder();
     std::set<std::string> pending(all.begin(), all.end());
     for (const char *built : {"NLSTRMON", "NLSTRQTR", "NLSTRWK"}) pending.erase(built);
+    // Every number, percent and money format, the per-currency members among them.
+    for (const std::string &name : all)
+        if (name.rfind("NLMN", 0) == 0 || name.rfind("NLNUM", 0) == 0 || name.rfind("NLPCT", 0) == 0 ||
+            name == "NLBEST" || name == "NLD")
+            pending.erase(name);
     // Every date, datetime, time and week format.
     for (const std::string &name : all)
         if (name.rfind("NLDAT", 0) == 0 || name.rfind("NLTIM", 0) == 0 || name.find("WEEK") != std::string::npos)

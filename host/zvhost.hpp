@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -30,6 +31,8 @@ struct PoolStats {
     int64_t allocations = 0;  // successful poolAlloc calls
     int64_t frees = 0;        // poolFree calls
     int64_t failures = 0;     // poolAlloc calls answered with null
+    int64_t badFrees = 0;     // poolFree of a block this pool did not hand out (or freed twice)
+    int64_t freedByDestroy = 0; // blocks still live when poolDestroy ran
 };
 
 // A counting pool. The host keeps one as formatPool; zvlocfmt's build asks
@@ -46,6 +49,11 @@ public:
     virtual void failFrom(int64_t n) = 0;
     virtual std::string name() const = 0;
     virtual bool destroyed() const = 0;
+    // Each successful poolAlloc gets the next serial number; serial() is the
+    // latest. releaseSince(s) frees the blocks numbered after s that are still
+    // live (what a finished call left behind) and answers how many.
+    virtual int64_t serial() const { return 0; }
+    virtual int64_t releaseSince(int64_t) { return 0; }
 };
 
 // ---------------------------------------------------------------------------
@@ -238,5 +246,21 @@ std::optional<double> parseValue(std::string_view text);
 // UTF-8 <-> UTF-16 helpers.
 std::u16string utf16(std::string_view utf8);
 std::string utf8(std::u16string_view utf16);
+
+// ---------------------------------------------------------------------------
+// Statuses of the host's own operations (beside those of zvlocfmt.h).
+
+// transcode: a character the target encoding can't show, or source text that
+// is not valid in its encoding. Nothing is substituted.
+inline constexpr int32_t kCannotShow = int32_t(0x803fe80au);
+// readOption: the option is not set.
+inline constexpr int32_t kOptionNotSet = int32_t(0x803fe80bu);
+// An operation called with arguments it does not take (null record, bad size).
+inline constexpr int32_t kBadRequest = int32_t(0x803fe80cu);
+// A transcoder between two encodings the host knows, outside any host: 25 ->
+// anything, anything -> 25, 62 -> 25, and any pair through UTF-16. Null for
+// an unknown id. Its transcoderRelease calls onRelease (if any) and frees it.
+HostTranscoder *makeTranscoder(uint32_t from, uint32_t to,
+                               std::function<void(HostTranscoder *)> onRelease = {});
 
 } // namespace zvhost

@@ -1,0 +1,741 @@
+// The reference host: pools, journals, the anchor's services, NLS services,
+// locales, time zones and the load of the module.
+//
+// Every host object is a record that begins with its ABI struct, so that the
+// static operations can find their own data from the pointer they are given.
+#include <unicode/basictz.h>
+#include <unicode/locid.h>
+#include <unicode/timezone.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <set>
+#include <unordered_map>
+
+#include "cldr.hpp"
+#include "numbers.hpp"
+#include "zvhost.hpp"
+
+namespace zvhost {
+
+namespace {
+
+// Seconds from 1 January 1960 to 1 January 1970.
+constexpr double kEpochShift = 315619200.0;
+
+// Filled into blocks that were not asked to be zeroed, so that a reader of
+// memory it never wrote sees something other than zeros.
+constexpr unsigned char kUnsetByte = 0xCD;
+
+std::string narrow(const ZvChar *text, int64_t length) {
+    std::u16string w;
+    if (text) {
+        if (length < 0) {
+            for (int64_t i = 0; text[i] != 0 && i < 4096; ++i) w += text[i];
+        } else {
+            w.assign(text, size_t(length));
+        }
+    }
+    return utf8(w);
+}
+
+// ---------------------------------------------------------------------------
+// Pools
+
+class PoolImpl final : public Pool {
+public:
+    PoolImpl(std::string name, std::function<void()> onDestroy)
+        : name_(std::move(name)), onDestroy_(std::move(onDestroy)) {
+        wrapper_.base.ops = &kOps;
+        wrapper_.owner = this;
+    }
+    ~PoolImpl() override { freeAll(); }
+
+    HostPool *raw() override { return &wrapper_.base; }
+    PoolStats stats() const override { return stats_; }
+    void failAt(int64_t n) override { failAt_ = n; }
+    void failFrom(int64_t n) override {
+        failFrom_ = n;
+        sinceFailFrom_ = 0;
+    }
+    std::string name() const override { return name_; }
+    bool destroyed() const override { return destroyed_; }
+    int64_t serial() const override { return serial_; }
+    int64_t releaseSince(int64_t mark) override {
+        std::vector<void *> late;
+        for (auto &[block, info] : blocks_)
+            if (info.serial > mark) late.push_back(block);
+        for (void *block : late) release(block);
+        return int64_t(late.size());
+    }
+
+private:
+    static PoolImpl *of(HostPool *p) {
+        return p ? reinterpret_cast<Wrapper *>(p)->owner : nullptr;
+    }
+
+    static void *alloc(HostPool *p, uint64_t bytes, uint32_t flags) {
+        PoolImpl *self = of(p);
+        if (!self) return nullptr;
+        return self->allocate(bytes, flags);
+    }
+    static void free(HostPool *p, void *block) {
+        if (PoolImpl *self = of(p)) self->release(block);
+    }
+    static void destroy(HostPool *p) {
+        if (PoolImpl *self = of(p)) self->destroyPool();
+    }
+
+    void *allocate(uint64_t bytes, uint32_t flags) {
+        bool fail = destroyed_;
+        if (failAt_ > 0 && --failAt_ == 0) fail = true;
+        if (failFrom_ > 0 && ++sinceFailFrom_ >= failFrom_) fail = true;
+        if (bytes > (uint64_t(1) << 40)) fail = true;
+        void *block = fail ? nullptr : std::malloc(bytes ? size_t(bytes) : 1);
+        if (!block) {
+            ++stats_.failures;
+            return nullptr;
+        }
+        std::memset(block, (flags & ZV_ALLOC_ZEROED) ? 0 : kUnsetByte, bytes ? size_t(bytes) : 1);
+        blocks_[block] = Block{bytes, ++serial_};
+        ++stats_.allocations;
+        ++stats_.liveBlocks;
+        stats_.liveBytes += int64_t(bytes);
+        stats_.peakBytes = std::max(stats_.peakBytes, stats_.liveBytes);
+        return block;
+    }
+
+    void release(void *block) {
+        if (!block) return;
+        ++stats_.frees;
+        auto it = blocks_.find(block);
+        if (it == blocks_.end()) {
+            ++stats_.badFrees;
+            return;
+        }
+        stats_.liveBytes -= int64_t(it->second.bytes);
+        --stats_.liveBlocks;
+        std::free(block);
+        blocks_.erase(it);
+    }
+
+    void destroyPool() {
+        if (destroyed_) return;
+        stats_.freedByDestroy += int64_t(blocks_.size());
+        freeAll();
+        destroyed_ = true;
+        if (onDestroy_) onDestroy_();
+    }
+
+    void freeAll() {
+        for (auto &entry : blocks_) std::free(entry.first);
+        blocks_.clear();
+        stats_.liveBlocks = 0;
+        stats_.liveBytes = 0;
+    }
+
+    // The ABI record and, behind it, the way back to this object.
+    struct Wrapper {
+        HostPool base;
+        PoolImpl *owner;
+    };
+    static const HostPoolOps kOps;
+
+    Wrapper wrapper_{};
+    std::string name_;
+    std::function<void()> onDestroy_;
+    PoolStats stats_;
+    struct Block {
+        uint64_t bytes;
+        int64_t serial;
+    };
+    std::unordered_map<void *, Block> blocks_;
+    int64_t serial_ = 0;
+    int64_t failAt_ = 0, failFrom_ = 0, sinceFailFrom_ = 0;
+    bool destroyed_ = false;
+};
+
+const HostPoolOps PoolImpl::kOps = {PoolImpl::alloc, PoolImpl::free, PoolImpl::destroy};
+
+// ---------------------------------------------------------------------------
+// Journals
+
+struct JournalImpl {
+    HostJournal base;
+    JournalRecord record;
+};
+
+void journalLog(HostJournal *j, int32_t level, int32_t status, const int64_t *values, int32_t count) {
+    if (!j) return;
+    JournalLine line;
+    line.level = level;
+    line.status = status;
+    if (values && count > 0) line.values.assign(values, values + count);
+    reinterpret_cast<JournalImpl *>(j)->record.lines.push_back(std::move(line));
+}
+void journalClose(HostJournal *j) {
+    if (j) ++reinterpret_cast<JournalImpl *>(j)->record.closes;
+}
+void journalRelease(HostJournal *j) {
+    if (j) ++reinterpret_cast<JournalImpl *>(j)->record.releases;
+}
+const HostJournalOps kJournalOps = {journalLog, journalClose, journalRelease};
+
+// ---------------------------------------------------------------------------
+// Locales and time zones
+
+struct LocaleImpl {
+    HostLocale base;
+    Host::Impl *host = nullptr;
+    std::string name;
+    std::map<int, std::string> items;
+    std::vector<uint8_t> table; // built on first use when empty
+    bool built = false;
+};
+
+struct TimeZoneImpl {
+    HostTimeZone base;
+    std::unique_ptr<icu::BasicTimeZone> zone;
+};
+
+double zoneOffset(HostTimeZone *t, double seconds, int32_t) {
+    if (!t || !std::isfinite(seconds)) return 0;
+    auto *self = reinterpret_cast<TimeZoneImpl *>(t);
+    const UDate local = (seconds - kEpochShift) * 1000.0;
+    int32_t raw = 0, dst = 0;
+    UErrorCode err = U_ZERO_ERROR;
+    // A wall time in a spring gap takes the offset before the change, a
+    // repeated one the offset after it (ICU Calendar's reading by default).
+    self->zone->getOffsetFromLocal(local, UCAL_TZ_LOCAL_FORMER, UCAL_TZ_LOCAL_LATTER, raw, dst, err);
+    if (U_FAILURE(err)) return 0;
+    return double(raw + dst) / 1000.0;
+}
+const HostTimeZoneOps kZoneOps = {zoneOffset};
+
+// General categories in the bit order of the character services.
+int categoryBit(int8_t type) {
+    switch (type) {
+    case U_UPPERCASE_LETTER: return 0;
+    case U_LOWERCASE_LETTER: return 1;
+    case U_TITLECASE_LETTER: return 2;
+    case U_NON_SPACING_MARK: return 3;
+    case U_COMBINING_SPACING_MARK: return 4;
+    case U_ENCLOSING_MARK: return 5;
+    case U_DECIMAL_DIGIT_NUMBER: return 6;
+    case U_LETTER_NUMBER: return 7;
+    case U_OTHER_NUMBER: return 8;
+    case U_SPACE_SEPARATOR: return 9;
+    case U_LINE_SEPARATOR: return 10;
+    case U_PARAGRAPH_SEPARATOR: return 11;
+    case U_CONTROL_CHAR: return 12;
+    case U_FORMAT_CHAR: return 13;
+    case U_SURROGATE: return 14;
+    case U_PRIVATE_USE_CHAR: return 15;
+    case U_GENERAL_OTHER_TYPES: return 16; // unassigned
+    case U_MODIFIER_LETTER: return 17;
+    case U_OTHER_LETTER: return 18;
+    case U_CONNECTOR_PUNCTUATION: return 19;
+    case U_DASH_PUNCTUATION: return 20;
+    case U_START_PUNCTUATION: return 21;
+    case U_END_PUNCTUATION: return 22;
+    case U_INITIAL_PUNCTUATION: return 23;
+    case U_FINAL_PUNCTUATION: return 24;
+    case U_OTHER_PUNCTUATION: return 25;
+    case U_MATH_SYMBOL: return 26;
+    case U_CURRENCY_SYMBOL: return 27;
+    case U_MODIFIER_SYMBOL: return 28;
+    case U_OTHER_SYMBOL: return 29;
+    default: return 16;
+    }
+}
+
+// Counts of calls to a factory since its fault was last set.
+struct FaultClock {
+    int64_t setting = 0;
+    int64_t calls = 0;
+    // True when this call is the one the fault names.
+    bool tick(int64_t wanted) {
+        if (wanted != setting) {
+            setting = wanted;
+            calls = 0;
+        }
+        ++calls;
+        return wanted > 0 && calls == wanted;
+    }
+};
+
+char chrtabHandle = 0;
+
+} // namespace
+
+// ---------------------------------------------------------------------------
+
+struct Host::Impl {
+    struct AnchorRecord {
+        HostAnchor base;
+        Impl *host;
+    };
+    struct NlsRecord {
+        NlsServices base;
+        Impl *host;
+    };
+
+    HostConfig config;
+    AnchorRecord anchor{};
+    NlsRecord nls{};
+    HostServices services{};
+    std::vector<ExtensionInstance *> extensionList{nullptr};
+    ExtensionInstance *instance = nullptr;
+
+    std::unique_ptr<PoolImpl> formatPool;
+    std::vector<std::unique_ptr<PoolImpl>> pools;
+    JournalImpl errorJournal{};
+    std::vector<std::unique_ptr<JournalImpl>> journals;
+
+    std::map<std::string, HostTranscoder *> namedTranscoders;
+    std::set<HostTranscoder *> madeTranscoders;
+    bool dying = false;
+
+    std::map<std::pair<std::string, std::map<int, std::string>>, std::unique_ptr<LocaleImpl>> locales;
+    std::unique_ptr<LocaleImpl> numberFormatter;
+    std::map<std::string, std::unique_ptr<TimeZoneImpl>> zones;
+
+    std::map<std::string, int64_t> options;
+    std::optional<std::pair<double, double>> fixedClock;
+
+    Faults faults;
+    FaultClock poolClock, journalClock, transcoderClock, localeClock;
+    HostCounters counters;
+
+    static Impl *of(HostAnchor *a) { return a ? reinterpret_cast<AnchorRecord *>(a)->host : nullptr; }
+    static Impl *of(NlsServices *n) { return n ? reinterpret_cast<NlsRecord *>(n)->host : nullptr; }
+
+    // ---- anchor operations
+    static HostPool *createPool(HostAnchor *a, const void *, HostJournal *, const char *name) {
+        Impl *h = of(a);
+        if (!h || h->poolClock.tick(h->faults.failCreatePool)) return nullptr;
+        auto pool = std::make_unique<PoolImpl>(name ? std::string(name) : std::string(),
+                                               [h] { ++h->counters.poolsDestroyed; });
+        if (h->faults.newPoolFailAt > 0) pool->failAt(h->faults.newPoolFailAt);
+        ++h->counters.poolsCreated;
+        h->pools.push_back(std::move(pool));
+        return h->pools.back()->raw();
+    }
+
+    static HostJournal *createJournal(HostAnchor *a, const void *, int32_t, const ZvChar *name) {
+        Impl *h = of(a);
+        if (!h || h->journalClock.tick(h->faults.failCreateJournal)) return nullptr;
+        auto j = std::make_unique<JournalImpl>();
+        j->base.ops = &kJournalOps;
+        if (name)
+            for (size_t i = 0; name[i] != 0 && i < 4096; ++i) j->record.name += name[i];
+        ++h->counters.journalsCreated;
+        h->journals.push_back(std::move(j));
+        return &h->journals.back()->base;
+    }
+
+    static int32_t readOption(HostAnchor *a, const ZvChar *name, int64_t length, int32_t type, void *value,
+                              int64_t *size) {
+        Impl *h = of(a);
+        if (!h) return kBadRequest;
+        ++h->counters.optionReads;
+        if (type != 3 || !value || (size && *size < 8)) return kBadRequest;
+        auto it = h->options.find(narrow(name, length));
+        if (it == h->options.end()) return kOptionNotSet;
+        std::memcpy(value, &it->second, 8);
+        if (size) *size = 8;
+        return 0;
+    }
+
+    static int32_t readClock(HostAnchor *a, int32_t size, double *clock, uint32_t) {
+        Impl *h = of(a);
+        if (!h || !clock || size < 16) return kBadRequest;
+        ++h->counters.clockReads;
+        if (h->fixedClock) {
+            clock[0] = h->fixedClock->first;
+            clock[1] = h->fixedClock->second;
+        } else {
+            const auto now = std::chrono::system_clock::now().time_since_epoch();
+            clock[0] = double(std::chrono::duration_cast<std::chrono::microseconds>(now).count()) / 1e6 + kEpochShift;
+            clock[1] = 0;
+        }
+        return 0;
+    }
+
+    static int32_t formatText(HostAnchor *a, void *, const ZvChar *format, int64_t formatLength, ZvChar *target,
+                              int64_t capacity, int64_t *produced, int32_t, const int64_t *values);
+
+    static int32_t exponentOf(HostAnchor *, double value, int32_t digits) {
+        return zvhost::decimalExponent(std::fabs(value), digits);
+    }
+
+    static void *loadModule(HostAnchor *a, const char *name, int64_t length, int32_t) {
+        Impl *h = of(a);
+        if (!h || !name || length != 8 || std::memcmp(name, "zvchrtab", 8) != 0) return nullptr;
+        ++h->counters.charModuleLoads;
+        return &chrtabHandle;
+    }
+
+    // ---- NLS operations
+    HostTranscoder *newTranscoder(uint32_t from, uint32_t to) {
+        if (transcoderClock.tick(faults.failCreateTranscoder)) return nullptr;
+        HostTranscoder *t = makeTranscoder(from, to, [this](HostTranscoder *gone) {
+            if (dying) return;
+            madeTranscoders.erase(gone);
+            ++counters.transcodersReleased;
+        });
+        if (!t) return nullptr;
+        madeTranscoders.insert(t);
+        ++counters.transcodersCreated;
+        return t;
+    }
+    static HostTranscoder *createTranscoder(NlsServices *n, uint32_t from, uint32_t to, int32_t, int32_t) {
+        Impl *h = of(n);
+        return h ? h->newTranscoder(from, to) : nullptr;
+    }
+    static HostTranscoder *transcoderForEncoding(NlsServices *n, uint32_t id, int32_t, int32_t) {
+        Impl *h = of(n);
+        return h ? h->newTranscoder(ZV_ENCODING_UTF16, id) : nullptr;
+    }
+    static HostLocale *openLocale(NlsServices *n, const ZvChar *name, int64_t length) {
+        Impl *h = of(n);
+        if (!h || h->localeClock.tick(h->faults.failOpenLocale)) return nullptr;
+        LocaleImpl *l = h->findLocale(narrow(name, length < 0 ? 0 : length), {});
+        if (!l) return nullptr;
+        ++h->counters.localesOpened;
+        return &l->base;
+    }
+    static HostLocale *currentLocale(NlsServices *n) {
+        Impl *h = of(n);
+        if (!h) return nullptr;
+        LocaleImpl *l = h->findLocale(h->config.currentLocale, {});
+        return l ? &l->base : nullptr;
+    }
+    static int32_t charClass(NlsServices *n, uint32_t c, uint32_t mask) {
+        if (Impl *h = of(n)) ++h->counters.charServiceCalls;
+        if (c > 0x10FFFF) return 0;
+        return int32_t((1u << categoryBit(u_charType(UChar32(c)))) & mask);
+    }
+    static uint32_t charUpper(NlsServices *n, uint32_t c, int32_t) {
+        if (Impl *h = of(n)) ++h->counters.charServiceCalls;
+        return c > 0x10FFFF ? c : uint32_t(u_toupper(UChar32(c)));
+    }
+    static uint32_t charLower(NlsServices *n, uint32_t c, int32_t) {
+        if (Impl *h = of(n)) ++h->counters.charServiceCalls;
+        return c > 0x10FFFF ? c : uint32_t(u_tolower(UChar32(c)));
+    }
+
+    // ---- locale operations
+    static LocaleImpl *localeOf(HostLocale *l) { return reinterpret_cast<LocaleImpl *>(l); }
+
+    static bool ensureTable(LocaleImpl *l) {
+        if (l->built) return true;
+        std::string error;
+        if (!buildCldrTable(l->name, l->table, error)) return false;
+        for (auto &[item, raw] : l->items) setRawItem(l->table, item, raw);
+        l->table.resize(ZV_LOCALE_TABLE_SIZE, 0);
+        l->built = true;
+        return true;
+    }
+
+    static int32_t localeTextTable(HostLocale *l, int32_t, const uint8_t **table) {
+        if (!l || !table) return kBadRequest;
+        LocaleImpl *self = localeOf(l);
+        if (!ensureTable(self)) return kBadRequest;
+        *table = self->table.data();
+        return 0;
+    }
+    static int32_t formatNumber(HostLocale *, double value, int32_t width, int32_t decimals, uint32_t flags,
+                                ZvChar *target, int64_t capacity, int64_t *produced) {
+        return formatNumberText(value, width, decimals, flags, target, capacity, produced);
+    }
+    static int32_t parseDouble(HostLocale *, const ZvChar *text, int64_t length, double *value, int64_t *used) {
+        return parseDoubleText(text, length, value, used);
+    }
+    static int32_t parseInteger(HostLocale *, const ZvChar *text, int64_t length, int32_t, int64_t *value,
+                                int64_t *used) {
+        return parseIntegerText(text, length, value, used);
+    }
+    static void localeRelease(HostLocale *l) {
+        if (l && localeOf(l)->host) ++localeOf(l)->host->counters.localesReleased;
+    }
+
+    static const HostAnchorOps kAnchorOps;
+    static const NlsServicesOps kNlsOps;
+    static const HostLocaleOps kLocaleOps;
+
+    std::unique_ptr<LocaleImpl> newLocale(const std::string &name, const std::map<int, std::string> &items) {
+        auto l = std::make_unique<LocaleImpl>();
+        l->base.ops = &kLocaleOps;
+        l->host = this;
+        l->name = name;
+        l->items = items;
+        return l;
+    }
+
+    LocaleImpl *findLocale(const std::string &name, const std::map<int, std::string> &items) {
+        auto key = std::make_pair(name, items);
+        if (auto it = locales.find(key); it != locales.end()) return it->second.get();
+        if (name.empty() || name.size() > 100) return nullptr;
+        auto l = newLocale(name, items);
+        if (!ensureTable(l.get())) return nullptr;
+        LocaleImpl *raw = l.get();
+        locales.emplace(std::move(key), std::move(l));
+        return raw;
+    }
+
+    TimeZoneImpl *findZone(const std::string &iana) {
+        if (auto it = zones.find(iana); it != zones.end()) return it->second.get();
+        if (iana.empty() || iana.size() > 100) return nullptr;
+        const icu::UnicodeString id = icu::UnicodeString::fromUTF8(iana);
+        icu::UnicodeString canonical;
+        UBool system = false;
+        UErrorCode err = U_ZERO_ERROR;
+        icu::TimeZone::getCanonicalID(id, canonical, system, err);
+        if (U_FAILURE(err) || !system) return nullptr;
+        std::unique_ptr<icu::TimeZone> tz(icu::TimeZone::createTimeZone(id));
+        auto *basic = dynamic_cast<icu::BasicTimeZone *>(tz.get());
+        if (!basic) return nullptr;
+        tz.release();
+        auto z = std::make_unique<TimeZoneImpl>();
+        z->base.ops = &kZoneOps;
+        z->zone.reset(basic);
+        TimeZoneImpl *raw = z.get();
+        zones.emplace(iana, std::move(z));
+        return raw;
+    }
+};
+
+const HostAnchorOps Host::Impl::kAnchorOps = {
+    Impl::createPool, Impl::createJournal, Impl::readOption, Impl::readClock,
+    Impl::formatText, Impl::exponentOf,    Impl::loadModule};
+const NlsServicesOps Host::Impl::kNlsOps = {Impl::createTranscoder, Impl::transcoderForEncoding,
+                                            Impl::openLocale,       Impl::currentLocale,
+                                            Impl::charClass,        Impl::charUpper,
+                                            Impl::charLower};
+const HostLocaleOps Host::Impl::kLocaleOps = {Impl::localeTextTable, Impl::formatNumber, Impl::parseDouble,
+                                              Impl::parseInteger, Impl::localeRelease};
+
+// printf-like wide text: %i %d %u %x %X %c %s %%, with '-' and '0' flags and
+// a width. Values are taken in order; a missing array reads as zeros.
+int32_t Host::Impl::formatText(HostAnchor *a, void *, const ZvChar *format, int64_t formatLength,
+                               ZvChar *target, int64_t capacity, int64_t *produced, int32_t,
+                               const int64_t *values) {
+    if (Impl *h = of(a)) ++h->counters.formatTextCalls;
+    int64_t written = 0;
+    bool cut = false;
+    if (!target || capacity < 0) capacity = 0;
+    auto put = [&](char16_t u) {
+        if (written < capacity) target[written++] = u;
+        else cut = true;
+    };
+    if (format && formatLength < 0) {
+        formatLength = 0;
+        while (format[formatLength] != 0 && formatLength < (int64_t(1) << 20)) ++formatLength;
+    }
+    if (!format) formatLength = 0;
+    size_t next = 0;
+    auto take = [&]() -> int64_t { return values ? values[next++] : (next++, 0); };
+    for (int64_t i = 0; i < formatLength; ++i) {
+        const ZvChar c = format[i];
+        if (c != u'%' || i + 1 >= formatLength) {
+            put(c);
+            continue;
+        }
+        int64_t j = i + 1;
+        bool left = false, zero = false;
+        for (; j < formatLength && (format[j] == u'-' || format[j] == u'0'); ++j)
+            (format[j] == u'-' ? left : zero) = true;
+        int width = 0;
+        for (; j < formatLength && format[j] >= u'0' && format[j] <= u'9'; ++j)
+            width = std::min(width * 10 + int(format[j] - u'0'), 4096);
+        if (j >= formatLength) {
+            for (int64_t k = i; k < formatLength; ++k) put(format[k]);
+            break;
+        }
+        std::u16string body;
+        bool numeric = false;
+        switch (format[j]) {
+        case u'%': body = u"%"; break;
+        case u'i':
+        case u'd':
+        case u'u':
+        case u'x':
+        case u'X': {
+            const int64_t v = take();
+            std::string digits;
+            if (format[j] == u'i' || format[j] == u'd') digits = std::to_string(v);
+            else if (format[j] == u'u') digits = std::to_string(uint64_t(v));
+            else {
+                const char *hex = format[j] == u'x' ? "0123456789abcdef" : "0123456789ABCDEF";
+                uint64_t u = uint64_t(v);
+                do {
+                    digits.insert(digits.begin(), hex[u & 15]);
+                    u >>= 4;
+                } while (u);
+            }
+            body.assign(digits.begin(), digits.end());
+            numeric = true;
+            break;
+        }
+        case u'c': {
+            const uint32_t v = uint32_t(take());
+            if (v > 0xFFFF && v <= 0x10FFFF) {
+                body += char16_t(0xD7C0 + (v >> 10));
+                body += char16_t(0xDC00 | (v & 0x3FF));
+            } else {
+                body += char16_t(v);
+            }
+            break;
+        }
+        case u's': {
+            const auto *s = reinterpret_cast<const ZvChar *>(take());
+            if (s)
+                for (size_t k = 0; s[k] != 0 && k < (size_t(1) << 20); ++k) body += s[k];
+            break;
+        }
+        default:
+            for (int64_t k = i; k <= j; ++k) body += format[k];
+            width = 0;
+            break;
+        }
+        const size_t pad = size_t(width) > body.size() ? size_t(width) - body.size() : 0;
+        if (left) {
+            for (char16_t u : body) put(u);
+            for (size_t k = 0; k < pad; ++k) put(u' ');
+        } else if (zero && numeric) {
+            size_t k = 0;
+            if (!body.empty() && body[0] == u'-') put(body[k++]);
+            for (size_t p = 0; p < pad; ++p) put(u'0');
+            for (; k < body.size(); ++k) put(body[k]);
+        } else {
+            for (size_t p = 0; p < pad; ++p) put(u' ');
+            for (char16_t u : body) put(u);
+        }
+        i = j;
+    }
+    if (produced) *produced = written;
+    return cut ? ZV_TARGET_TOO_SMALL : 0;
+}
+
+// ---------------------------------------------------------------------------
+
+Host::Host(HostConfig config) : impl_(std::make_unique<Impl>()) {
+    Impl &h = *impl_;
+    h.config = std::move(config);
+    h.anchor.base.ops = &Impl::kAnchorOps;
+    h.anchor.host = &h;
+    h.nls.base.ops = &Impl::kNlsOps;
+    h.nls.base.owner = &h.anchor.base;
+    h.nls.host = &h;
+    h.anchor.base.nlsServices = h.config.withNls ? &h.nls.base : nullptr;
+    h.numberFormatter = h.newLocale("en_US", {});
+    h.anchor.base.numberFormatter = &h.numberFormatter->base;
+    h.anchor.base.hostExponentMode = 0;
+    h.formatPool = std::make_unique<PoolImpl>("formatPool", nullptr);
+    h.errorJournal.base.ops = &kJournalOps;
+    h.errorJournal.record.name = u"error journal";
+    h.services.formatPool = h.formatPool->raw();
+    h.services.extensionList = h.extensionList.data();
+    if (!setTimeZone(h.config.timeZone)) setTimeZone("UTC");
+}
+
+Host::~Host() {
+    if (impl_->instance) unloadModule();
+    impl_->dying = true;
+    for (HostTranscoder *t : std::vector<HostTranscoder *>(impl_->madeTranscoders.begin(),
+                                                           impl_->madeTranscoders.end()))
+        t->ops->transcoderRelease(t);
+    for (auto &[name, t] : impl_->namedTranscoders)
+        if (t) t->ops->transcoderRelease(t);
+}
+
+HostAnchor *Host::anchor() { return &impl_->anchor.base; }
+HostServices *Host::services() { return &impl_->services; }
+NlsServices *Host::nls() { return impl_->anchor.base.nlsServices; }
+Pool &Host::formatPool() { return *impl_->formatPool; }
+
+void Host::setOption(const std::string &name, int64_t value) { impl_->options[name] = value; }
+void Host::clearOption(const std::string &name) { impl_->options.erase(name); }
+
+void Host::setClock(double value, double shift) { impl_->fixedClock = std::make_pair(value, shift); }
+void Host::useSystemClock() { impl_->fixedClock.reset(); }
+
+bool Host::setTimeZone(const std::string &iana) {
+    TimeZoneImpl *z = impl_->findZone(iana);
+    if (!z) return false;
+    impl_->services.timeZone = &z->base;
+    return true;
+}
+
+HostTimeZone *Host::timeZone(const std::string &iana) {
+    TimeZoneImpl *z = impl_->findZone(iana);
+    return z ? &z->base : nullptr;
+}
+
+Faults &Host::faults() { return impl_->faults; }
+const HostCounters &Host::counters() const { return impl_->counters; }
+
+std::vector<Pool *> Host::createdPools() {
+    std::vector<Pool *> all;
+    for (auto &p : impl_->pools) all.push_back(p.get());
+    return all;
+}
+
+std::vector<JournalRecord> Host::journals() const {
+    std::vector<JournalRecord> all{impl_->errorJournal.record};
+    for (auto &j : impl_->journals) all.push_back(j->record);
+    return all;
+}
+
+HostJournal *Host::errorJournal() { return &impl_->errorJournal.base; }
+const JournalRecord &Host::errorJournalRecord() const { return impl_->errorJournal.record; }
+
+HostTranscoder *Host::transcoder(const std::string &encoding) {
+    if (auto it = impl_->namedTranscoders.find(encoding); it != impl_->namedTranscoders.end()) return it->second;
+    const std::optional<uint32_t> id = encodingIdOf(encoding);
+    if (!id) return nullptr;
+    HostTranscoder *t = makeTranscoder(ZV_ENCODING_UTF16, *id);
+    if (t) impl_->namedTranscoders[encoding] = t;
+    return t;
+}
+
+HostLocale *Host::locale(const std::string &name, const std::map<int, std::string> &items) {
+    LocaleImpl *l = impl_->findLocale(name, items);
+    return l ? &l->base : nullptr;
+}
+
+ExtensionInstance *Host::loadModule() {
+    Impl &h = *impl_;
+    if (h.instance) return h.instance;
+    if (zvextent(&h.anchor.base) != 0) return nullptr;
+    ExtensionInstance *in = zvlocfmt(&h.anchor.base, &h.errorJournal.base);
+    if (!in) return nullptr;
+    static const char kName[8] = {'z', 'v', 'l', 'o', 'c', 'f', 'm', 't'};
+    in->extensionName = kName;
+    h.instance = in;
+    h.extensionList.back() = in;
+    h.extensionList.push_back(nullptr);
+    h.services.extensionList = h.extensionList.data();
+    return in;
+}
+
+void Host::unloadModule() {
+    Impl &h = *impl_;
+    if (!h.instance) return;
+    ExtensionInstance *in = h.instance;
+    h.extensionList.erase(std::remove(h.extensionList.begin(), h.extensionList.end(), in), h.extensionList.end());
+    if (h.extensionList.empty() || h.extensionList.back() != nullptr) h.extensionList.push_back(nullptr);
+    h.services.extensionList = h.extensionList.data();
+    h.instance = nullptr;
+    in->destroy(in);
+}
+
+ExtensionInstance *Host::instance() { return impl_->instance; }
+
+} // namespace zvhost

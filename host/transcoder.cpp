@@ -1,0 +1,309 @@
+// Encodings and transcoders of the reference host, on ICU converters.
+//
+// Every transcode goes source -> UTF-16 -> target. 25 (UTF-16LE) and 62
+// (bytes as U+0000..U+00FF) are done by hand; every other encoding is an
+// ICU converter set to stop at the first character it can't map, so nothing
+// is ever substituted. A target that is too small gets whole characters.
+#include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
+#include <unicode/utf16.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+
+#include "zvhost.hpp"
+
+namespace zvhost {
+namespace {
+
+constexpr uint32_t kFirstIcuId = 100;
+
+// Ids of ICU converters: the available converters in ICU's order, then any
+// other converter a name opened, in order of first use.
+class Registry {
+public:
+    static Registry &get() {
+        static Registry r;
+        return r;
+    }
+
+    std::optional<uint32_t> idOf(std::string_view name) {
+        if (name.empty() || name.size() > 200) return std::nullopt;
+        std::string lower(name);
+        for (char &c : lower) c = char(std::tolower(static_cast<unsigned char>(c)));
+        if (lower == "locale-text" || lower == "x-zv-locale-text") return ZV_ENCODING_LOCALE_TEXT;
+        std::lock_guard<std::mutex> lock(m_);
+        if (auto it = byAlias_.find(lower); it != byAlias_.end()) return it->second;
+        const std::string key(name);
+        UErrorCode err = U_ZERO_ERROR;
+        UConverter *c = ucnv_open(key.c_str(), &err);
+        if (U_FAILURE(err) || c == nullptr) {
+            if (c) ucnv_close(c);
+            byAlias_[lower] = std::nullopt;
+            return std::nullopt;
+        }
+        err = U_ZERO_ERROR;
+        const std::string canonical = ucnv_getName(c, &err);
+        ucnv_close(c);
+        std::optional<uint32_t> id;
+        if (canonical == "UTF-16LE" || canonical == "UTF-16") {
+            id = ZV_ENCODING_UTF16;
+        } else if (auto it = byCanonical_.find(canonical); it != byCanonical_.end()) {
+            id = it->second;
+        } else {
+            id = kFirstIcuId + uint32_t(names_.size());
+            byCanonical_[canonical] = *id;
+            names_.push_back(canonical);
+        }
+        byAlias_[lower] = id;
+        return id;
+    }
+
+    // The ICU name to open for an id; "" when the id is not an ICU one.
+    std::string icuName(uint32_t id) {
+        std::lock_guard<std::mutex> lock(m_);
+        if (id < kFirstIcuId || id - kFirstIcuId >= names_.size()) return {};
+        return names_[id - kFirstIcuId];
+    }
+
+private:
+    Registry() {
+        const int32_t n = ucnv_countAvailable();
+        for (int32_t i = 0; i < n; ++i) {
+            const char *name = ucnv_getAvailableName(i);
+            if (!name) continue;
+            byCanonical_.emplace(name, kFirstIcuId + uint32_t(names_.size()));
+            names_.emplace_back(name);
+        }
+    }
+
+    std::mutex m_;
+    std::vector<std::string> names_;
+    std::unordered_map<std::string, uint32_t> byCanonical_;
+    std::unordered_map<std::string, std::optional<uint32_t>> byAlias_;
+};
+
+bool knownId(uint32_t id) {
+    return id == ZV_ENCODING_UTF16 || id == ZV_ENCODING_LOCALE_TEXT || !Registry::get().icuName(id).empty();
+}
+
+UConverter *openStopping(uint32_t id) {
+    const std::string name = Registry::get().icuName(id);
+    if (name.empty()) return nullptr;
+    UErrorCode err = U_ZERO_ERROR;
+    UConverter *c = ucnv_open(name.c_str(), &err);
+    if (U_FAILURE(err) || !c) {
+        if (c) ucnv_close(c);
+        return nullptr;
+    }
+    ucnv_setFromUCallBack(c, UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &err);
+    ucnv_setToUCallBack(c, UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &err);
+    ucnv_setFallback(c, false);
+    if (U_FAILURE(err)) {
+        ucnv_close(c);
+        return nullptr;
+    }
+    return c;
+}
+
+// A buffer on the stack for the common sizes, on the heap beyond them.
+template <typename T, size_t N>
+struct Scratch {
+    T local[N];
+    std::vector<T> heap;
+    T *get(size_t n) {
+        if (n <= N) return local;
+        heap.resize(n);
+        return heap.data();
+    }
+};
+
+struct TranscoderImpl {
+    HostTranscoder base;
+    UConverter *decoder = nullptr; // source side, ICU encodings only
+    UConverter *encoder = nullptr; // target side, ICU encodings only
+    std::function<void(HostTranscoder *)> onRelease;
+};
+
+TranscoderImpl *self(HostTranscoder *t) { return reinterpret_cast<TranscoderImpl *>(t); }
+
+// Source bytes -> UTF-16 units. False when the source is not valid text;
+// `length` then holds the units before the fault.
+bool decode(TranscoderImpl *t, const uint8_t *src, int64_t bytes, UChar *mid, size_t room, size_t &length) {
+    length = 0;
+    switch (t->base.sourceEncodingId) {
+    case ZV_ENCODING_UTF16: {
+        const size_t units = size_t(bytes / 2);
+        for (size_t i = 0; i < units; ++i) mid[i] = UChar(src[2 * i] | (src[2 * i + 1] << 8));
+        length = units;
+        return bytes % 2 == 0;
+    }
+    case ZV_ENCODING_LOCALE_TEXT:
+        for (int64_t i = 0; i < bytes; ++i) mid[i] = src[i];
+        length = size_t(bytes);
+        return true;
+    default: {
+        ucnv_resetToUnicode(t->decoder);
+        UErrorCode err = U_ZERO_ERROR;
+        UChar *out = mid;
+        const char *in = reinterpret_cast<const char *>(src);
+        ucnv_toUnicode(t->decoder, &out, mid + room, &in, in + bytes, nullptr, true, &err);
+        length = size_t(out - mid);
+        return U_SUCCESS(err);
+    }
+    }
+}
+
+struct Encoded {
+    size_t written = 0; // bytes in the target
+    bool full = false;  // the next character did not fit
+    bool bad = false;   // the next character can't be shown
+};
+
+// UTF-16 -> target bytes, by hand for 25 and 62.
+Encoded encodeSimple(uint32_t to, const UChar *mid, size_t length, uint8_t *target, size_t capacity) {
+    Encoded e;
+    size_t i = 0;
+    while (i < length) {
+        const UChar u = mid[i];
+        size_t units = 1;
+        if (to == ZV_ENCODING_LOCALE_TEXT) {
+            if (u > 0xFF) {
+                e.bad = true;
+                break;
+            }
+            if (e.written + 1 > capacity) {
+                e.full = true;
+                break;
+            }
+            target[e.written++] = uint8_t(u);
+            ++i;
+            continue;
+        }
+        if (U16_IS_LEAD(u) && i + 1 < length && U16_IS_TRAIL(mid[i + 1])) units = 2;
+        else if (U16_IS_SURROGATE(u)) {
+            e.bad = true;
+            break;
+        }
+        if (e.written + 2 * units > capacity) {
+            e.full = true;
+            break;
+        }
+        for (size_t k = 0; k < units; ++k) {
+            target[e.written++] = uint8_t(mid[i + k] & 0xFF);
+            target[e.written++] = uint8_t(mid[i + k] >> 8);
+        }
+        i += units;
+    }
+    return e;
+}
+
+// UTF-16 -> target bytes through ICU: the whole text into a scratch buffer
+// with the source offset of every byte, then as many whole characters as fit.
+Encoded encodeIcu(UConverter *c, const UChar *mid, size_t length, uint8_t *target, size_t capacity) {
+    Encoded e;
+    const size_t room = size_t(UCNV_GET_MAX_BYTES_FOR_STRING(int64_t(length), ucnv_getMaxCharSize(c)));
+    Scratch<char, 4096> bytes;
+    Scratch<int32_t, 4096> offsets;
+    char *buf = bytes.get(room);
+    int32_t *offs = offsets.get(room);
+    ucnv_resetFromUnicode(c);
+    UErrorCode err = U_ZERO_ERROR;
+    char *out = buf;
+    const UChar *in = mid;
+    ucnv_fromUnicode(c, &out, buf + room, &in, mid + length, offs, true, &err);
+    const size_t made = size_t(out - buf);
+    e.bad = U_FAILURE(err);
+    if (made <= capacity) {
+        if (made) std::memcpy(target, buf, made);
+        e.written = made;
+        return e;
+    }
+    // Cut where a new character starts (bytes of one character share its offset).
+    size_t k = capacity;
+    while (k > 0 && offs[k] == offs[k - 1]) --k;
+    if (k) std::memcpy(target, buf, k);
+    e.written = k;
+    e.full = true;
+    e.bad = false;
+    return e;
+}
+
+int32_t transcode(HostTranscoder *h, const void *source, int64_t bytes, void *target, int64_t capacity,
+                  int64_t *produced, int32_t) {
+    int64_t ignored = 0;
+    if (!produced) produced = &ignored;
+    *produced = 0;
+    if (!h || bytes < 0 || (!source && bytes > 0)) return kBadRequest;
+    if (!target || capacity < 0) capacity = 0;
+    TranscoderImpl *t = self(h);
+
+    Scratch<UChar, 512> midBuf;
+    // A byte gives at most two units in every encoding ICU knows.
+    const size_t room = size_t(bytes) * 2 + 4;
+    UChar *mid = midBuf.get(room);
+    size_t length = 0;
+    const bool sourceOk = decode(t, static_cast<const uint8_t *>(source), bytes, mid, room, length);
+
+    uint8_t *out = static_cast<uint8_t *>(target);
+    const uint32_t to = t->base.encodingId;
+    const Encoded e = (to == ZV_ENCODING_UTF16 || to == ZV_ENCODING_LOCALE_TEXT)
+                          ? encodeSimple(to, mid, length, out, size_t(capacity))
+                          : encodeIcu(t->encoder, mid, length, out, size_t(capacity));
+    *produced = int64_t(e.written);
+    if (e.full) return ZV_TARGET_TOO_SMALL;
+    if (e.bad || !sourceOk) return kCannotShow;
+    return 0;
+}
+
+void release(HostTranscoder *h) {
+    if (!h) return;
+    TranscoderImpl *t = self(h);
+    if (t->onRelease) t->onRelease(h);
+    if (t->decoder) ucnv_close(t->decoder);
+    if (t->encoder) ucnv_close(t->encoder);
+    delete t;
+}
+
+const HostTranscoderOps kOps = {transcode, release};
+
+} // namespace
+
+std::optional<uint32_t> encodingIdOf(std::string_view name) { return Registry::get().idOf(name); }
+
+std::string encodingName(uint32_t id) {
+    if (id == ZV_ENCODING_UTF16) return "UTF-16LE";
+    if (id == ZV_ENCODING_LOCALE_TEXT) return "locale-text";
+    const std::string icu = Registry::get().icuName(id);
+    if (icu.empty()) return {};
+    UErrorCode err = U_ZERO_ERROR;
+    for (const char *standard : {"MIME", "IANA"}) {
+        err = U_ZERO_ERROR;
+        const char *name = ucnv_getStandardName(icu.c_str(), standard, &err);
+        if (U_SUCCESS(err) && name && *name) return name;
+    }
+    return icu;
+}
+
+HostTranscoder *makeTranscoder(uint32_t from, uint32_t to, std::function<void(HostTranscoder *)> onRelease) {
+    if (!knownId(from) || !knownId(to)) return nullptr;
+    auto *t = new TranscoderImpl;
+    t->base.ops = &kOps;
+    t->base.encodingId = to;
+    t->base.sourceEncodingId = from;
+    bool ok = true;
+    if (from != ZV_ENCODING_UTF16 && from != ZV_ENCODING_LOCALE_TEXT) ok = (t->decoder = openStopping(from));
+    if (ok && to != ZV_ENCODING_UTF16 && to != ZV_ENCODING_LOCALE_TEXT) ok = (t->encoder = openStopping(to));
+    if (!ok) {
+        release(&t->base);
+        return nullptr;
+    }
+    t->onRelease = std::move(onRelease);
+    return &t->base;
+}
+
+} // namespace zvhost

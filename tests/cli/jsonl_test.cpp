@@ -1,6 +1,9 @@
 // The JSON-lines protocol, driven as a coprocess: one line out, one answer in.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <optional>
+
 #include "helpers.hpp"
 
 namespace {
@@ -184,15 +187,49 @@ TEST(Jsonl, FormatAnswersOnBothEntries) {
     const Json b = parsed(zv.ask(R"({"name": ")" + ready->name + R"(", "bits": "FFFFBE0000000000", "decimals": )" +
                                  std::to_string(ready->maxDecimals) + "}"));
     EXPECT_EQ(b["text"], blanks + 'A');
-    // Byte entry in UTF-16BE: every character two bytes.
-    const Json u = parsed(zv.ask(R"({"name": ")" + ready->name +
-                                 R"(", "value": ".", "entry": "byte", "encoding": "UTF-16BE", "outputCapacity": )" +
-                                 std::to_string(2 * w) + R"(, "width": )" + std::to_string(w) + "}"));
-    ASSERT_FALSE(u.contains("error")) << u.dump();
-    std::string hex;
-    for (int i = 0; i < w - 1; ++i) hex += "0020";
-    EXPECT_EQ(u["hex"], hex + "002e");
-    EXPECT_EQ(u["text"], blanks + '.');
+}
+
+// A host encoding of two bytes a character, where the field's blanks don't
+// fit the width in bytes: a date row keeps what fitted, a number row keeps
+// its mark right-justified behind 8-bit blanks.
+TEST(Jsonl, ByteEntryOverflowByJustification) {
+    std::optional<clitest::ListedRow> left, right;
+    for (const auto &row : clitest::listedRows()) {
+        if (row.informat || !row.ready) continue;
+        const bool isLeft = row.name.rfind("NLDAT", 0) == 0 || row.name.rfind("NLTIM", 0) == 0 ||
+                            row.name.find("WEEK") != std::string::npos;
+        if (isLeft && !left) left = row;
+        if (!isLeft && !right) right = row;
+    }
+    Coprocess zv;
+    auto ask = [&](const clitest::ListedRow &row, int w) {
+        return parsed(zv.ask(R"({"name": ")" + row.name + R"(", "value": ".", "entry": "byte", )"
+                             R"("encoding": "UTF-16BE", "width": )" + std::to_string(w) + "}"));
+    };
+    if (left) {
+        for (int w = std::max(left->minWidth, 10); w <= std::max(left->minWidth, 10) + 3; ++w) {
+            const Json a = ask(*left, w);
+            ASSERT_FALSE(a.contains("error")) << a.dump();
+            std::string hex;
+            for (int i = 0; i < w / 2; ++i) hex += "0020";
+            EXPECT_EQ(a["status"], 0) << left->name << w;
+            EXPECT_EQ(a["hex"], hex) << left->name << w;
+            EXPECT_EQ(a["outputLength"], w / 2 * 2) << left->name << w;
+            EXPECT_EQ(a["text"], std::string(static_cast<size_t>(w / 2), ' '));
+        }
+    }
+    if (right) {
+        for (int w = std::max(right->minWidth, 2); w <= std::max(right->minWidth, 2) + 3; ++w) {
+            const Json a = ask(*right, w);
+            ASSERT_FALSE(a.contains("error")) << a.dump();
+            std::string hex;
+            for (int i = 0; i < w - 2; ++i) hex += "20";
+            EXPECT_EQ(a["status"], 0) << right->name << w;
+            EXPECT_EQ(a["hex"], hex + "002e") << right->name << w;
+            EXPECT_EQ(a["outputLength"], w) << right->name << w;
+        }
+    }
+    if (!left && !right) GTEST_SKIP() << "no format is built yet";
 }
 
 TEST(Jsonl, InformatAnswerFields) {

@@ -493,6 +493,7 @@ const Example kInformatExamples[] = {
 };
 
 const Example kTranscoderCandidates[] = {
+    {"NLMNY16.2", "1234.5", "de_DE"},
     {"NLSTRMON12", "2", "fr_FR"},
     {"NLMNIEUR16.2", "1234.5", "de_DE"},
     {"NLDATE20", "2024-02-05", "fr_FR"},
@@ -612,7 +613,7 @@ int runDemo(const Args &a) {
             continue;
         const std::string left = std::string(e.spec) + " " + e.input + "  " + e.locale;
         demoLine(left, "[" + u.utf8 + "]");
-        for (const char *enc : {"UTF-8", "windows-1252", "UTF-16BE"}) {
+        for (const char *enc : {"UTF-8", "windows-1252", "ISO-8859-15"}) {
             p->spec.encoding = enc;
             const zvhost::FormatResult r = zvhost::runFormat(host, *p->row, p->spec, v);
             demoLine(std::string("    ") + enc, r.error.empty() ? zvfmt::hexBytes(r.bytes) + (r.status ? "  status " + zvfmt::statusText(r.status) : "")

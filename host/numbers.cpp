@@ -1,358 +1,417 @@
-// Number text of the reference host's locales: the plain, best-fit and
-// grouped forms that formatNumber writes, the readers behind parseDouble and
-// parseInteger, and decimalExponent.
+// The host's number services on std::to_chars and std::from_chars.
 //
-// Digits come from the exact decimal expansion of the double (std::to_chars
-// with enough places), rounded here half away from zero, so every form is
-// correctly rounded whatever the C library's printf does.
-#include <bit>
+// to_chars rounds correctly but takes ties to even; the host takes them away
+// from zero. A double is a tie at a rounding place only when its exact binary
+// value ends there in a 5, which can be told from its binary exponent (for
+// places behind the point) or from its exact integer digits (for places in
+// front of it). A tie is then rounded from the next double up, which lies
+// above the tie and below the next rounding boundary.
+#include "numbers.hpp"
+
 #include <charconv>
 #include <cmath>
 #include <cstring>
-#include <string>
-
-#include "numbers.hpp"
-#include "zvhost.hpp"
 
 namespace zvhost {
+
 namespace {
 
-// value = 0.d1 d2 d3 ... x 10^exp10, d1 not zero; no digits means zero.
-struct Decimal {
-    bool negative = false;
-    std::string digits;
-    int exp10 = 0;
-    bool zero() const { return digits.empty(); }
+constexpr int kMaxDecimals = 99;
+constexpr int kTextRoom = 512; // 309 integer digits, a point, 99 decimals, a sign
+
+bool isMissingBits(double v) {
+    uint64_t b;
+    std::memcpy(&b, &v, sizeof b);
+    return (b >> 48) == 0xFFFFu;
+}
+
+char missingMarkOf(double v) {
+    uint64_t b;
+    std::memcpy(&b, &v, sizeof b);
+    const auto letter = static_cast<uint8_t>(~(b >> 40) & 0xFFu);
+    if (letter == '-') return '_';
+    if (letter >= 'A' && letter <= 'Z') return static_cast<char>(letter);
+    return '.';
+}
+
+// The exponent of the lowest set bit of a positive finite double: the value
+// is odd * 2^result.
+int lowestBitExponent(double a) {
+    int exp = 0;
+    const double m = std::frexp(a, &exp);
+    auto mantissa = static_cast<uint64_t>(std::ldexp(m, 53));
+    int e = exp - 53;
+    while (mantissa && (mantissa & 1u) == 0) {
+        mantissa >>= 1;
+        ++e;
+    }
+    return e;
+}
+
+// True when a (positive, finite) lies exactly half way between two multiples
+// of 10^-places.
+bool isTie(double a, int places) {
+    if (a == 0) return false;
+    const int low = lowestBitExponent(a);
+    if (places >= 0) return low == -(places + 1);
+    if (low < 0) return false; // not an integer
+    char digits[kTextRoom];
+    auto r = std::to_chars(digits, digits + sizeof digits, a, std::chars_format::fixed, 0);
+    const int n = static_cast<int>(r.ptr - digits);
+    const int zeros = -places - 1;
+    if (n < zeros + 1) return false;
+    if (digits[n - zeros - 1] != '5') return false;
+    for (int i = n - zeros; i < n; ++i)
+        if (digits[i] != '0') return false;
+    return true;
+}
+
+// Adds one unit in the last digit of a digit text that may hold one '.';
+// a carry out of the first digit puts a '1' in front. Returns the length.
+int incrementLast(char *text, int n) {
+    int i = n - 1;
+    for (; i >= 0; --i) {
+        if (text[i] == '.') continue;
+        if (text[i] == '9') {
+            text[i] = '0';
+            continue;
+        }
+        ++text[i];
+        return n;
+    }
+    std::memmove(text + 1, text, size_t(n));
+    text[0] = '1';
+    return n + 1;
+}
+
+// |a| with `places` decimals, rounded half away from zero. Returns the length.
+// At a tie the text with one place more is exact and ends in 5: that 5 goes
+// and the rest rounds up.
+int fixedDigits(double a, int places, char *out) {
+    if (!isTie(a, places)) {
+        auto r = std::to_chars(out, out + kTextRoom, a, std::chars_format::fixed, places);
+        return static_cast<int>(r.ptr - out);
+    }
+    auto r = std::to_chars(out, out + kTextRoom, a, std::chars_format::fixed, places + 1);
+    int n = static_cast<int>(r.ptr - out) - 1; // without the 5
+    if (places == 0) --n;                      // and without the point
+    return incrementLast(out, n);
+}
+
+// The decimal exponent of a positive finite double.
+int exponentOf(double a) {
+    char s[64];
+    auto r = std::to_chars(s, s + sizeof s, a, std::chars_format::scientific, 24);
+    const char *e = static_cast<const char *>(std::memchr(s, 'e', size_t(r.ptr - s)));
+    int exp = 0;
+    std::from_chars(e + (e[1] == '+' ? 2 : 1), r.ptr, exp);
+    return exp;
+}
+
+// |a| in E-notation with `places` mantissa decimals, rounded half away from
+// zero: "1.25E+3", "5E-7". Returns the length; *exponent gets the exponent.
+int scientificDigits(double a, int places, char *out, int *exponent = nullptr) {
+    const bool tie = a != 0 && isTie(a, places - exponentOf(a));
+    char s[80];
+    auto r = std::to_chars(s, s + sizeof s, a, std::chars_format::scientific, places + (tie ? 1 : 0));
+    const char *e = static_cast<const char *>(std::memchr(s, 'e', size_t(r.ptr - s)));
+    int exp = 0;
+    std::from_chars(e + (e[1] == '+' ? 2 : 1), r.ptr, exp);
+    int n = static_cast<int>(e - s);
+    std::memcpy(out, s, size_t(n));
+    if (tie) {
+        --n;                     // the exact 5
+        if (places == 0) --n;    // and the point before it
+        n = incrementLast(out, n);
+        if (out[0] == '1' && out[1] == '0' && (places == 0 ? n == 2 : out[2] == '.')) {
+            // 9.95 became 10.0: one digit in front of the point again.
+            if (places == 0) {
+                n = 1;
+            } else {
+                out[1] = '.';
+                out[2] = '0';
+                n -= 1;
+            }
+            ++exp;
+        }
+    }
+    out[n++] = 'E';
+    out[n++] = exp < 0 ? '-' : '+';
+    auto w = std::to_chars(out + n, out + n + 16, exp < 0 ? -exp : exp);
+    n = static_cast<int>(w.ptr - out);
+    if (exponent) *exponent = exp;
+    return n;
+}
+
+struct Text {
+    char c[kTextRoom + 8];
+    int n = 0;
 };
 
-void trimTrailingZeros(Decimal &d) {
-    while (!d.digits.empty() && d.digits.back() == '0') d.digits.pop_back();
+bool negativeValue(double v) { return std::signbit(v) && v != 0; }
+
+// sign + digits of the plain form with exactly `places` decimals.
+void plainAt(double v, int places, Text &t) {
+    t.n = 0;
+    if (negativeValue(v)) t.c[t.n++] = '-';
+    t.n += fixedDigits(std::fabs(v), places, t.c + t.n);
 }
 
-Decimal exactDecimal(double v) {
-    Decimal d;
-    d.negative = std::signbit(v);
-    const double a = std::fabs(v);
-    if (a == 0 || !std::isfinite(a)) return d;
-    int e = 0;
-    const double f = std::frexp(a, &e);
-    const uint64_t mantissa = uint64_t(std::ldexp(f, 53));
-    const int binaryExp = e - 53;
-    int places = 0;
-    if (binaryExp < 0) places = std::max(0, -binaryExp - std::countr_zero(mantissa));
-    char buf[1600];
-    const auto r = std::to_chars(buf, buf + sizeof buf, a, std::chars_format::fixed, places);
-    const std::string text(buf, r.ptr);
-    const size_t point = text.find('.');
-    const std::string whole = point == std::string::npos ? text : text.substr(0, point);
-    const std::string frac = point == std::string::npos ? std::string() : text.substr(point + 1);
-    std::string all = whole + frac;
-    size_t lead = 0;
-    while (lead < all.size() && all[lead] == '0') ++lead;
-    d.digits = all.substr(lead);
-    d.exp10 = int(whole.size()) - int(lead);
-    trimTrailingZeros(d);
-    return d;
+void sciAt(double v, int places, Text &t) {
+    t.n = 0;
+    if (negativeValue(v)) t.c[t.n++] = '-';
+    t.n += scientificDigits(std::fabs(v), places, t.c + t.n);
 }
 
-// Keep the first `keep` digits, rounding half away from zero.
-void roundTo(Decimal &d, int keep) {
-    if (d.zero() || keep >= int(d.digits.size())) return;
-    if (keep < 0) {
-        d.digits.clear();
-        return;
-    }
-    const bool up = d.digits[size_t(keep)] >= '5';
-    d.digits.resize(size_t(keep));
-    if (up) {
-        while (!d.digits.empty() && d.digits.back() == '9') d.digits.pop_back();
-        if (d.digits.empty()) {
-            d.digits = "1";
-            d.exp10 += 1;
-        } else {
-            d.digits.back() = char(d.digits.back() + 1);
-        }
-    }
-    trimTrailingZeros(d);
+void stars(Text &t, int width) {
+    t.n = width < kTextRoom ? width : kTextRoom;
+    std::memset(t.c, '*', size_t(t.n));
 }
 
-char digitAt(const Decimal &d, int power) {
-    const int index = d.exp10 - 1 - power;
-    return index >= 0 && index < int(d.digits.size()) ? d.digits[size_t(index)] : '0';
-}
-
-// Fixed text with `places` decimals; the leading "0" of a value below 1 is
-// written when `leadingZero` is set or there are no decimals.
-std::string fixedText(const Decimal &d, int places, bool leadingZero = true, bool grouped = false) {
-    std::string s;
-    if (d.negative && !d.zero()) s += '-';
-    if (d.zero() || d.exp10 <= 0) {
-        if (leadingZero || places == 0) s += '0';
-    } else {
-        for (int p = d.exp10 - 1; p >= 0; --p) {
-            s += digitAt(d, p);
-            if (grouped && p > 0 && p % 3 == 0) s += ',';
-        }
-    }
-    if (places > 0) {
-        s += '.';
-        for (int p = -1; p >= -places; --p) s += digitAt(d, p);
-    }
-    return s;
-}
-
-// E-notation with `places` digits behind the point: 1.5E10, -2E-7.
-std::string scientificText(const Decimal &d, int places) {
-    std::string s;
-    if (d.negative && !d.zero()) s += '-';
-    s += d.zero() ? '0' : d.digits[0];
-    if (places > 0) {
-        s += '.';
-        for (int i = 1; i <= places; ++i) s += i < int(d.digits.size()) ? d.digits[size_t(i)] : '0';
-    }
-    const int exponent = d.zero() ? 0 : d.exp10 - 1;
-    s += exponent < 0 ? "E-" : "E+";
-    s += std::to_string(exponent < 0 ? -exponent : exponent);
-    return s;
-}
-
-// The widest E-notation that fits `width`, with at most `maxPlaces` places.
-bool scientificFit(const Decimal &exact, int width, int maxPlaces, std::string &out) {
-    for (int places = std::min(maxPlaces, 17); places >= 0; --places) {
-        Decimal r = exact;
-        roundTo(r, places + 1);
-        const std::string s = scientificText(r, places);
-        if (int(s.size()) <= width) {
-            out = s;
-            return true;
-        }
+// The widest E-notation text that fits, or false.
+bool fitScientific(double v, int width, Text &t) {
+    for (int places = width < 20 ? width : 20; places >= 0; --places) {
+        sciAt(v, places, t);
+        if (t.n <= width) return true;
     }
     return false;
 }
 
-bool isMissing(double v) { return (std::bit_cast<uint64_t>(v) >> 48) == 0xFFFF; }
-
-// Significant digits of the shortest text that reads back as the same double.
-int shortestDigits(double v) {
-    char buf[64];
-    const auto r = std::to_chars(buf, buf + sizeof buf, std::fabs(v), std::chars_format::scientific);
-    int n = 0;
-    for (const char *p = buf; p < r.ptr && *p != 'e'; ++p)
-        if (*p >= '0' && *p <= '9') ++n;
-    return std::max(n, 1);
+int32_t plainForm(double v, int width, int decimals, Text &t) {
+    plainAt(v, 0, t);
+    if (t.n <= width) {
+        // Rounding at finer places never lengthens the integer part.
+        const int room = width - t.n - 1;
+        const int places = decimals < room ? decimals : (room > 0 ? room : 0);
+        if (places > 0) plainAt(v, places, t);
+        return places == decimals ? 0 : kNumberNotPlain;
+    }
+    if (!fitScientific(v, width, t)) stars(t, width);
+    return kNumberNotPlain;
 }
 
-std::string plainForm(const Decimal &exact, int width, int decimals, bool grouped, int32_t &status) {
-    status = 0;
-    if (grouped) {
-        Decimal r = exact;
-        roundTo(r, r.exp10 + decimals);
-        std::string s = fixedText(r, decimals, true, true);
-        if (int(s.size()) <= width) return s;
-        int32_t plainStatus = 0;
-        s = plainForm(exact, width, decimals, false, plainStatus);
-        status = plainStatus == 0 ? kNumberUngrouped : plainStatus;
-        return s;
+// Commas between groups of three integer digits.
+void group(Text &t) {
+    const int start = t.c[0] == '-' ? 1 : 0;
+    int end = start;
+    while (end < t.n && t.c[end] >= '0' && t.c[end] <= '9') ++end;
+    const int digits = end - start;
+    if (digits <= 3) return;
+    const int commas = (digits - 1) / 3;
+    std::memmove(t.c + end + commas, t.c + end, size_t(t.n - end));
+    int from = end - 1, to = end + commas - 1, count = 0;
+    while (from >= start) {
+        t.c[to--] = t.c[from--];
+        if (++count % 3 == 0 && from >= start) t.c[to--] = ',';
     }
-    for (int places = decimals; places >= 0; --places) {
-        Decimal r = exact;
-        roundTo(r, r.exp10 + places);
-        const std::string s = fixedText(r, places);
-        if (int(s.size()) <= width) {
-            status = places == decimals ? 0 : kNumberNotPlain;
-            return s;
-        }
-    }
-    status = kNumberNotPlain;
-    std::string s;
-    if (scientificFit(exact, width, 16, s)) return s;
-    return std::string(size_t(width), '*');
+    t.n += commas;
 }
 
-// Fixed text with at most `places` decimals, trailing zeros of the fraction dropped.
-std::string shortFixed(const Decimal &exact, int places, bool leadingZero) {
-    Decimal r = exact;
-    roundTo(r, r.exp10 + places);
-    std::string s = fixedText(r, places, leadingZero);
-    if (s.find('.') != std::string::npos) {
-        while (s.back() == '0') s.pop_back();
-        if (s.back() == '.') s.pop_back();
+// Significant digits a plain text shows: from the first nonzero digit on.
+int shownDigits(const Text &t) {
+    int count = 0;
+    bool started = false;
+    for (int i = 0; i < t.n; ++i) {
+        const char c = t.c[i];
+        if (c < '0' || c > '9') continue;
+        if (c != '0') started = true;
+        if (started) ++count;
     }
-    if (s.empty() || s == "-") s = "0";
-    return s;
+    return count;
 }
 
-std::string bestFitForm(double value, const Decimal &exact, int width, int32_t &status) {
-    status = 0;
-    if (exact.zero()) return "0";
-    const int sign = exact.negative ? 1 : 0;
-    const int cap = shortestDigits(value);
-    if (exact.exp10 >= 1 && sign + exact.exp10 <= width) {
-        // The integer part fits: as many decimals as the field and the digits allow.
-        int places = std::min(std::max(width - sign - exact.exp10 - 1, 0), std::max(cap - exact.exp10, 0));
-        for (; places >= 0; --places) {
-            const std::string s = shortFixed(exact, places, true);
-            if (int(s.size()) <= width) return s;
-        }
-    }
-    if (exact.exp10 <= 0) {
-        // Below 1: fixed while it shows as many digits as E-notation would.
-        std::string e;
-        const bool eFits = scientificFit(exact, width, cap - 1, e);
-        int eDigits = 0;
-        if (eFits)
-            for (char c : e) {
-                if (c == 'E') break;
-                if (c >= '0' && c <= '9') ++eDigits;
-            }
-        const int want = std::min(cap, std::max(eDigits, 1));
-        for (bool leadingZero : {true, false}) {
-            const int room = width - sign - (leadingZero ? 2 : 1);
-            if (room < 1) continue;
-            if (room + exact.exp10 >= want) {
-                const int places = std::min(room, cap - exact.exp10);
-                return shortFixed(exact, places, leadingZero);
-            }
-        }
-        if (eFits) return e;
-        const int room = width - sign - 1;
-        if (room >= 1) return shortFixed(exact, room, false);
-        return "0";
-    }
-    std::string e;
-    if (scientificFit(exact, width, cap - 1, e)) return e;
-    status = kNumberNotPlain;
-    return std::string(size_t(width), '*');
+// Drops trailing zeros of a fraction (and a point left alone) from a plain
+// text, or from the mantissa of an E-notation text.
+void dropTrailingZeros(Text &t) {
+    if (!std::memchr(t.c, '.', size_t(t.n))) return;
+    const char *e = static_cast<const char *>(std::memchr(t.c, 'E', size_t(t.n)));
+    const int end = e ? int(e - t.c) : t.n;
+    int cut = end;
+    while (cut > 0 && t.c[cut - 1] == '0') --cut;
+    if (cut > 0 && t.c[cut - 1] == '.') --cut;
+    std::memmove(t.c + cut, t.c + end, size_t(t.n - end));
+    t.n -= end - cut;
 }
 
-bool blank(char16_t c) { return c == u' ' || c == u'\t'; }
+int32_t bestFitForm(double v, int width, Text &t) {
+    if (v == 0) {
+        t.c[0] = '0';
+        t.n = 1;
+        return 0;
+    }
+    Text fixed, sci;
+    bool fixedFits = false;
+    plainAt(v, 0, fixed);
+    if (fixed.n <= width) {
+        fixedFits = true;
+        int room = width - fixed.n - 1;
+        if (room > kMaxDecimals) room = kMaxDecimals;
+        if (room > 0) plainAt(v, room, fixed);
+    }
+    const bool sciFits = fitScientific(v, width, sci);
+    int sciDigits = 0;
+    if (sciFits) {
+        const char *e = static_cast<const char *>(std::memchr(sci.c, 'E', size_t(sci.n)));
+        for (const char *p = sci.c; p < e; ++p)
+            if (*p >= '0' && *p <= '9') ++sciDigits;
+    }
+    if (fixedFits && shownDigits(fixed) > 0 && shownDigits(fixed) >= sciDigits) {
+        t = fixed;
+    } else if (sciFits) {
+        t = sci;
+    } else if (fixedFits) {
+        t = fixed;
+    } else {
+        stars(t, width);
+        return kNumberNotPlain;
+    }
+    dropTrailingZeros(t);
+    return 0;
+}
+
+// Right-justifies the text in `width` units of the target.
+int32_t place(const Text &t, int32_t width, ZvChar *target, int64_t capacity, int64_t *produced) {
+    const int64_t written = capacity < width ? (capacity > 0 ? capacity : 0) : width;
+    const int64_t lead = width - t.n;
+    for (int64_t i = 0; i < written; ++i)
+        target[i] = i < lead ? u' ' : static_cast<ZvChar>(static_cast<unsigned char>(t.c[i - lead]));
+    if (produced) *produced = written;
+    return written < width ? ZV_TARGET_TOO_SMALL : 0;
+}
 
 } // namespace
 
-int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t flags, ZvChar *target,
-                         int64_t capacity, int64_t *produced) {
+int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t flags,
+                         ZvChar *target, int64_t capacity, int64_t *produced) {
     if (produced) *produced = 0;
-    if (width < 1 || width > 4096 || !target || capacity < 0) return kNumberBadRequest;
-    if (flags != ZV_NUMBER_PLAIN && flags != ZV_NUMBER_GROUPED && flags != ZV_NUMBER_BEST_FIT)
-        return kNumberBadRequest;
-    std::u16string field(size_t(width), u' ');
+    const bool plain = flags == ZV_NUMBER_PLAIN;
+    const bool grouped = flags == ZV_NUMBER_GROUPED;
+    const bool bestFit = flags == ZV_NUMBER_BEST_FIT;
+    if (width < 1 || !target || !(plain || grouped || bestFit)) return kNumberBadRequest;
+    if (decimals < 0) decimals = 0;
+    if (decimals > kMaxDecimals) decimals = kMaxDecimals;
+
+    Text t;
     int32_t status = 0;
-    if (isMissing(value)) {
-        field.back() = char16_t(missingMark(value));
+    if (isMissingBits(value)) {
+        t.c[0] = missingMarkOf(value);
+        t.n = 1;
     } else if (!std::isfinite(value)) {
-        field.assign(size_t(width), u'*');
+        stars(t, width);
         status = kNumberNotPlain;
+    } else if (bestFit) {
+        status = bestFitForm(value, width, t);
+    } else if (grouped) {
+        plainAt(value, decimals, t);
+        group(t);
+        if (t.n > width) {
+            status = plainForm(value, width, decimals, t);
+            if (status == 0) status = kNumberUngrouped;
+        }
     } else {
-        decimals = std::clamp(decimals, 0, 340);
-        const Decimal exact = exactDecimal(value);
-        std::string text;
-        if (flags == ZV_NUMBER_GROUPED) text = plainForm(exact, width, decimals, true, status);
-        else if (flags == ZV_NUMBER_BEST_FIT) text = bestFitForm(value, exact, width, status);
-        else text = plainForm(exact, width, decimals, false, status);
-        std::copy(text.begin(), text.end(), field.end() - std::ptrdiff_t(text.size()));
+        status = plainForm(value, width, decimals, t);
     }
-    const int64_t n = std::min<int64_t>(capacity, width);
-    std::copy(field.begin(), field.begin() + n, target);
-    if (produced) *produced = n;
-    return n < width ? ZV_TARGET_TOO_SMALL : status;
+    if (t.n > width) stars(t, width);
+    const int32_t placed = place(t, width, target, capacity, produced);
+    return placed != 0 ? placed : status;
 }
 
 namespace {
 
-int32_t readNumber(std::u16string_view text, double &value, int64_t &used) {
-    size_t i = 0, n = text.size();
-    while (i < n && blank(text[i])) ++i;
-    size_t end = n;
-    while (end > i && blank(text[end - 1])) --end;
-    if (i == end) return kNumberUnreadable;
-    if (end - i == 1 && text[i] == u'.') {
-        value = std::bit_cast<double>(uint64_t(ZV_MISSING_BITS));
-        used = int64_t(n);
-        return 0;
-    }
-    std::string ascii;
-    size_t k = i;
-    bool negative = false;
-    if (text[k] == u'+' || text[k] == u'-') negative = text[k++] == u'-';
-    size_t digits = 0;
-    while (k < end && text[k] >= u'0' && text[k] <= u'9') ascii += char(text[k++]), ++digits;
-    if (k < end && text[k] == u'.') {
-        ascii += '.';
-        ++k;
-        while (k < end && text[k] >= u'0' && text[k] <= u'9') ascii += char(text[k++]), ++digits;
-    }
-    if (digits == 0) return kNumberUnreadable;
-    if (k < end && (text[k] == u'E' || text[k] == u'e')) {
-        ascii += 'e';
-        ++k;
-        if (k < end && (text[k] == u'+' || text[k] == u'-')) ascii += char(text[k++]);
-        size_t expDigits = 0;
-        while (k < end && text[k] >= u'0' && text[k] <= u'9') ascii += char(text[k++]), ++expDigits;
-        if (expDigits == 0) return kNumberUnreadable;
-    }
-    if (k != end) return kNumberUnreadable;
-    double v = 0;
-    const auto r = std::from_chars(ascii.data(), ascii.data() + ascii.size(), v, std::chars_format::general);
-    if (r.ec != std::errc() || r.ptr != ascii.data() + ascii.size() || !std::isfinite(v)) return kNumberUnreadable;
-    value = negative ? -v : v;
-    used = int64_t(n);
-    return 0;
+int64_t skipBlanks(const ZvChar *text, int64_t i, int64_t length) {
+    while (i < length && text[i] == u' ') ++i;
+    return i;
 }
 
-int32_t readInteger(std::u16string_view text, int64_t &value, int64_t &used) {
-    size_t i = 0, n = text.size();
-    while (i < n && blank(text[i])) ++i;
-    size_t end = n;
-    while (end > i && blank(text[end - 1])) --end;
-    if (i == end) return kNumberUnreadable;
-    bool negative = false;
-    if (text[i] == u'+' || text[i] == u'-') negative = text[i++] == u'-';
-    if (i == end) return kNumberUnreadable;
-    uint64_t magnitude = 0;
-    const uint64_t limit = negative ? uint64_t(INT64_MAX) + 1 : uint64_t(INT64_MAX);
-    for (; i < end; ++i) {
-        if (text[i] < u'0' || text[i] > u'9') return kNumberUnreadable;
-        const uint64_t digit = uint64_t(text[i] - u'0');
-        if (magnitude > (limit - digit) / 10) return kNumberUnreadable;
-        magnitude = magnitude * 10 + digit;
-    }
-    value = negative ? int64_t(0 - magnitude) : int64_t(magnitude);
-    used = int64_t(n);
-    return 0;
-}
+bool isDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
 
 } // namespace
 
 int32_t parseDoubleText(const ZvChar *text, int64_t length, double *value, int64_t *used) {
     if (used) *used = 0;
-    if (!value || length < 0 || (!text && length > 0)) return kNumberUnreadable;
-    int64_t n = 0;
-    double v = 0;
-    const int32_t status = readNumber(std::u16string_view(text, size_t(length)), v, n);
-    if (status == 0) {
-        *value = v;
-        if (used) *used = n;
+    if (!text || length < 0 || !value) return kNumberUnreadable;
+    int64_t i = skipBlanks(text, 0, length);
+    char ascii[kTextRoom];
+    int n = 0;
+    const int64_t begin = i;
+    if (i < length && (text[i] == u'+' || text[i] == u'-')) {
+        if (text[i] == u'-') ascii[n++] = '-';
+        ++i;
     }
-    return status;
+    int digits = 0;
+    bool point = false;
+    while (i < length && (isDigit(text[i]) || (text[i] == u'.' && !point))) {
+        if (n >= kTextRoom - 16) return kNumberUnreadable;
+        if (text[i] == u'.') point = true;
+        else ++digits;
+        ascii[n++] = static_cast<char>(text[i++]);
+    }
+    if (digits == 0) {
+        // '.' alone is the missing value.
+        if (point && n == 1 && i - begin == 1 && skipBlanks(text, i, length) == length) {
+            const uint64_t bits = ZV_MISSING_BITS;
+            std::memcpy(value, &bits, sizeof bits);
+            if (used) *used = length;
+            return 0;
+        }
+        return kNumberUnreadable;
+    }
+    if (i < length && (text[i] == u'E' || text[i] == u'e')) {
+        int64_t j = i + 1;
+        int m = n;
+        ascii[m++] = 'e';
+        if (j < length && (text[j] == u'+' || text[j] == u'-')) ascii[m++] = static_cast<char>(text[j++]);
+        int expDigits = 0;
+        while (j < length && isDigit(text[j]) && m < kTextRoom - 1) {
+            ascii[m++] = static_cast<char>(text[j++]);
+            ++expDigits;
+        }
+        if (expDigits == 0) return kNumberUnreadable;
+        n = m;
+        i = j;
+    }
+    if (skipBlanks(text, i, length) != length) return kNumberUnreadable;
+    double v = 0;
+    auto r = std::from_chars(ascii, ascii + n, v, std::chars_format::general);
+    if (r.ec != std::errc() || r.ptr != ascii + n || !std::isfinite(v)) return kNumberUnreadable;
+    *value = v;
+    if (used) *used = length;
+    return 0;
 }
 
 int32_t parseIntegerText(const ZvChar *text, int64_t length, int64_t *value, int64_t *used) {
     if (used) *used = 0;
-    if (!value || length < 0 || (!text && length > 0)) return kNumberUnreadable;
-    int64_t n = 0, v = 0;
-    const int32_t status = readInteger(std::u16string_view(text, size_t(length)), v, n);
-    if (status == 0) {
-        *value = v;
-        if (used) *used = n;
+    if (!text || length < 0 || !value) return kNumberUnreadable;
+    int64_t i = skipBlanks(text, 0, length);
+    char ascii[32];
+    int n = 0;
+    if (i < length && (text[i] == u'+' || text[i] == u'-')) {
+        if (text[i] == u'-') ascii[n++] = '-';
+        ++i;
     }
-    return status;
+    const int signLength = n;
+    while (i < length && isDigit(text[i])) {
+        if (n >= int(sizeof ascii) - 1) return kNumberUnreadable;
+        ascii[n++] = static_cast<char>(text[i++]);
+    }
+    if (n == signLength) return kNumberUnreadable;
+    if (skipBlanks(text, i, length) != length) return kNumberUnreadable;
+    int64_t v = 0;
+    auto r = std::from_chars(ascii, ascii + n, v);
+    if (r.ec != std::errc() || r.ptr != ascii + n) return kNumberUnreadable;
+    *value = v;
+    if (used) *used = length;
+    return 0;
 }
 
 int32_t decimalExponent(double value, int32_t digits) {
     if (!std::isfinite(value) || value == 0) return 0;
-    Decimal d = exactDecimal(value);
-    roundTo(d, std::max(digits, 1));
-    return d.exp10 - 1;
+    if (digits < 1) digits = 1;
+    if (digits > 40) digits = 40;
+    char s[80];
+    int exponent = 0;
+    scientificDigits(std::fabs(value), digits - 1, s, &exponent);
+    return exponent;
 }
 
 } // namespace zvhost

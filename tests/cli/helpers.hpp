@@ -48,6 +48,13 @@ inline std::vector<ListedRow> listedRows() {
     return rows;
 }
 
+// The first pending row of either kind.
+inline std::optional<ListedRow> firstPending() {
+    for (const ListedRow &row : listedRows())
+        if (!row.ready) return row;
+    return std::nullopt;
+}
+
 inline std::optional<ListedRow> firstRow(bool informat, bool ready) {
     for (const ListedRow &row : listedRows())
         if (row.informat == informat && row.ready == ready) return row;

@@ -209,9 +209,13 @@ double zoneOffset(HostTimeZone *t, double seconds, int32_t) {
     const UDate local = (seconds - kEpochShift) * 1000.0;
     int32_t raw = 0, dst = 0;
     UErrorCode err = U_ZERO_ERROR;
-    // A wall time in a spring gap takes the offset before the change, a
-    // repeated one the offset after it (ICU Calendar's reading by default).
+    // The wall time is read as ICU's Calendar reads it by default: one in a
+    // spring gap by the offset before the change, a repeated one as its later
+    // occurrence. The answer is the offset in force at the instant so found.
     self->zone->getOffsetFromLocal(local, UCAL_TZ_LOCAL_FORMER, UCAL_TZ_LOCAL_LATTER, raw, dst, err);
+    if (U_FAILURE(err)) return 0;
+    const UDate instant = local - double(raw + dst);
+    self->zone->getOffset(instant, false, raw, dst, err);
     if (U_FAILURE(err)) return 0;
     return double(raw + dst) / 1000.0;
 }

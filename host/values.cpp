@@ -88,7 +88,7 @@ char missingMark(double value) {
 
 std::optional<double> parseValue(std::string_view text) {
     if (text == ".") return missingValue('.');
-    if (text.size() == 2 && text[0] == '.') {
+    if (text.size() == 2 && text[0] == '.' && !(text[1] >= '0' && text[1] <= '9')) {
         if ((text[1] >= 'A' && text[1] <= 'Z') || text[1] == '_') return missingValue(text[1]);
         if (text[1] >= 'a' && text[1] <= 'z') return missingValue(char(text[1] - 'a' + 'A'));
         return std::nullopt;

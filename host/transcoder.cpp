@@ -243,8 +243,12 @@ int32_t transcode(HostTranscoder *h, const void *source, int64_t bytes, void *ta
     TranscoderImpl *t = self(h);
 
     Scratch<UChar, 512> midBuf;
-    // A byte gives at most two units in every encoding ICU knows.
-    const size_t room = size_t(bytes) * 2 + 4;
+    // Units the source can give: one per two bytes of UTF-16, one per byte of
+    // locale text, at most two per byte in every encoding ICU knows.
+    const uint32_t from = t->base.sourceEncodingId;
+    const size_t room = from == ZV_ENCODING_UTF16       ? size_t(bytes) / 2 + 2
+                        : from == ZV_ENCODING_LOCALE_TEXT ? size_t(bytes) + 2
+                                                          : size_t(bytes) * 2 + 4;
     UChar *mid = midBuf.get(room);
     size_t length = 0;
     const bool sourceOk = decode(t, static_cast<const uint8_t *>(source), bytes, mid, room, length);

@@ -301,4 +301,24 @@ TEST(Encodings, RandomTextsAgreeWithIcu) {
     }
 }
 
+// Random bytes in every direction: a status, never a write past the capacity.
+TEST(Encodings, RandomBytesNeverOverrun) {
+    std::mt19937 rng(7);
+    std::vector<uint32_t> ids{ZV_ENCODING_UTF16, ZV_ENCODING_LOCALE_TEXT};
+    for (const char *name : kEncodings) ids.push_back(idOf(name));
+    for (uint32_t from : ids)
+        for (uint32_t to : {uint32_t(ZV_ENCODING_UTF16), idOf("UTF-8"), idOf("Shift_JIS"), uint32_t(ZV_ENCODING_LOCALE_TEXT)}) {
+            Transcoder t = make(from, to);
+            ASSERT_TRUE(t) << from << " -> " << to;
+            for (int round = 0; round < 40; ++round) {
+                std::string bytes(size_t(rng() % 600), '\0');
+                for (char &b : bytes) b = char(rng());
+                const int64_t capacity = int64_t(rng() % 700);
+                const Outcome r = run(t.get(), bytes.data(), int64_t(bytes.size()), capacity);
+                EXPECT_TRUE(r.guardIntact) << from << " -> " << to;
+                EXPECT_TRUE(r.status == 0 || r.status == ZV_TARGET_TOO_SMALL || r.status == zvhost::kCannotShow);
+            }
+        }
+}
+
 } // namespace

@@ -414,4 +414,75 @@ TEST(Zones, KnownValuesAndUnknownNames) {
     EXPECT_EQ(ny->ops->timeZoneOffset(ny, std::nan(""), 0), 0.0);
 }
 
+std::string recordOf(const uint8_t *table, int item) {
+    const uint8_t *r = table + ZV_LOCALE_TABLE_OFFSET + item * ZV_LOCALE_RECORD_SIZE;
+    const size_t n = size_t(r[0] | (r[1] << 8));
+    return std::string(reinterpret_cast<const char *>(r + 2), std::min<size_t>(n, 160));
+}
+
+TEST(Locales, TablesWithItemOverridesCachedByNameAndItems) {
+    zvhost::Host host;
+    HostLocale *plain = host.locale("de_DE");
+    ASSERT_NE(plain, nullptr);
+    EXPECT_EQ(host.locale("de_DE"), plain);
+    const uint8_t *table = nullptr;
+    ASSERT_EQ(plain->ops->localeTextTable(plain, 0, &table), 0);
+    ASSERT_NE(table, nullptr);
+    EXPECT_EQ(recordOf(table, 172), ",");
+    EXPECT_EQ(recordOf(table, 59), "Jan.");
+
+    const std::string longText(200, 'x');
+    HostLocale *changed = host.locale("de_DE", {{172, "."}, {59, "J<U00E4>n"}, {2, longText}, {188, ""}});
+    ASSERT_NE(changed, nullptr);
+    EXPECT_NE(changed, plain);
+    EXPECT_EQ(host.locale("de_DE", {{172, "."}, {59, "J<U00E4>n"}, {2, longText}, {188, ""}}), changed);
+    const uint8_t *t2 = nullptr;
+    ASSERT_EQ(changed->ops->localeTextTable(changed, 0, &t2), 0);
+    EXPECT_EQ(recordOf(t2, 172), ".");
+    EXPECT_EQ(recordOf(t2, 59), "J<U00E4>n");
+    EXPECT_EQ(recordOf(t2, 2), std::string(160, 'x'));
+    EXPECT_EQ(recordOf(t2, 60), recordOf(table, 60)) << "items not named stay as CLDR has them";
+    EXPECT_EQ(recordOf(table, 172), ",") << "the plain locale is not touched";
+
+    for (const char *bad : {"", "!!", "xx_NOWHERE_at_all", "en_US@@@"}) EXPECT_EQ(host.locale(bad), nullptr) << bad;
+    EXPECT_NE(host.locale("fr-FR"), nullptr);
+    EXPECT_EQ(plain->ops->localeTextTable(plain, 0, nullptr), zvhost::kBadRequest);
+}
+
+TEST(Locales, NumberServicesAnswerThroughTheLocale) {
+    zvhost::Host host;
+    HostLocale *l = host.locale("en_US");
+    ZvChar out[16];
+    int64_t produced = 16;
+    ASSERT_EQ(l->ops->formatNumber(l, 1234.5, 8, 2, ZV_NUMBER_PLAIN, out, 16, &produced), 0);
+    EXPECT_EQ(std::u16string(out, size_t(produced)), u" 1234.50");
+    HostLocale *grouped = host.anchor()->numberFormatter;
+    ASSERT_EQ(grouped->ops->formatNumber(grouped, 1234567.25, 14, 1, ZV_NUMBER_GROUPED, out, 16, &produced), 0);
+    EXPECT_EQ(std::u16string(out, size_t(produced)), u"   1,234,567.3");
+    double v = 0;
+    int64_t used = 0;
+    const std::u16string text = u" -1.5E3 ";
+    ASSERT_EQ(l->ops->parseDouble(l, text.data(), int64_t(text.size()), &v, &used), 0);
+    EXPECT_EQ(v, -1500.0);
+    int64_t i = 0;
+    ASSERT_EQ(l->ops->parseInteger(l, u"42", 2, 0, &i, &used), 0);
+    EXPECT_EQ(i, 42);
+    const int64_t releasedBefore = host.counters().localesReleased;
+    l->ops->localeRelease(l);
+    EXPECT_EQ(host.counters().localesReleased, releasedBefore + 1);
+    EXPECT_EQ(host.locale("en_US"), l) << "a release leaves the host's cached locale";
+}
+
+TEST(Locales, CurrentLocaleIsTheConfiguredOne) {
+    zvhost::HostConfig config;
+    config.currentLocale = "fr_FR";
+    zvhost::Host host(config);
+    NlsServices *nls = host.nls();
+    EXPECT_EQ(nls->ops->currentLocale(nls), host.locale("fr_FR"));
+    HostAnchor *a = host.anchor();
+    EXPECT_EQ(a->ops->decimalExponent(a, 9.9996, 4), 1);
+    EXPECT_EQ(a->ops->decimalExponent(a, 9.9994, 4), 0);
+    EXPECT_EQ(a->ops->decimalExponent(a, 0.00123, 3), -3);
+}
+
 } // namespace

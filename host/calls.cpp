@@ -30,6 +30,17 @@ bool onlyResultsChanged(const FormatCall &before, const FormatCall &after) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
+// Transcoders from a host encoding back to UTF-16, one per encoding and thread.
+HostTranscoder *decoderFrom(uint32_t encoding) {
+    struct Release {
+        void operator()(HostTranscoder *t) const { t->ops->transcoderRelease(t); }
+    };
+    thread_local std::map<uint32_t, std::unique_ptr<HostTranscoder, Release>> decoders;
+    auto &slot = decoders[encoding];
+    if (!slot) slot.reset(makeTranscoder(encoding, ZV_ENCODING_UTF16));
+    return slot.get();
+}
+
 std::string notBuilt(const FormatTableRow &row) { return "row " + rowName(row) + " is not built yet"; }
 
 // Common preparation of a call; an error text when it can't be made.
@@ -40,8 +51,8 @@ std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec,
     if (!transcoder) return "unknown encoding " + spec.encoding;
     HostLocale *locale = host.locale(spec.locale, spec.items);
     if (!locale) return "unknown locale " + spec.locale;
-    call.width = spec.width < 0 ? int32_t(row.defaultWidth) : spec.width;
-    call.decimals = spec.decimals < 0 ? int32_t(row.defaultDecimals) : spec.decimals;
+    call.width = spec.width == -1 ? int32_t(row.defaultWidth) : spec.width;
+    call.decimals = spec.decimals == -1 ? int32_t(row.defaultDecimals) : spec.decimals;
     call.flags = spec.validate ? ZV_FLAG_CHECK_LIMITS : 0;
     call.locale = locale;
     call.transcoder = transcoder;
@@ -132,13 +143,11 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
     result.bytes.assign(reinterpret_cast<const char *>(out.data()), n);
     // Back to UTF-16 through the same encoding, then to UTF-8.
     if (HostTranscoder *t = call.transcoder; t && n > 0) {
-        HostTranscoder *back = makeTranscoder(t->encodingId, ZV_ENCODING_UTF16);
-        if (back) {
+        if (HostTranscoder *back = decoderFrom(t->encodingId)) {
             std::vector<char16_t> wide(n * 2 + 4);
             int64_t produced = 0;
             back->ops->transcode(back, out.data(), int64_t(n), wide.data(), int64_t(wide.size() * 2), &produced, 0);
             result.wide.assign(wide.data(), size_t(produced / 2));
-            back->ops->transcoderRelease(back);
         }
     }
     result.utf8 = utf8(result.wide);

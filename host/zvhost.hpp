@@ -197,8 +197,8 @@ struct CallSpec {
     std::string locale = "en_US";
     std::map<int, std::string> items; // raw item overrides
     std::string encoding = "UTF-8";   // host encoding of the call's transcoder
-    int32_t width = -1;               // -1: the row's default
-    int32_t decimals = -1;            // -1: the row's default
+    int32_t width = -1;               // -1: the row's default; other values go as they are
+    int32_t decimals = -1;            // -1: the row's default; other values go as they are
     bool measureBytes = false;
     bool validate = false;            // bit 0 of flags
     int32_t fieldLimit = -1;          // -1: the text's length

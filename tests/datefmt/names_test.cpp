@@ -123,7 +123,7 @@ TEST(NamesLimits, CheckedOnlyWhenAsked) {
     ASSERT_NE(host.loadModule(), nullptr);
     for (const char *name : {"NLSTRMON", "NLSTRQTR", "NLSTRWK"}) {
         const FormatTableRow *row = zvhost::findRow(host.instance()->formatTable, name);
-        for (LimitCase l : {LimitCase{0, 0, 2}, LimitCase{201, 0, 3}, LimitCase{5, -1, 4},
+        for (LimitCase l : {LimitCase{0, 0, 2}, LimitCase{201, 0, 3}, LimitCase{5, -2, 4},
                             LimitCase{5, 4, 5}, LimitCase{1, 3, 0}, LimitCase{200, 0, 0}}) {
             zvhost::CallSpec spec;
             spec.items = names();

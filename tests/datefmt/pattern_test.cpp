@@ -1,6 +1,8 @@
 // The % pattern engine on the language's own examples.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include <memory>
 #include <string>
 

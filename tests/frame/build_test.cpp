@@ -1,6 +1,7 @@
 // Building and tearing down the instance: what it holds, what a failure
 // reports, and that every failure gives back all it took.
 #include "fixture.hpp"
+#include "frame/table.hpp"
 
 #include <functional>
 
@@ -27,8 +28,11 @@ void expectNothingHeld(zvhost::Host &host, const std::string &what) {
     for (zvhost::Pool *p : host.createdPools()) {
         EXPECT_TRUE(p->destroyed()) << what << " pool " << p->name();
     }
-    for (auto &j : host.journals())
-        if (j.name == u"zvregional Jnl") EXPECT_EQ(j.releases, 1) << what;
+    for (auto &j : host.journals()) {
+        if (j.name == u"zvregional Jnl") {
+            EXPECT_EQ(j.releases, 1) << what;
+        }
+    }
 }
 
 } // namespace

@@ -44,7 +44,9 @@ TEST(CurrencyTable, EightyTwoRowsInOrderOfCode) {
     for (int i = 0; i < zv::kCurrencyRows; ++i) {
         const std::u16string code(t[i].code);
         ASSERT_EQ(code.size(), 3u) << i;
-        if (i > 0) EXPECT_LT(std::u16string(t[i - 1].code), code);
+        if (i > 0) {
+            EXPECT_LT(std::u16string(t[i - 1].code), code);
+        }
         codes.insert(code);
         EXPECT_EQ(std::u16string(t[i].positiveSign), u" ");
         EXPECT_EQ(std::u16string(t[i].negativeSign), u"-");

@@ -485,4 +485,31 @@ TEST(Locales, CurrentLocaleIsTheConfiguredOne) {
     EXPECT_EQ(a->ops->decimalExponent(a, 0.00123, 3), -3);
 }
 
+// %i, %u and %x with flags and widths against the C library's printf.
+TEST(FormatTextProperty, AgreesWithPrintf) {
+    zvhost::Host host;
+    HostAnchor *a = host.anchor();
+    std::mt19937_64 rng(99);
+    const char *flags[] = {"", "0", "-"};
+    for (int i = 0; i < 3000; ++i) {
+        int64_t v = int64_t(rng());
+        if (i % 3 == 0) v %= 1000;
+        const char *flag = flags[i % 3];
+        const int width = int(rng() % 24);
+        const char conv = "iux"[i % 3];
+        const std::string spec = std::string("<%") + flag + (width ? std::to_string(width) : "") + conv + ">";
+        char expected[64];
+        const std::string cspec = std::string("<%") + flag + (width ? std::to_string(width) : "") +
+                                  (conv == 'i' ? "lld>" : conv == 'u' ? "llu>" : "llx>");
+        if (conv == 'i') std::snprintf(expected, sizeof expected, cspec.c_str(), (long long)v);
+        else std::snprintf(expected, sizeof expected, cspec.c_str(), (unsigned long long)v);
+        const std::u16string format(spec.begin(), spec.end());
+        char16_t out[64];
+        int64_t produced = 0;
+        ASSERT_EQ(a->ops->formatText(a, nullptr, format.data(), int64_t(format.size()), out, 64, &produced, 0, &v), 0);
+        const std::string got(out, out + produced);
+        ASSERT_EQ(got, expected) << spec << " " << v;
+    }
+}
+
 } // namespace

@@ -107,8 +107,9 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
     FormatCall call;
     result.error = prepare(host, row, spec, call);
     if (!result.error.empty()) return result;
-    const int32_t capacity = spec.outputCapacity < 0 ? std::max(call.width, 0) : spec.outputCapacity;
-    call.outputCapacity = capacity;
+    call.outputCapacity = spec.outputCapacity == -1 ? std::max(call.width, 0) : spec.outputCapacity;
+    // A negative capacity goes to the routine as it is; the buffer has none.
+    const int32_t capacity = std::max(call.outputCapacity, 0);
     call.fieldLimit = spec.fieldLimit < 0 ? 0 : spec.fieldLimit;
     const double input = value;
     call.input = &input;
@@ -131,7 +132,7 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
 
     // The byte entry writes up to `width` bytes whatever the capacity says;
     // the buffer has room for that, and anything past `capacity` is an overrun.
-    const size_t room = size_t(std::max(capacity, call.width)) + kGuard;
+    const size_t room = size_t(std::max({capacity, call.width, 0})) + kGuard;
     std::vector<uint8_t> out(room, kByteSentinel);
     call.output = out.data();
     const FormatCall before = call;

@@ -70,8 +70,10 @@ constexpr const char *kFormatHelp = R"TXT(zvfmt NAME[W[.D]] [VALUE...]     zvfmt
 
 NAME is a row of the table in any case (see 'zvfmt list'); W is the width and
 D the decimals, both optional: NLDATE20, nlnum12.2, NLNUM.2, @NLDATE. Without
-them the row's defaults apply. A width or decimals outside the row's limits is
-refused unless --unchecked is given.
+them the row's defaults apply. A width below the row's least width is passed on
+with a note on stderr (the routines handle any width; a host may refuse it); a
+width above the most, or decimals outside the row's limits, is refused unless
+--unchecked is given.
 
 A format prints the text exactly as the routine wrote it, all outputLength
 units, blanks included, one line per value. With -v a tab and "status=N"
@@ -413,7 +415,10 @@ int runConvert(const Args &a) {
         spec.entry = zvhost::Entry::Wide;
     }
     if (!a.unchecked) {
-        if (spec.width < static_cast<int32_t>(row->minWidth) || spec.width > static_cast<int32_t>(row->maxWidth))
+        if (spec.width >= 1 && spec.width < static_cast<int32_t>(row->minWidth))
+            std::fprintf(stderr, "zvfmt: note: %s: width %d is below the row's least width %u, which a host may refuse\n",
+                         name.c_str(), int(spec.width), unsigned(row->minWidth));
+        else if (spec.width < 1 || spec.width > static_cast<int32_t>(row->maxWidth))
             usageError(name + ": width " + std::to_string(spec.width) + " is out of range (" +
                        std::to_string(row->minWidth) + ".." + std::to_string(row->maxWidth) +
                        "; --unchecked passes it on)");

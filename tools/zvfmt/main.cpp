@@ -13,6 +13,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include "cldr.hpp"
+#include "locale/block.hpp"
+
 #include "jsonl.hpp"
 #include "session.hpp"
 #include "value.hpp"
@@ -32,6 +35,9 @@ Usage:
   zvfmt list [LIST OPTIONS]                 the table: name, kind, widths, decimals, state
   zvfmt value VALUE...                      show the double a VALUE stands for
   zvfmt demo [-l LOCALE]                    a short tour of what exists
+  zvfmt locales                             the locales the host knows (from CLDR)
+  zvfmt items [LOCALE] [--header]           a locale's 189 items: number, width,
+                                            raw text and the text as decoded
   zvfmt --jsonl [OPTIONS]                   JSON-lines protocol on stdin and stdout
   zvfmt help [COMMAND]                      help on list, value, demo, jsonl or format
   zvfmt --version
@@ -55,6 +61,9 @@ Options:
                            ZV_NAME_YEARCUTOFF=1920 (repeatable)
       --item N=TEXT        replace raw locale item N (0..188) before the
                            locale block is built; <Uxxxx> escapes allowed
+      --locale-file PATH   a locale definition file: one item a line, the
+                           number, a tab and the raw text; laid over the
+                           locale before --item (repeatable)
       --clock S[,SHIFT]    fix the host clock (a second count, and a shift)
       --validate           let the routine check width and decimals itself
       --unchecked          pass width and decimals outside the row's limits
@@ -146,6 +155,7 @@ struct Args {
     bool formats = false, informats = false, pending = false, ready = false, json = false, header = false;
     std::vector<std::string> listOptions; // which list options were given, for errors elsewhere
     bool localeGiven = false;
+    std::vector<std::string> localeFiles; // --locale-file, applied before --item
     std::vector<std::string> positional;
 };
 
@@ -252,10 +262,28 @@ Args parseArgs(int argc, char **argv) {
         else if (name == "--informats") { flag(a.informats); a.listOptions.push_back(name); }
         else if (name == "--pending") { flag(a.pending); a.listOptions.push_back(name); }
         else if (name == "--ready") { flag(a.ready); a.listOptions.push_back(name); }
+        else if (name == "--locale-file") a.localeFiles.push_back(takeValue());
         else if (name == "--json") { flag(a.json); a.listOptions.push_back(name); }
         else if (name == "--header") { flag(a.header); a.listOptions.push_back(name); }
         else usageError("unknown option " + name);
     }
+    // Locale definition files lay their items over the locale; --item wins over them.
+    std::map<int, std::string> fromFiles;
+    for (const std::string &path : a.localeFiles) {
+        std::FILE *f = std::fopen(path.c_str(), "rb");
+        if (!f) usageError("--locale-file: cannot read \"" + path + "\"");
+        std::string content;
+        char chunk[4096];
+        for (size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) content.append(chunk, n);
+        std::fclose(f);
+        std::map<int, std::string> items;
+        std::string error;
+        if (!zvhost::parseLocaleDefinition(content, items, error))
+            usageError("--locale-file " + path + ": " + error);
+        for (auto &[k, v] : items) fromFiles[k] = v;
+    }
+    for (auto &[k, v] : a.baseline.items) fromFiles[k] = v;
+    a.baseline.items = std::move(fromFiles);
     return a;
 }
 
@@ -634,6 +662,62 @@ int runDemo(const Args &a) {
     return 0;
 }
 
+// ---- locales and items ---------------------------------------------------------
+
+int runLocales(const Args &a) {
+    if (a.positional.size() > 1) usageError("locales takes no arguments, got \"" + a.positional[1] + "\"");
+    for (const std::string &name : zvhost::availableLocales()) printLine(name);
+    return 0;
+}
+
+// The 189 items of a locale: number, raw text and the text the module
+// decodes from it for the host encoding, with the widths it works out.
+int runItems(const Args &a) {
+    if (a.positional.size() > 2) usageError("items takes one locale, got \"" + a.positional[2] + "\"");
+    const std::string locale = a.positional.size() > 1 ? a.positional[1] : a.baseline.locale;
+    auto session = startSession(a.baseline);
+    zvhost::Host &host = session->host();
+    HostLocale *l = host.locale(locale, a.baseline.items);
+    if (!l) usageError("unknown locale \"" + locale + "\"");
+    HostTranscoder *t = host.transcoder(a.baseline.encoding);
+    if (!t) usageError("unknown encoding \"" + a.baseline.encoding + "\"");
+    const uint8_t *table = nullptr;
+    if (l->ops->localeTextTable(l, 0, &table) != 0 || !table) usageError("no text table for \"" + locale + "\"");
+
+    FormatCall call;
+    std::memset(&call, 0, sizeof call);
+    call.locale = l;
+    call.transcoder = t;
+    call.services = host.services();
+    const int32_t status = zv::buildLocaleBlock(&call, host.instance());
+    if (status != 0) {
+        std::fprintf(stderr, "zvfmt: the locale block could not be built (status %s)\n", zvfmt::statusText(status).c_str());
+        return 1;
+    }
+    if (a.header) printLine("ITEM\tWIDTH\tRAW\tDECODED");
+    for (int k = 0; k < ZV_LOCALE_TABLE_ITEMS; ++k) {
+        const uint8_t *record = table + ZV_LOCALE_TABLE_OFFSET + size_t(k) * ZV_LOCALE_RECORD_SIZE;
+        size_t n = size_t(record[0] | (record[1] << 8));
+        if (n > 160) n = 160;
+        std::string raw;
+        for (size_t i = 0; i < n; ++i) {
+            const unsigned char c = record[2 + i];
+            if (c >= 0x20 && c < 0x7f) raw.push_back(char(c));
+            else {
+                char esc[8];
+                std::snprintf(esc, sizeof esc, "\\x%02x", c);
+                raw += esc;
+            }
+        }
+        const LocaleItem &item = call.localeBlock->items[k];
+        std::u16string decoded(item.text, size_t(item.length));
+        for (char16_t &c : decoded)
+            if (c < 0x20) c = u'\u00b7'; // control units (the currency mark 1) shown as a middle dot
+        printLine(std::to_string(k) + "\t" + std::to_string(item.maxWidth) + "\t" + raw + "\t" + zvhost::utf8(decoded));
+    }
+    return 0;
+}
+
 int runHelp(const Args &a) {
     const std::string topic = a.positional.size() > 1 ? a.positional[1] : "";
     if (topic.empty()) std::fputs(kMainHelp, stdout);
@@ -664,7 +748,7 @@ int main(int argc, char **argv) {
         else std::fputs(kFormatHelp, stdout);
         return 0;
     }
-    if (command != "list" && !a.listOptions.empty())
+    if (command != "list" && !a.listOptions.empty() && !(command == "items" && a.header && a.listOptions.size() == 1))
         usageError("option " + a.listOptions.front() + " belongs to 'zvfmt list'");
     if (a.jsonl) {
         if (!a.positional.empty()) usageError("--jsonl reads its requests from stdin; unexpected \"" + command + "\"");
@@ -676,5 +760,7 @@ int main(int argc, char **argv) {
     if (command == "list") return runList(a);
     if (command == "value") return runValue(a);
     if (command == "demo") return runDemo(a);
+    if (command == "locales") return runLocales(a);
+    if (command == "items") return runItems(a);
     return runConvert(a);
 }

@@ -18,6 +18,8 @@ namespace {
 
 constexpr int kMaxDecimals = 99;
 constexpr int kTextRoom = 512; // 309 integer digits, a point, 99 decimals, a sign
+// The best fit shows no more significant digits than every double holds.
+constexpr int kBestFitDigits = 15;
 
 bool isMissingBits(double v) {
     uint64_t b;
@@ -169,8 +171,8 @@ void stars(Text &t, int width) {
 }
 
 // The widest E-notation text that fits, or false.
-bool fitScientific(double v, int width, Text &t) {
-    for (int places = width < 20 ? width : 20; places >= 0; --places) {
+bool fitScientific(double v, int width, Text &t, int mostPlaces = 20) {
+    for (int places = width < mostPlaces ? width : mostPlaces; places >= 0; --places) {
         sciAt(v, places, t);
         if (t.n <= width) return true;
     }
@@ -244,11 +246,14 @@ int32_t bestFitForm(double v, int width, Text &t) {
     plainAt(v, 0, fixed);
     if (fixed.n <= width) {
         fixedFits = true;
+        // No more places than the digits a double holds.
+        const int significant = kBestFitDigits - 1 - exponentOf(std::fabs(v));
         int room = width - fixed.n - 1;
+        if (room > significant) room = significant;
         if (room > kMaxDecimals) room = kMaxDecimals;
         if (room > 0) plainAt(v, room, fixed);
     }
-    const bool sciFits = fitScientific(v, width, sci);
+    const bool sciFits = fitScientific(v, width, sci, kBestFitDigits - 1);
     int sciDigits = 0;
     if (sciFits) {
         const char *e = static_cast<const char *>(std::memchr(sci.c, 'E', size_t(sci.n)));

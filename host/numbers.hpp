@@ -14,7 +14,8 @@
 //     integer digits. When the grouped text doesn't fit, the plain road runs,
 //     and a text that then fits as asked answers kNumberUngrouped.
 //   flags 0x800 (best fit): the form, plain or E-notation, that shows the most
-//     significant digits in `width`, trailing fraction zeros dropped; stars
+//     significant digits in `width` (15 at most), trailing fraction zeros
+//     dropped; stars
 //     and kNumberNotPlain when nothing fits. `decimals` isn't read.
 //
 //   A missing value writes its mark ('.', a letter or '_') in the last place.

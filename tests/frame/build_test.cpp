@@ -52,7 +52,8 @@ TEST(Build, TheInstanceHoldsWhatTheHostReads) {
     EXPECT_EQ(in->journalOpen, 0u);
     EXPECT_EQ(in->monetaryRecord, nullptr);
     ASSERT_NE(in->journal, nullptr);
-    EXPECT_NE(journalNamed(host.journals(), u"zvregional Jnl"), nullptr);
+    const auto journals = host.journals();
+    EXPECT_NE(journalNamed(journals, u"zvregional Jnl"), nullptr);
     ASSERT_NE(in->wideFromLocaleText, nullptr);
     EXPECT_EQ(in->wideFromLocaleText->sourceEncodingId, 62u);
     EXPECT_EQ(in->wideFromLocaleText->encodingId, 25u);
@@ -158,7 +159,8 @@ TEST_P(BuildUnwinds, ReleasingAllAndReportingNothing) {
     EXPECT_EQ(host.loadModule(), nullptr) << f.what;
     EXPECT_TRUE(host.errorJournalRecord().lines.empty()) << f.what;
     EXPECT_EQ(host.counters().transcodersCreated, f.transcodersMade) << f.what;
-    const auto *j = journalNamed(host.journals(), u"zvregional Jnl");
+    const auto journals = host.journals();
+    const auto *j = journalNamed(journals, u"zvregional Jnl");
     ASSERT_NE(j, nullptr);
     EXPECT_EQ(j->closes, 0);
     EXPECT_EQ(j->releases, 1);
@@ -223,7 +225,8 @@ TEST(Build, DestroyClosesAnOpenJournalAndFreesTheMonetaryRecord) {
     host.unloadModule();
     EXPECT_EQ(pool->stats().frees, freesBefore + 1);
     EXPECT_TRUE(pool->destroyed());
-    const auto *j = journalNamed(host.journals(), u"zvregional Jnl");
+    const auto journals = host.journals();
+    const auto *j = journalNamed(journals, u"zvregional Jnl");
     ASSERT_NE(j, nullptr);
     EXPECT_EQ(j->closes, 1);
     EXPECT_EQ(j->releases, 1);
@@ -238,7 +241,8 @@ TEST(Build, DestroyWithoutAMonetaryRecordFreesNothingByHand) {
     host.unloadModule();
     EXPECT_EQ(pool->stats().frees, 0);
     EXPECT_TRUE(pool->destroyed());
-    const auto *j = journalNamed(host.journals(), u"zvregional Jnl");
+    const auto journals = host.journals();
+    const auto *j = journalNamed(journals, u"zvregional Jnl");
     ASSERT_NE(j, nullptr);
     EXPECT_EQ(j->closes, 0);
 }

@@ -23,6 +23,8 @@ struct Case {
     const char *expected; // UTF-8
 };
 
+void PrintTo(const Case &c, std::ostream *os) { *os << c.what; }
+
 class Texts : public Numbers, public ::testing::WithParamInterface<Case> {};
 
 TEST_P(Texts, Exact) {

@@ -24,6 +24,8 @@ struct Case {
     const char *encoding = "UTF-8";
 };
 
+void PrintTo(const Case &c, std::ostream *os) { *os << c.what; }
+
 class FamilyTexts : public Numbers, public ::testing::WithParamInterface<Case> {};
 
 TEST_P(FamilyTexts, Exact) {

@@ -50,7 +50,8 @@ int32_t runFieldForm(FormatCall *call, bool significant) {
     if (!ensureLocaleBlock(call, instance)) return 0;
     if (significant) writeSignificant(call, instance);
     else writeBestFit(call);
-    replacePoint(call, call->outputLength);
+    // A missing value's '.' is its mark, not a decimal point.
+    if (!isMissing(valueOf(call))) replacePoint(call, call->outputLength);
     return 0;
 }
 

@@ -258,7 +258,8 @@ int32_t runFixedPercentForm(FormatCall *call, bool minus) {
     if (!ensureLocaleBlock(call, instance)) return 0;
     if (minus) fixedPercentMinus(call);
     else fixedPercent(call);
-    replacePoint(call, call->outputLength);
+    // A missing value's '.' is its mark, not a decimal point.
+    if (!isMissing(valueOf(call))) replacePoint(call, call->outputLength);
     return 0;
 }
 

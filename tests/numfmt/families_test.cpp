@@ -100,6 +100,15 @@ INSTANTIATE_TEST_SUITE_P(Significant, FamilyTexts, ::testing::Values(
     Case{"best fit at 36", "NLBEST", 1234.5, 36, 0, {}, "                              1234.5"},
     Case{"best fit, too narrow", "NLBEST", 99.6, 2, 0, {}, "**"}));
 
+TEST_F(Numbers, MissingMarksKeepTheirPointUnderACommaLocale) {
+    const Items comma = {{172, ","}};
+    EXPECT_EQ(text(run("NLPCTP", zvhost::missingValue('.'), 8, 1, comma)), "     .  ");
+    EXPECT_EQ(text(run("NLPCTN", zvhost::missingValue('.'), 8, 1, comma)), "     .  ");
+    EXPECT_EQ(text(run("NLD", zvhost::missingValue('.'), 8, 0, comma)), "       .");
+    EXPECT_EQ(text(run("NLBEST", zvhost::missingValue('.'), 8, 0, comma)), "       .");
+    EXPECT_EQ(text(run("NLBEST", 0.5, 8, 0, comma)), "     0,5");
+}
+
 TEST_F(Numbers, NldTradesDecimalsNearTheTopOfTheIntegerRoom) {
     // Width 12, 3 digits: x 6, m 4. 9999.9999996 rounds to 10000.000000 at
     // six places, which doesn't fit m = 4 digits: the decimals go.

@@ -65,6 +65,8 @@ public:
     }
     std::string name() const override { return name_; }
     bool destroyed() const override { return destroyed_; }
+    // Where frees and the destroy are told, in order; null: nowhere.
+    void logTo(std::vector<std::string> *events) { events_ = events; }
     int64_t serial() const override { return serial_; }
     int64_t releaseSince(int64_t mark) override {
         std::vector<void *> late;
@@ -85,7 +87,10 @@ private:
         return self->allocate(bytes, flags);
     }
     static void free(HostPool *p, void *block) {
-        if (PoolImpl *self = of(p)) self->release(block);
+        if (PoolImpl *self = of(p)) {
+            if (self->events_) self->events_->push_back("poolFree " + self->name_);
+            self->release(block);
+        }
     }
     static void destroy(HostPool *p) {
         if (PoolImpl *self = of(p)) self->destroyPool();
@@ -129,6 +134,7 @@ private:
         stats_.freedByDestroy += int64_t(blocks_.size());
         freeAll();
         destroyed_ = true;
+        if (events_) events_->push_back("poolDestroy " + name_);
         if (onDestroy_) onDestroy_();
     }
 
@@ -149,6 +155,7 @@ private:
     Wrapper wrapper_{};
     std::string name_;
     std::function<void()> onDestroy_;
+    std::vector<std::string> *events_ = nullptr;
     PoolStats stats_;
     struct Block {
         uint64_t bytes;
@@ -168,6 +175,7 @@ const HostPoolOps PoolImpl::kOps = {PoolImpl::alloc, PoolImpl::free, PoolImpl::d
 struct JournalImpl {
     HostJournal base;
     JournalRecord record;
+    std::vector<std::string> *events = nullptr;
 };
 
 void journalLog(HostJournal *j, int32_t level, int32_t status, const int64_t *values, int32_t count) {
@@ -178,11 +186,21 @@ void journalLog(HostJournal *j, int32_t level, int32_t status, const int64_t *va
     if (values && count > 0) line.values.assign(values, values + count);
     reinterpret_cast<JournalImpl *>(j)->record.lines.push_back(std::move(line));
 }
+void journalEvent(HostJournal *j, const char *what) {
+    auto *impl = reinterpret_cast<JournalImpl *>(j);
+    std::string name;
+    for (char16_t c : impl->record.name) name.push_back(c < 0x80 ? char(c) : '?');
+    if (impl->events) impl->events->push_back(std::string(what) + " " + name);
+}
 void journalClose(HostJournal *j) {
-    if (j) ++reinterpret_cast<JournalImpl *>(j)->record.closes;
+    if (!j) return;
+    ++reinterpret_cast<JournalImpl *>(j)->record.closes;
+    journalEvent(j, "journalClose");
 }
 void journalRelease(HostJournal *j) {
-    if (j) ++reinterpret_cast<JournalImpl *>(j)->record.releases;
+    if (!j) return;
+    ++reinterpret_cast<JournalImpl *>(j)->record.releases;
+    journalEvent(j, "journalRelease");
 }
 const HostJournalOps kJournalOps = {journalLog, journalClose, journalRelease};
 
@@ -315,6 +333,7 @@ struct Host::Impl {
     Faults faults;
     FaultClock poolClock, journalClock, transcoderClock, localeClock;
     HostCounters counters;
+    std::vector<std::string> events; // releases and teardowns, in order
 
     static Impl *of(HostAnchor *a) { return a ? reinterpret_cast<AnchorRecord *>(a)->host : nullptr; }
     static Impl *of(NlsServices *n) { return n ? reinterpret_cast<NlsRecord *>(n)->host : nullptr; }
@@ -327,6 +346,7 @@ struct Host::Impl {
                                                [h] { ++h->counters.poolsDestroyed; });
         if (h->faults.newPoolFailAt > 0) pool->failAt(h->faults.newPoolFailAt);
         ++h->counters.poolsCreated;
+        pool->logTo(&h->events);
         h->pools.push_back(std::move(pool));
         return h->pools.back()->raw();
     }
@@ -336,6 +356,7 @@ struct Host::Impl {
         if (!h || h->journalClock.tick(h->faults.failCreateJournal)) return nullptr;
         auto j = std::make_unique<JournalImpl>();
         j->base.ops = &kJournalOps;
+        j->events = &h->events;
         if (name)
             for (size_t i = 0; name[i] != 0 && i < 4096; ++i) j->record.name += name[i];
         ++h->counters.journalsCreated;
@@ -392,6 +413,8 @@ struct Host::Impl {
             if (dying) return;
             madeTranscoders.erase(gone);
             ++counters.transcodersReleased;
+            events.push_back("transcoderRelease " + std::to_string(gone->sourceEncodingId) + ">" +
+                             std::to_string(gone->encodingId));
         });
         if (!t) return nullptr;
         madeTranscoders.insert(t);
@@ -466,7 +489,10 @@ struct Host::Impl {
         return parseIntegerText(text, length, value, used);
     }
     static void localeRelease(HostLocale *l) {
-        if (l && localeOf(l)->host) ++localeOf(l)->host->counters.localesReleased;
+        if (l && localeOf(l)->host) {
+            ++localeOf(l)->host->counters.localesReleased;
+            localeOf(l)->host->events.push_back("localeRelease " + localeOf(l)->name);
+        }
     }
 
     static const HostAnchorOps kAnchorOps;
@@ -684,6 +710,7 @@ HostTimeZone *Host::timeZone(const std::string &iana) {
 
 Faults &Host::faults() { return impl_->faults; }
 const HostCounters &Host::counters() const { return impl_->counters; }
+const std::vector<std::string> &Host::events() const { return impl_->events; }
 
 std::vector<Pool *> Host::createdPools() {
     std::vector<Pool *> all;

@@ -146,6 +146,11 @@ public:
     // Faults and counters.
     Faults &faults();
     const HostCounters &counters() const;
+    // What was closed, released, freed and destroyed through the objects the
+    // host made for the module, in order: "journalClose NAME",
+    // "journalRelease NAME", "transcoderRelease FROM>TO", "localeRelease NAME",
+    // "poolFree NAME", "poolDestroy NAME".
+    const std::vector<std::string> &events() const;
     // Pools made through createPool, in order of creation (still listed
     // after poolDestroy, with destroyed() true).
     std::vector<Pool *> createdPools();

@@ -255,3 +255,31 @@ TEST(Build, NoNlsServicesMeansNoTranscodersAndNoInstance) {
     EXPECT_EQ(host.loadModule(), nullptr);
     expectNothingHeld(host, "without NLS");
 }
+
+// The teardown releases in a fixed order: the journal (closed first when the
+// host opened it), the two transcoders, the default locale, the monetary
+// record, and last the pool with the instance in it.
+TEST(Build, TeardownReleasesInOrder) {
+    Restore restore;
+    zvhost::Host host;
+    ExtensionInstance *in = host.loadModule();
+    ASSERT_NE(in, nullptr);
+    in->journalOpen = 1;
+    in->monetaryRecord = in->pool->ops->poolAlloc(in->pool, 64, 0);
+    const size_t before = host.events().size();
+    host.unloadModule();
+    const std::vector<std::string> teardown(host.events().begin() + long(before), host.events().end());
+    EXPECT_EQ(teardown, (std::vector<std::string>{"journalClose zvregional Jnl", "journalRelease zvregional Jnl",
+                                                   "transcoderRelease 62>25", "transcoderRelease 25>25",
+                                                   "localeRelease en_US", "poolFree zvregional pool",
+                                                   "poolDestroy zvregional pool"}));
+}
+
+TEST(Build, AFailedBuildUnwindsInTheSameOrder) {
+    Restore restore;
+    zvhost::Host host;
+    host.faults().failOpenLocale = 1;
+    EXPECT_EQ(host.loadModule(), nullptr);
+    EXPECT_EQ(host.events(), (std::vector<std::string>{"journalRelease zvregional Jnl", "transcoderRelease 62>25",
+                                                       "transcoderRelease 25>25", "poolDestroy zvregional pool"}));
+}

@@ -64,17 +64,30 @@ void secondsText(FormatCall *call, double seconds, int width, int p, ZvChar *tar
     if (target[0] == u' ') target[0] = u'0';
 }
 
+// What every clock does first: limits, the missing mark, the range (stars
+// and 1). False when the call is answered with *status.
+bool openClock(FormatCall *call, double *value, int32_t *status) {
+    if ((*status = clockLimits(call)) != 0) return false;
+    *value = valueAt(call);
+    call->outputLength = call->width;
+    if (isMissing(*value)) {
+        *status = missingMarkHeld(call);
+        return false;
+    }
+    if (!(*value >= kFirstSecond && *value < kSecondLimit)) {
+        starFill(call);
+        *status = 1;
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
 int32_t writeClock(FormatCall *call) {
-    if (const int32_t refused = clockLimits(call)) return refused;
-    double v = valueAt(call);
-    call->outputLength = call->width;
-    if (isMissing(v)) return missingMarkHeld(call);
-    if (!(v >= kFirstSecond && v < kSecondLimit)) {
-        starFill(call);
-        return 1;
-    }
+    double v;
+    int32_t opened;
+    if (!openClock(call, &v, &opened)) return opened;
 
     const int d = call->decimals < 0 ? 0 : (call->decimals > 30 ? 30 : call->decimals);
     const double half = 5.0 / std::pow(10.0, d + 1) + 0.00000001;
@@ -149,14 +162,9 @@ int32_t writeClock(FormatCall *call) {
 }
 
 int32_t writeClockAmPm(FormatCall *call) {
-    if (const int32_t refused = clockLimits(call)) return refused;
-    double v = valueAt(call);
-    call->outputLength = call->width;
-    if (isMissing(v)) return missingMarkHeld(call);
-    if (!(v >= kFirstSecond && v < kSecondLimit)) {
-        starFill(call);
-        return 1;
-    }
+    double v;
+    int32_t opened;
+    if (!openClock(call, &v, &opened)) return opened;
     if (call->decimals == 0 && v - std::trunc(v) >= 0.5) v = std::floor(v + 0.000000000001) + 1;
     else if (call->decimals == 1 && v - std::trunc(v) >= 0.95) v = std::floor(v + 0.000000000001) + 1;
     v = std::fmod(v, 86400.0);
@@ -184,14 +192,9 @@ int32_t writeClockAmPm(FormatCall *call) {
 }
 
 int32_t writeClockOfDatetime(FormatCall *call) {
-    if (const int32_t refused = clockLimits(call)) return refused;
-    const double v = valueAt(call);
-    call->outputLength = call->width;
-    if (isMissing(v)) return missingMarkHeld(call);
-    if (!(v >= kFirstSecond && v < kSecondLimit)) {
-        starFill(call);
-        return 1;
-    }
+    double v;
+    int32_t opened;
+    if (!openClock(call, &v, &opened)) return opened;
     FormatCall copy;
     std::memcpy(&copy, call, sizeof copy);
     const double inDay = timeOfDay(v);

@@ -87,14 +87,6 @@ void putAt(FormatCall *call, int64_t at, const ZvChar *text, int64_t n) {
     for (int64_t i = 0; i < n && at + i < call->outputCapacity; ++i) out[at + i] = text[i];
 }
 
-int32_t missingMarkHeld(FormatCall *call) {
-    const int32_t decimals = call->decimals;
-    call->decimals = 0;
-    const int32_t status = writeMissingMark(call);
-    call->decimals = decimals;
-    return status;
-}
-
 int32_t measureText(const FormatCall *call, int64_t units) {
     if (!call->transcoder || !call->output) return 0;
     unsigned char scratch[4 * kPatternUnits];

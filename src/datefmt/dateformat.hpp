@@ -41,8 +41,7 @@ void fillField(FormatCall *call, ZvChar c);
 void leftJustifyField(FormatCall *call);
 // Writes n units at `at` of the call's output, never past its capacity.
 void putAt(FormatCall *call, int64_t at, const ZvChar *text, int64_t n);
-// The answer to a missing value: its mark with decimals held at 0.
-int32_t missingMarkHeld(FormatCall *call);
+
 
 // Numeric forms. Positions are 1 to 3, or 0 for a part not shown.
 enum class NumericParts { All, MonthYear, MonthDay, Quarter };

@@ -27,16 +27,6 @@ constexpr NameGroup kWeekdays{7, kItemWeekdayFullOther, kItemWeekdayAbbrOther};
 constexpr int32_t kMaxWidth = 200;
 constexpr int32_t kMaxDecimals = 3;
 
-// The missing mark, or a field of blanks for a value that isn't missing,
-// with decimals held at 0 for the placing.
-int32_t markWithDecimalsHeld(FormatCall *call) {
-    const int32_t saved = call->decimals;
-    call->decimals = 0;
-    const int32_t status = writeMissingMark(call);
-    call->decimals = saved;
-    return status;
-}
-
 int32_t writeName(FormatCall *call, const NameGroup &group) {
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return ZV_NO_INSTANCE;
@@ -51,8 +41,8 @@ int32_t writeName(FormatCall *call, const NameGroup &group) {
 
     double value = 0;
     if (call->input) std::memcpy(&value, call->input, sizeof value);
-    if (isMissing(value)) return markWithDecimalsHeld(call);
-    if (!(value >= 1 && value <= group.count)) return markWithDecimalsHeld(call);
+    if (isMissing(value)) return missingMarkHeld(call);
+    if (!(value >= 1 && value <= group.count)) return missingMarkHeld(call);
 
     if (!ensureLocaleBlock(call, instance)) return 0;
 

@@ -68,6 +68,14 @@ int32_t writeMissingMark(FormatCall *call) {
     return 0;
 }
 
+int32_t missingMarkHeld(FormatCall *call) {
+    const int32_t saved = call->decimals;
+    call->decimals = 0;
+    const int32_t status = writeMissingMark(call);
+    call->decimals = saved;
+    return status;
+}
+
 HostPool *callPoolOf(const FormatCall *call) {
     if (call->callPool) {
         if (wordOf(call->callPool) == kCallPoolKey) {
@@ -93,10 +101,7 @@ bool beginFormat(FormatCall *call, double low, double high, double *value, int32
     call->outputLength = call->width;
     *status = 0;
     if (isMissing(v)) {
-        const int32_t saved = call->decimals;
-        call->decimals = 0;
-        *status = writeMissingMark(call);
-        call->decimals = saved;
+        *status = missingMarkHeld(call);
         return false;
     }
     if (!call->input || std::isnan(v) || v < low || v >= high) {

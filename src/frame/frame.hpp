@@ -21,6 +21,8 @@ int32_t starFill(FormatCall *call);
 
 // The mark of the missing value at input, placed by width and decimals.
 int32_t writeMissingMark(FormatCall *call);
+// The same with decimals held at 0 for the placing, so the mark stands last.
+int32_t missingMarkHeld(FormatCall *call);
 
 inline uint64_t bitsOf(double v) {
     uint64_t b;

@@ -187,13 +187,12 @@ int32_t writeDtWeekV(FormatCall *call, void *opaque) {
         call->width = saved;
     }
     putAt(call, weekWidth, u":", 1);
-    if (call->localeBlock) {
-        ZvChar time[kPatternUnits];
-        int tw = timeLength;
-        const int32_t s = writeTimePattern(time, &tw, timePattern, wideLength(timePattern), t, 0,
-                                           call->localeBlock);
-        if (s == kPatternFits || s == kPatternTooLong) putAt(call, weekWidth + 1, time, timeLength);
-    }
+    // The clock needs no names: it is written whether or not a block was built.
+    ZvChar time[kPatternUnits];
+    int tw = timeLength;
+    const int32_t s = writeTimePattern(time, &tw, timePattern, wideLength(timePattern), t, 0,
+                                       call->localeBlock);
+    if (s == kPatternFits || s == kPatternTooLong) putAt(call, weekWidth + 1, time, timeLength);
     call->width = w;
     call->outputLength = w;
     call->input = input;

@@ -4,6 +4,7 @@
 // (bytes as U+0000..U+00FF) are done by hand; every other encoding is an
 // ICU converter set to stop at the first character it can't map, so nothing
 // is ever substituted. A target that is too small gets whole characters.
+#include <unicode/uchar.h>
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
 #include <unicode/utf16.h>
@@ -216,8 +217,27 @@ Encoded encodeIcu(UConverter *c, const UChar *mid, size_t length, uint8_t *targe
     char *out = buf;
     const UChar *in = mid;
     ucnv_fromUnicode(c, &out, buf + room, &in, mid + length, offs, true, &err);
-    const size_t made = size_t(out - buf);
+    size_t made = size_t(out - buf);
     e.bad = U_FAILURE(err);
+    // ICU leaves out a default-ignorable character (a direction mark, say) that
+    // the target lacks and says nothing. To this host that is a character the
+    // target cannot show: the text ends before it, as at any other.
+    for (size_t i = 0; i < length && !e.bad;) {
+        UChar32 cp;
+        const size_t at = i;
+        U16_NEXT(mid, i, length, cp);
+        if (cp < 0xAD || !u_hasBinaryProperty(cp, UCHAR_DEFAULT_IGNORABLE_CODE_POINT)) continue;
+        size_t before = 0;
+        bool shown = false;
+        for (size_t b = 0; b < made; ++b) {
+            if (offs[b] == int32_t(at)) shown = true;
+            else if (offs[b] >= 0 && offs[b] < int32_t(at)) before = b + 1;
+        }
+        if (!shown) {
+            made = before;
+            e.bad = true;
+        }
+    }
     if (made <= capacity) {
         if (made) std::memcpy(target, buf, made);
         e.written = made;

@@ -322,3 +322,30 @@ TEST(Encodings, RandomBytesNeverOverrun) {
 }
 
 } // namespace
+
+// ICU drops a direction mark that Latin-1 lacks without a word; the host
+// calls it what it is, a character the target cannot show.
+TEST(TranscoderIgnorables, AnUnshowableMarkIsAFailureAtItsPlace) {
+    zvhost::Host host;
+    HostTranscoder *t = host.transcoder("ISO-8859-1");
+    ASSERT_NE(t, nullptr);
+    const char16_t text[] = u"12\u200f34";
+    char out[8] = {};
+    int64_t produced = -1;
+    EXPECT_EQ(t->ops->transcode(t, text, 10, out, sizeof out, &produced, 0), zvhost::kCannotShow);
+    EXPECT_EQ(produced, 2);
+    EXPECT_EQ(std::string(out, 2), "12");
+    // In UTF-8 the mark is shown, three bytes of it.
+    HostTranscoder *u = host.transcoder("UTF-8");
+    produced = -1;
+    EXPECT_EQ(u->ops->transcode(u, text, 10, out, sizeof out, &produced, 0), 0);
+    EXPECT_EQ(produced, 7);
+    // Soft hyphen and zero-width space the same way.
+    for (char16_t mark : {u'\u00ad', u'\u200b'}) {
+        const char16_t one[] = {u'a', mark};
+        produced = -1;
+        const int32_t status = t->ops->transcode(t, one, 4, out, sizeof out, &produced, 0);
+        if (mark == u'\u00ad') EXPECT_EQ(status, 0); // Latin-1 has the soft hyphen
+        else EXPECT_EQ(status, zvhost::kCannotShow);
+    }
+}

@@ -252,11 +252,11 @@ TEST_F(Rows, ValuesOutsideTheRangeGiveStars) {
     }
 }
 
-// ICU's converters drop a default-ignorable character that the target
-// encoding lacks (U+200F in ISO-8859-1) and report success, so the host's
-// transcoder never says that it can't show it. The locale block then keeps
-// the mark in ar_EG's item 29 instead of writing "&#8207;", and the byte
-// entry writes two bytes fewer than the width: "01/01/1960  " for width 14.
+// A default-ignorable character that the host encoding lacks (U+200F in
+// ISO-8859-1) is one the transcoder can't show: ar_EG's item 29 holds
+// "&#8207;" for it, so the pattern is too long at width 14 and the numeric
+// form fills the whole width (ICU's converters would drop the mark silently
+// and leave the byte text two bytes short).
 TEST_F(Rows, ByteEntryFillsTheWidthWhenTheEncodingLacksAMark) {
     zvhost::CallSpec spec;
     spec.locale = "ar_EG";
@@ -270,9 +270,8 @@ TEST_F(Rows, ByteEntryFillsTheWidthWhenTheEncodingLacksAMark) {
 
 // DTWEEKV splits a datetime before its day is tested: at width 18 a day out
 // of range shows the week text's nine stars, a colon and the time of day.
-// The time is written only when the record already has a locale block, and
-// WEEKV gives its stars before it builds one, so a fresh record shows
-// "*********:" and eight blanks.
+// WEEKV gives its stars before it builds a locale block, so the time must
+// not depend on one: a fresh record still shows the clock.
 TEST_F(Rows, DatetimeWeekOutsideTheRangeKeepsItsTime) {
     zvhost::CallSpec spec;
     spec.width = 18;

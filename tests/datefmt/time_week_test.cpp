@@ -187,6 +187,12 @@ TEST_F(Times, ZoneOffsetsFollowTheValuesOwnDate) {
     EXPECT_EQ(run("NLDATMTZ", 23560 * 86400.0 + 43200, 32).substr(0, 14), "12:00:00 +0200"); // July
     ASSERT_TRUE(host.setTimeZone("America/St_Johns"));
     EXPECT_EQ(run("NLDATMTZ", 23440 * 86400.0 + 43200, 32).substr(0, 14), "12:00:00 -0330");
+    // Local mean time before 1883 in New York was -4:56:02: the seconds are dropped.
+    const double march1880 = -29155.0 * 86400 + 43200; // 5 March 1880, noon
+    ASSERT_TRUE(host.setTimeZone("America/New_York"));
+    EXPECT_EQ(run("NLDATMTZ", march1880, 32).substr(0, 14), "12:00:00 -0456");
+    ASSERT_TRUE(host.setTimeZone("UTC"));
+    EXPECT_EQ(run("NLDATMTZ", march1880, 32).substr(0, 14), "12:00:00 +0000");
 }
 
 } // namespace

@@ -24,7 +24,14 @@ int64_t daysFromCivil(int64_t y, unsigned m, unsigned d) {
 
 constexpr int64_t kDays1960 = -3653; // 1960-01-01 counted from 1970-01-01
 
-bool leapYear(int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+// The module's calendar: Gregorian, but a year that 4000 divides is no leap year.
+bool leapYear(int64_t y) { return y % 4000 != 0 && ((y % 4 == 0 && y % 100 != 0) || y % 400 == 0); }
+
+// The 29 Februaries of years that 4000 divides, up to the date.
+int64_t lostLeapDays(int64_t y, unsigned m) {
+    const int64_t marchYear = m <= 2 ? y - 1 : y;
+    return marchYear >= 4000 ? marchYear / 4000 : 0;
+}
 
 unsigned daysInMonth(int64_t y, unsigned m) {
     static const unsigned days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
@@ -49,7 +56,7 @@ bool readDate(std::string_view text, int64_t &days) {
         text[7] != '-' || !digitsAt(text, 8, 2, d))
         return false;
     if (m < 1 || m > 12 || d < 1 || d > int64_t(daysInMonth(y, unsigned(m)))) return false;
-    days = daysFromCivil(y, unsigned(m), unsigned(d)) - kDays1960;
+    days = daysFromCivil(y, unsigned(m), unsigned(d)) - kDays1960 - lostLeapDays(y, unsigned(m));
     return true;
 }
 

@@ -17,6 +17,7 @@ namespace zv {
 namespace {
 
 constexpr int kClockUnits = 40;
+constexpr int kMaxPlaces = 30; // decimals of the seconds; the field then takes 33 units
 
 double valueAt(const FormatCall *call) {
     double v = 0;
@@ -116,6 +117,7 @@ int32_t writeClock(FormatCall *call) {
         again = false;
         length = writeDigits(hour, hourText, 0, 0);
         p = width - length - 7 < call->decimals ? width - length - 7 : call->decimals;
+        if (p > kMaxPlaces) p = kMaxPlaces; // what the 40-unit clock area holds
         if (p < 0) p = 0;
         bool up = false;
         if (p == 0) {

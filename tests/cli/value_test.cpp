@@ -42,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(
         Good{"-.25", "-0.25", ""}, Good{"1e300", "1e+300", ""}, Good{" 12 ", "12", ""},
         Good{"1960-01-01", "0", ""}, Good{"1959-12-31", "-1", ""}, Good{"2024-03-05", "23440", ""},
         Good{"2000-02-29", "14669", ""}, Good{"1582-01-01", "-138061", ""}, Good{"1582-10-15", "-137774", ""},
-        Good{"9999-12-31", "2936549", ""}, Good{"1960-01-01T00:00:01", "1", ""},
+        Good{"9999-12-31", "2936547", ""}, Good{"4000-03-01", "745154", ""}, Good{"1960-01-01T00:00:01", "1", ""},
         Good{"2024-03-05T14:07:09.5", "2025266829.5", ""}, Good{"2024-03-05T14:07", "2025266820", ""},
         Good{"2024-03-05t14:07:09", "2025266829", ""}, Good{"1959-12-31T23:59:59.25", "-0.75", ""},
         Good{"14:07:09", "50829", ""}, Good{"00:00", "0", ""}, Good{"23:59:59.5", "86399.5", ""},
@@ -77,6 +77,7 @@ INSTANTIATE_TEST_SUITE_P(
         Bad{"1e400", "the number is out of the range of a double"},
         Bad{".AB", kNot}, Bad{".1A", kNot}, Bad{".!", "a missing value is '.', '.A' to '.Z' or '._'"},
         Bad{"2024-13-01", "month 13 is out of range (01..12)"},
+        Bad{"4000-02-29", "day 29 is out of range for 4000-02 (01..28)"},
         Bad{"2024-00-10", "month 0 is out of range (01..12)"},
         Bad{"2024-02-30", "day 30 is out of range for 2024-02 (01..29)"},
         Bad{"2023-02-29", "day 29 is out of range for 2023-02 (01..28)"},
@@ -118,7 +119,10 @@ TEST(ValueDates, AgreeWithIcuCalendar) {
         char date[32], datetime[48];
         std::snprintf(date, sizeof date, "%04d-%02d-%02d", y, m, d);
         std::snprintf(datetime, sizeof datetime, "%sT%02d:%02d:%02d.25", date, h, mi, s);
-        const double days = std::floor(ms / 86400000.0) + 3653;
+        // The module's calendar has no 29 February in 4000 and 8000; ICU's has.
+        if (m == 2 && d == 29 && y % 4000 == 0) continue;
+        const int marchYear = m <= 2 ? y - 1 : y;
+        const double days = std::floor(ms / 86400000.0) + 3653 - (marchYear >= 4000 ? marchYear / 4000 : 0);
         args.push_back(date);
         expected.push_back(days);
         args.push_back(datetime);

@@ -304,3 +304,13 @@ TEST_F(Module, InformatWritesItsDouble) {
 }
 
 } // namespace
+
+// ISO dates count days by the module's calendar, where 4000 and 8000 have no
+// 29 February.
+TEST(ParseValueCalendar, YearsThat4000DividesHaveNoLeapDay) {
+    EXPECT_EQ(zvhost::parseValue("3999-12-31"), 745094.0);
+    EXPECT_EQ(zvhost::parseValue("4000-02-28"), 745153.0);
+    EXPECT_FALSE(zvhost::parseValue("4000-02-29").has_value());
+    EXPECT_EQ(zvhost::parseValue("4000-03-01"), 745154.0);
+    EXPECT_EQ(zvhost::parseValue("9999-12-31"), 2936547.0);
+}

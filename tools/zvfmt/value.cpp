@@ -38,7 +38,8 @@ bool digits(std::string_view s, size_t &pos, size_t n, int &out) {
     return true;
 }
 
-bool leapYear(int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+// The module's calendar: Gregorian, but a year that 4000 divides is no leap year.
+bool leapYear(int64_t y) { return y % 4000 != 0 && ((y % 4 == 0 && y % 100 != 0) || y % 400 == 0); }
 
 int daysInMonth(int64_t y, int m) {
     static const int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
@@ -92,7 +93,10 @@ int64_t dayCount(int64_t y, int m, int d) {
     const int64_t yoe = y - era * 400;
     const int64_t doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
     const int64_t doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-    return era * 146097 + doe - 719468 + 3653;
+    // y is now counted from March: every year 4000 divides that lies before
+    // it lost its 29 February.
+    const int64_t lost = y >= 4000 ? y / 4000 : 0;
+    return era * 146097 + doe - 719468 + 3653 - lost;
 }
 
 std::optional<double> parseValue(std::string_view text, std::string *why) {

@@ -6,6 +6,7 @@
 #include "datefmt/clock.hpp"
 #include "datefmt/ladders.hpp"
 #include "datefmt/names.hpp"
+#include "dateread/dateread.hpp"
 #include "numfmt/numfmt.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
@@ -14,15 +15,15 @@ namespace zv::entry {
 constexpr ZvWideEntry kPending = nullptr;
 
 // ---- informats ---------------------------------------------------------------
-constexpr ZvWideEntry readNlDate = kPending;     // @NLDATE, @NLDATEW
-constexpr ZvWideEntry readNlDatetime = kPending; // @NLDATM, @NLDATMAP, @NLDATMW
+constexpr ZvWideEntry readNlDate = &zv::readNlDate;         // @NLDATE, @NLDATEW
+constexpr ZvWideEntry readNlDatetime = &zv::readNlDatetime; // @NLDATM, @NLDATMAP, @NLDATMW
 constexpr ZvWideEntry readNlMny = kPending;
 constexpr ZvWideEntry readNlMnyI = kPending;
 constexpr ZvWideEntry readNlNum = kPending;
 constexpr ZvWideEntry readNlNumI = kPending;
 constexpr ZvWideEntry readNlPct = kPending;
 constexpr ZvWideEntry readNlPctI = kPending;
-constexpr ZvWideEntry readNlTime = kPending;     // @NLTIMAP, @NLTIME
+constexpr ZvWideEntry readNlTime = &zv::readNlTime;         // @NLTIMAP, @NLTIME
 constexpr ZvWideEntry readNlStrMon = kPending;
 constexpr ZvWideEntry readWeekU = kPending;
 constexpr ZvWideEntry readWeekV = kPending;

@@ -1,0 +1,89 @@
+// Guessing the layout of a date, a time or a datetime: the ANYDATE rows of
+// the date pattern table are tried in order until one gives a value.
+#include <cmath>
+
+#include "dateread/dateread.hpp"
+#include "frame/frame.hpp"
+#include "wide/wide.hpp"
+
+namespace zv {
+
+namespace {
+
+constexpr int kRoom = 200;
+constexpr int kPatternRoom = 64;
+
+bool sameZ(const ZvChar *a, const ZvChar *b) {
+    if (!a || !b) return false;
+    int i = 0;
+    for (; a[i] != 0 && b[i] != 0; ++i)
+        if (a[i] != b[i]) return false;
+    return a[i] == b[i];
+}
+
+int64_t firstPair(const ZvChar *s, ZvChar a, ZvChar b) {
+    for (int64_t i = 0; s && s[i] != 0 && s[i + 1] != 0; ++i)
+        if (s[i] == a && s[i + 1] == b) return i;
+    return -1;
+}
+
+enum class Keep { Day, Time, Both };
+
+int32_t guess(FormatCall *call, Keep keep) {
+    double *output = static_cast<double *>(call->output);
+    int64_t length = call->inputLength < call->width ? call->inputLength : call->width;
+    if (length < 0 || !call->input) length = 0;
+    if (length > kRoom) length = kRoom;
+    ZvChar buffer[kRoom];
+    copyPadded(static_cast<const ZvChar *>(call->input), length, buffer, kRoom);
+    length = cleanDateText(buffer, kRoom);
+    const bool hasColon = findChar(buffer, length, u':') >= 0;
+
+    bool found = false;
+    int32_t kind = 0;
+    for (int i = 0; i < kDatePatternRowCount && !found; ++i) {
+        const DatePatternRow &row = datePatternTable[i];
+        if (!sameZ(row.name, u"ANYDATE")) continue;
+        if (!hasColon && sameZ(row.kind, u"TME")) continue;
+        const int64_t extra = firstPair(row.pattern, u'%', u'S') >= 0 ? 10 : 0;
+        if (length < static_cast<int64_t>(row.minLength) || length > static_cast<int64_t>(row.maxLength) + extra)
+            continue;
+        int32_t status = readByPattern(nullptr, 0, &row, buffer, length, output, &kind, 0);
+        if (status == 0 && !isMissing(*output)) {
+            found = true;
+            break;
+        }
+        const int64_t at = firstPair(row.pattern, u'%', u'y');
+        if (at < 0) continue;
+        // The same row once more with a four-digit year in the first place.
+        ZvChar pattern[kPatternRoom];
+        int64_t n = 0;
+        while (row.pattern[n] != 0 && n < kPatternRoom - 1) {
+            pattern[n] = row.pattern[n];
+            ++n;
+        }
+        pattern[n] = 0;
+        pattern[at + 1] = u'Y';
+        DatePatternRow wide = row;
+        wide.pattern = pattern;
+        status = readByPattern(nullptr, 0, &wide, buffer, length, output, &kind, 0);
+        if (status == 0 && !isMissing(*output)) found = true;
+    }
+
+    double value = found ? *output : missingValue();
+    if (kind == 1 && !isMissing(value)) value *= 86400.0;
+    if (!isMissing(value)) {
+        if (keep == Keep::Day) value = static_cast<double>(static_cast<int64_t>(value) / 86400);
+        else if (keep == Keep::Time) value = std::fmod(value, 86400.0);
+    }
+    *output = value;
+    return 0;
+}
+
+} // namespace
+
+int32_t readAnyDate(FormatCall *call, void *) { return guess(call, Keep::Day); }
+int32_t readAnyTime(FormatCall *call, void *) { return guess(call, Keep::Time); }
+int32_t readAnyDateTime(FormatCall *call, void *) { return guess(call, Keep::Both); }
+
+} // namespace zv

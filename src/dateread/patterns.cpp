@@ -1,0 +1,504 @@
+// The reader of the fixed date pattern table: locale-free patterns, English
+// month and weekday names, fields read strictly from left to right.
+#include <cmath>
+#include <cstring>
+
+#include "datefmt/calendar.hpp"
+#include "dateread/dateread.hpp"
+#include "frame/frame.hpp"
+#include "wide/wide.hpp"
+
+namespace zv {
+
+namespace {
+
+constexpr int kNormalisedRoom = 64;
+constexpr int kMaxCountedDigits = 19;
+
+const ZvChar kWeekdayWords[] = u"SUN MON TUE WED THU FRI SAT ";
+const ZvChar kMonthWords[] = u"JAN FEB MAR APR MAY JUN JUL AUG SEP OCT NOV DEC ";
+
+int64_t zLength(const ZvChar *s) {
+    int64_t n = 0;
+    if (s)
+        while (s[n] != 0) ++n;
+    return n;
+}
+
+bool sameText(const ZvChar *a, int64_t aLength, const ZvChar *b) {
+    const int64_t bLength = zLength(b);
+    if (aLength != bLength) return false;
+    for (int64_t i = 0; i < aLength; ++i)
+        if (a[i] != b[i]) return false;
+    return true;
+}
+
+bool holds(const ZvChar *pattern, ZvChar a, ZvChar b) {
+    for (int64_t i = 0; pattern && pattern[i] != 0 && pattern[i + 1] != 0; ++i)
+        if (pattern[i] == a && pattern[i + 1] == b) return true;
+    return false;
+}
+
+bool isAsciiDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
+bool isAsciiLetter(ZvChar c) { return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'); }
+bool isRunStop(ZvChar c) {
+    return c == u' ' || isAsciiDigit(c) || c == u',' || c == u'.';
+}
+
+// The place, 1-based, of the first three letters of a word in a list of
+// four-character entries, or 0.
+int placeInList(const ZvChar *word, int64_t length, const ZvChar *list, int entries) {
+    if (length < 3) return 0;
+    ZvChar head[3];
+    for (int i = 0; i < 3; ++i) head[i] = foldUpperChar(word[i]);
+    for (int k = 0; k < entries; ++k)
+        if (list[4 * k] == head[0] && list[4 * k + 1] == head[1] && list[4 * k + 2] == head[2])
+            return k + 1;
+    return 0;
+}
+
+// Left-justifies `text` over `length` characters and answers the length of
+// what is left without trailing blanks.
+int64_t leftJustified(ZvChar *text, int64_t length) {
+    int64_t lead = 0;
+    while (lead < length && text[lead] == u' ') ++lead;
+    if (lead > 0) {
+        for (int64_t i = lead; i < length; ++i) text[i - lead] = text[i];
+        for (int64_t i = length - lead; i < length; ++i) text[i] = u' ';
+    }
+    int64_t n = length;
+    while (n > 0 && text[n - 1] == u' ') --n;
+    return n;
+}
+
+// Fields of one row's try, by the letters y m d H M S q j w.
+enum Field { kYear, kMonth, kDay, kHour, kMinute, kSecond, kQuarter, kYearDay, kWeekday, kFieldCount };
+
+struct CallState {
+    double fraction = 0.0;
+    double zoneOffset = 0.0;
+    int zoneSign = 0;
+    bool zoneSeen = false;
+    int64_t savedHour = -1;
+    int64_t savedMinute = -1;
+    bool allDigits = false;
+};
+
+struct RowTry {
+    const ZvChar *text;
+    int64_t length;
+    int64_t pos = 0;
+    int64_t field[kFieldCount];
+    ZvChar amPm = u' ';
+    CallState *call;
+};
+
+// A run of digits, or exactly `width` of them. False: the row is refused.
+bool readNumber(RowTry &r, int width, int64_t *value, int *count) {
+    uint64_t v = 0;
+    int n = 0;
+    while (r.pos < r.length && isAsciiDigit(r.text[r.pos]) && (width == 0 || n < width)) {
+        if (n < kMaxCountedDigits) v = v * 10 + static_cast<uint64_t>(r.text[r.pos] - u'0');
+        ++n;
+        ++r.pos;
+    }
+    if (n == 0 || (width != 0 && n < width)) return false;
+    *value = v > static_cast<uint64_t>(INT64_MAX) ? INT64_MAX : static_cast<int64_t>(v);
+    if (count) *count = n;
+    return true;
+}
+
+// A word of ASCII letters. *blank: the word began with a blank, which was
+// taken as the one-character token. False: not even one character.
+bool readWord(RowTry &r, int64_t *start, int64_t *length, bool *blank) {
+    *blank = false;
+    if (r.pos < r.length && r.text[r.pos] == u' ') {
+        *start = r.pos++;
+        *length = 1;
+        *blank = true;
+        return true;
+    }
+    *start = r.pos;
+    while (r.pos < r.length && isAsciiLetter(r.text[r.pos])) ++r.pos;
+    *length = r.pos - *start;
+    return *length > 0;
+}
+
+// A run of anything but blank, digit, comma and point; with `stopAtLetter`
+// also no letter.
+bool readRun(RowTry &r, bool stopAtLetter, int64_t *start, int64_t *length, bool *blank) {
+    *blank = false;
+    if (r.pos < r.length && r.text[r.pos] == u' ') {
+        *start = r.pos++;
+        *length = 1;
+        *blank = true;
+        return true;
+    }
+    *start = r.pos;
+    while (r.pos < r.length && !isRunStop(r.text[r.pos]) &&
+           !(stopAtLetter && isLetter(r.text[r.pos])))
+        ++r.pos;
+    *length = r.pos - *start;
+    return *length > 0;
+}
+
+void storeField(RowTry &r, Field f, int64_t value) {
+    if (r.call->zoneSeen) {
+        if (f == kHour) r.call->savedHour = r.field[kHour];
+        if (f == kMinute) r.call->savedMinute = r.field[kMinute];
+    }
+    r.field[f] = value;
+}
+
+bool isSeparator(ZvChar c) { return c == u'/' || c == u'-' || c == u':' || c == u' '; }
+
+// Reads one directive whose word is w[0..wl). False: the row is refused.
+bool actOn(RowTry &r, const ZvChar *w, int wl) {
+    const bool allDigits = r.call->allDigits;
+    auto is = [&](const char16_t *s) {
+        int n = 0;
+        while (s[n]) ++n;
+        if (n != wl) return false;
+        for (int i = 0; i < n; ++i)
+            if (w[i] != s[i]) return false;
+        return true;
+    };
+    int64_t value = 0;
+    int count = 0;
+    int64_t start = 0, length = 0;
+    bool blank = false;
+    Field field = kFieldCount;
+
+    if (wl == 1 && (w[0] == u'm' || w[0] == u'd' || w[0] == u'y' || w[0] == u'H' || w[0] == u'M' ||
+                    w[0] == u'S')) {
+        if (!readNumber(r, allDigits ? 2 : 0, &value, &count)) return false;
+        switch (w[0]) {
+        case u'm': field = kMonth; break;
+        case u'd': field = kDay; break;
+        case u'y': field = kYear; break;
+        case u'H': field = kHour; break;
+        case u'M': field = kMinute; break;
+        default: field = kSecond; break;
+        }
+    } else if (is(u"e")) {
+        if (!readNumber(r, 0, &value, &count)) return false;
+    } else if (is(u"i") || is(u"I")) {
+        if (!readNumber(r, 0, &value, &count)) return false;
+        field = kHour;
+    } else if (is(u"Y")) {
+        if (!readNumber(r, 4, &value, &count)) return false;
+        field = kYear;
+    } else if (is(u"j") || is(u"0j")) {
+        if (!readNumber(r, allDigits ? 3 : 0, &value, &count)) return false;
+        field = kYearDay;
+    } else if (wl == 2 && w[0] == u'0' &&
+               (w[1] == u'm' || w[1] == u'd' || w[1] == u'y' || w[1] == u'H' || w[1] == u'M' ||
+                w[1] == u'S' || w[1] == u'i')) {
+        if (!readNumber(r, 2, &value, &count)) return false;
+        switch (w[1]) {
+        case u'm': field = kMonth; break;
+        case u'd': field = kDay; break;
+        case u'y': field = kYear; break;
+        case u'M': field = kMinute; break;
+        case u'S': field = kSecond; break;
+        default: field = kHour; break;
+        }
+    } else if (wl == 2 && w[0] == u'x' && (w[1] == u'Y' || w[1] == u'y')) {
+        if (!readNumber(r, 0, &value, &count)) return false;
+        field = kYear;
+    } else if (is(u"q")) {
+        if (!readNumber(r, 1, &value, &count)) return false;
+        field = kQuarter;
+    } else if (is(u"w")) {
+        if (!readNumber(r, 1, &value, &count)) return false;
+        field = kWeekday;
+    } else if (is(u"a") || is(u"A") || is(u"xA")) {
+        if (!readWord(r, &start, &length, &blank) || blank) return false;
+        value = placeInList(r.text + start, length, kWeekdayWords, 7);
+        if (value == 0) return false;
+        field = kWeekday;
+    } else if (is(u"b") || is(u"B") || is(u"ub") || is(u"u1b") || is(u"xB") || is(u"1b")) {
+        const bool ok = is(u"1b") ? readRun(r, false, &start, &length, &blank)
+                                  : readWord(r, &start, &length, &blank);
+        if (!ok || blank) return false;
+        value = placeInList(r.text + start, length, kMonthWords, 12);
+        if (value == 0) return false;
+        field = kMonth;
+    } else if (is(u"r")) {
+        if (!readWord(r, &start, &length, &blank) || blank || length > 4) return false;
+        for (int64_t i = 0; i < length; ++i)
+            if (foldUpperChar(r.text[start + i]) != u'I' && foldUpperChar(r.text[start + i]) != u'V')
+                return false;
+        ZvChar up[4];
+        for (int64_t i = 0; i < length; ++i) up[i] = foldUpperChar(r.text[start + i]);
+        static const struct {
+            const char16_t *text;
+            int quarter;
+        } kRoman[] = {{u"I", 1}, {u"II", 2}, {u"III", 3}, {u"IV", 4}, {u"IIII", 4}};
+        value = 0;
+        for (const auto &k : kRoman) {
+            int n = 0;
+            while (k.text[n]) ++n;
+            if (n == length && std::memcmp(up, k.text, sizeof(ZvChar) * n) == 0) value = k.quarter;
+        }
+        if (value == 0) return false;
+        field = kQuarter;
+    } else if (is(u"c") || is(u"C")) {
+        if (!readRun(r, w[0] == u'C', &start, &length, &blank)) return false;
+        if (length != 1 || !isSeparator(r.text[start])) return false;
+    } else if (is(u"z")) {
+        if (!readWord(r, &start, &length, &blank)) return false;
+    } else if (is(u"p")) {
+        if (!readWord(r, &start, &length, &blank)) return false;
+        if (!blank) r.amPm = foldUpperChar(r.text[start]);
+    } else if (is(u"G")) {
+        if (!readRun(r, false, &start, &length, &blank) || blank || length != 1) return false;
+        const ZvChar s = r.text[start];
+        if (s != u'+' && s != u'-') return false;
+        r.call->zoneSeen = true;
+        r.call->zoneSign = s == u'+' ? 1 : -1;
+    }
+    // Anything else reads nothing.
+
+    if ((is(u"S") || is(u"0S")) && r.length - r.pos >= 2 && r.text[r.pos] == u'.' &&
+        isAsciiDigit(r.text[r.pos + 1])) {
+        ++r.pos;
+        int64_t digits = 0;
+        int n = 0;
+        readNumber(r, 0, &digits, &n);
+        const int counted = n < kMaxCountedDigits ? n : kMaxCountedDigits;
+        r.call->fraction = static_cast<double>(digits) / std::pow(10.0, counted);
+    }
+    if (field != kFieldCount) storeField(r, field, value);
+    if (r.amPm != u' ' && r.field[kHour] != -1) {
+        if (r.amPm == u'A' && r.field[kHour] == 12) r.field[kHour] = 0;
+        if (r.amPm == u'P' && r.field[kHour] < 12) r.field[kHour] += 12;
+    }
+    return true;
+}
+
+// One row's try over the whole text. True: the row accepts the text.
+bool tryRow(RowTry &r, const ZvChar *pattern) {
+    const int64_t plen = zLength(pattern);
+    int64_t pi = 0;
+    while (r.pos < r.length) {
+        if (pi >= plen) {
+            for (int64_t i = r.pos; i < r.length; ++i)
+                if (r.text[i] != u' ') return false;
+            return true;
+        }
+        if (pattern[pi] != u'%') { // a literal accepts any character
+            ++pi;
+            ++r.pos;
+            continue;
+        }
+        if (pi + 1 >= plen) { // a lone '%' at the end reads nothing
+            pi = plen;
+            continue;
+        }
+        ZvChar w[3];
+        int wl = 0;
+        const ZvChar c = pattern[pi + 1];
+        pi += 2;
+        if (c == u'P') {
+            while (r.pos < r.length && r.text[r.pos] == u' ') ++r.pos;
+            continue;
+        }
+        w[wl++] = c;
+        if ((c == u'0' || c == u'1' || c == u'x' || c == u'u' || c == u'.') && pi < plen) {
+            w[wl++] = pattern[pi++];
+            if (c == u'u' && w[1] == u'1' && pi < plen) w[wl++] = pattern[pi++];
+        } else if (c == u'w' && pi < plen && pattern[pi] == u'1') {
+            ++pi;
+        }
+        if (wl == 2 && w[0] == u'.' && w[1] == u'd') {
+            w[0] = u'd';
+            wl = 1;
+        }
+        if (!actOn(r, w, wl)) return false;
+    }
+    return pi >= plen || pattern[pi] == u' ';
+}
+
+// From the fields of an accepted row to its value.
+void valueOf(RowTry &r, const DatePatternRow &row, const ZvChar *name, int64_t nameLength,
+             double *outValue, int32_t *kindOut) {
+    CallState &cs = *r.call;
+    int64_t *f = r.field;
+    *outValue = missingValue();
+    if (cs.zoneSeen) {
+        const int64_t h = f[kHour] < 0 ? 0 : f[kHour];
+        const int64_t m = f[kMinute] < 0 ? 0 : f[kMinute];
+        cs.zoneOffset = -static_cast<double>(h * 3600 + m * 60) * cs.zoneSign;
+        if (nameLength == 7 && (sameText(name, nameLength, u"B8601LZ") || sameText(name, nameLength, u"E8601LZ"))) {
+            double clock[2] = {0.0, 0.0};
+            if (hostAnchor && hostAnchor->ops && hostAnchor->ops->readClock)
+                hostAnchor->ops->readClock(hostAnchor, 16, clock, 0x10800000u);
+            cs.zoneOffset -= std::trunc(clock[1]);
+        }
+        f[kHour] = cs.savedHour;
+        f[kMinute] = cs.savedMinute;
+    }
+    if (f[kQuarter] != -1) f[kMonth] = f[kQuarter] * 3 - 2;
+
+    bool hasDate = false;
+    double date = missingValue();
+    if (f[kYear] != -1 && f[kYearDay] != -1) {
+        double code = ymdToYearDay(static_cast<double>(f[kYear]), 1, 1);
+        if (!isMissing(code)) code += static_cast<double>(f[kYearDay] - 1);
+        hasDate = true;
+        date = isMissing(code) ? code : yearDayToDayCount(code);
+    } else if (f[kYear] != -1 || f[kMonth] != -1 || f[kDay] != -1) {
+        const int64_t day = f[kDay] == -1 ? 1 : f[kDay];
+        const double code = ymdToYearDay(static_cast<double>(f[kYear]), static_cast<double>(f[kMonth]),
+                                         static_cast<double>(day));
+        hasDate = true;
+        date = isMissing(code) ? code : yearDayToDayCount(code);
+    }
+    if (hasDate && isMissing(date)) hasDate = false;
+
+    bool hasTime = false;
+    double time = 0.0;
+    if (f[kHour] != -1 || f[kMinute] != -1 || f[kSecond] != -1) {
+        const double h = f[kHour] == -1 ? 0.0 : static_cast<double>(f[kHour]);
+        const double m = f[kMinute] == -1 ? 0.0 : static_cast<double>(f[kMinute]);
+        const double s = f[kSecond] == -1 ? 0.0 : static_cast<double>(f[kSecond]);
+        time = (cs.fraction + cs.zoneOffset) + (h * 3600.0 + m * 60.0 + s);
+        hasTime = true;
+    }
+
+    if (row.kind[0] == u'D' && row.kind[1] == u'T' && row.kind[2] == u'E') {
+        *outValue = date;
+        *kindOut = 1;
+    } else if (row.kind[0] == u'T') {
+        *outValue = hasTime ? time : missingValue();
+        *kindOut = 2;
+    } else if (hasDate && hasTime) {
+        *outValue = date * 86400.0 + time;
+        *kindOut = 3;
+    } else {
+        *kindOut = 0;
+    }
+}
+
+} // namespace
+
+int64_t cleanDateText(ZvChar *text, int64_t length) {
+    int64_t n = length;
+    for (int pass = 0; pass < 2; ++pass) {
+        n = leftJustified(text, length);
+        for (int64_t i = 1; i < n; ++i) {
+            const ZvChar left = text[i - 1];
+            if (text[i] == u' ' && (left == u' ' || left == u'-' || left == u'/' || left == u':'))
+                text[i] = u'*';
+        }
+        int64_t k = 0;
+        for (int64_t i = 0; i < length; ++i)
+            if (text[i] != u'*') text[k++] = text[i];
+        for (int64_t i = k; i < length; ++i) text[i] = u' ';
+        n = leftJustified(text, length);
+    }
+    return n;
+}
+
+int32_t readByPattern(const ZvChar *name, int64_t nameLength, const DatePatternRow *row,
+                      const ZvChar *text, int64_t textLength, double *outValue, int32_t *kindOut,
+                      int32_t normalise) {
+    if (textLength < 0 || !text) textLength = 0;
+    if (nameLength < 0 || !name) nameLength = 0;
+
+    ZvChar normalised[kNormalisedRoom];
+    const ZvChar *work = text;
+    int64_t length = textLength;
+    if (normalise) {
+        length = textLength < kNormalisedRoom ? textLength : kNormalisedRoom;
+        for (int64_t i = 0; i < length; ++i) normalised[i] = text[i];
+        length = cleanDateText(normalised, length);
+        work = normalised;
+    }
+
+    CallState state;
+    // Digits throughout, once a "T" at the ninth place, a closing "Z" and
+    // the sign of a zone are taken for digits.
+    state.allDigits = true;
+    for (int64_t i = 0; i < length; ++i) {
+        ZvChar c = work[i];
+        if (i == 8 && c == u'T' && length > 9) c = u'0';
+        if (i == length - 1 && c == u'Z') c = u'0';
+        if ((length == 11 || length == 20) && i == length - 5 && (c == u'-' || c == u'+')) c = u'0';
+        if (!isAsciiDigit(c)) {
+            state.allDigits = false;
+            break;
+        }
+    }
+
+    const bool dayMonthYearName = nameLength == 6 && (sameText(name, 6, u"YYMMDD") ||
+                                                      sameText(name, 6, u"DDMMYY") ||
+                                                      sameText(name, 6, u"MMDDYY"));
+    ZvChar padded[9];
+    if (dayMonthYearName) {
+        int64_t a = 0, b = length;
+        while (a < b && work[a] == u' ') ++a;
+        while (b > a && work[b - 1] == u' ') --b;
+        bool digits = true;
+        for (int64_t i = a; i < b; ++i) digits = digits && isAsciiDigit(work[i]);
+        if (b - a < 8 && digits && (b - a) % 2 == 1) {
+            padded[0] = u'0';
+            for (int64_t i = a; i < b; ++i) padded[1 + i - a] = work[i];
+            work = padded;
+            length = 1 + b - a;
+        }
+    }
+
+    const DatePatternRow *const table = datePatternTable;
+    auto indexOf = [&](const DatePatternRow *r) -> int64_t {
+        for (int64_t i = 0; i < kDatePatternRowCount; ++i)
+            if (table + i == r) return i;
+        return -1;
+    };
+
+    const DatePatternRow *current = row;
+    if (!current) {
+        if (nameLength == 0) return kNoFormFits;
+        for (int i = 0; i < kDatePatternRowCount && !current; ++i) {
+            const DatePatternRow &r = table[i];
+            if (!sameText(name, nameLength, r.name)) continue;
+            const int64_t extra = holds(r.pattern, u'%', u'S') ? 10 : 0;
+            if (length >= static_cast<int64_t>(r.minWidth) && length <= static_cast<int64_t>(r.maxWidth) + extra) {
+                current = &r;
+                if (dayMonthYearName && length == 8 && !state.allDigits && !holds(r.pattern, u'%', u'c') &&
+                    i + 1 < kDatePatternRowCount)
+                    current = &table[i + 1];
+            }
+        }
+        if (!current) return kNoFormFits;
+    }
+
+    bool first = true;
+    while (true) {
+        *kindOut = 0;
+        if (!current) return kNoFormFits;
+        if (nameLength != 0 && !sameText(name, nameLength, current->name)) return kNoFormFits;
+        if (nameLength == 0 && !first) return kNoFormFits;
+        first = false;
+        if (!current->pattern) return 1;
+
+        RowTry r{};
+        r.text = work;
+        r.length = length;
+        r.pos = 0;
+        for (int64_t &f : r.field) f = -1;
+        r.amPm = u' ';
+        r.call = &state;
+        *outValue = 0.0;
+        if (tryRow(r, current->pattern)) {
+            valueOf(r, *current, name, nameLength, outValue, kindOut);
+            return 0;
+        }
+        *outValue = missingValue();
+        const int64_t at = indexOf(current);
+        current = at >= 0 && at + 1 < kDatePatternRowCount ? &table[at + 1] : nullptr;
+    }
+}
+
+} // namespace zv

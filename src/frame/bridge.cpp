@@ -1,5 +1,6 @@
 // The byte entry: one routine behind all formats that carries a wide
 // routine's text into the host encoding and fits it to the caller's field.
+#include <climits>
 #include <cstring>
 
 #include "frame/frame.hpp"
@@ -10,9 +11,16 @@ namespace {
 
 constexpr int32_t kLocalUnits = 256;
 
-// Statuses with which a routine returns before it writes anything.
-bool wroteNothing(int32_t status) {
-    return status == ZV_NO_INSTANCE || (status >= ZV_WIDTH_TOO_SMALL && status <= ZV_DECIMALS_TOO_LARGE);
+// An outputLength no routine sets: it tells that the routine left before
+// it wrote anything.
+constexpr int32_t kUntouched = INT32_MIN;
+
+// A routine that refuses its limits writes nothing; one that answers -1
+// has written nothing unless it set outputLength (a short week form gives
+// stars and -1).
+bool wroteNothing(int32_t status, int32_t outputLength) {
+    if (status >= ZV_WIDTH_TOO_SMALL && status <= ZV_DECIMALS_TOO_LARGE) return true;
+    return status == ZV_NO_INSTANCE && outputLength == kUntouched;
 }
 
 int32_t transcodeInto(HostTranscoder *t, const ZvChar *text, int64_t units, void *target,
@@ -45,10 +53,10 @@ int32_t runByteEntry(ZvWideEntry wide, Justify mark, FormatCall *call, FormatCal
     }
     copy.output = buffer;
     copy.outputCapacity = bufferUnits;
-    copy.outputLength = 0;
+    copy.outputLength = kUntouched;
 
     int32_t status = wide(&copy, opaque);
-    if (!wroteNothing(status)) {
+    if (!wroteNothing(status, copy.outputLength)) {
         int64_t units = copy.outputLength;
         if (units < 0) units = 0;
         if (units > bufferUnits) units = bufferUnits;
@@ -59,7 +67,9 @@ int32_t runByteEntry(ZvWideEntry wide, Justify mark, FormatCall *call, FormatCal
         auto *target = static_cast<unsigned char *>(source->output);
 
         int64_t produced = 0;
-        status = transcodeInto(call->transcoder, buffer, units, target, field, &produced);
+        // The routine's own answer stands unless the transcoding fails.
+        const int32_t transcoded = transcodeInto(call->transcoder, buffer, units, target, field, &produced);
+        if (transcoded != 0) status = transcoded;
         source->outputLength = static_cast<int32_t>(produced);
 
         if (status == ZV_TARGET_TOO_SMALL) {

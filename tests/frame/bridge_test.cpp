@@ -236,3 +236,23 @@ TEST_F(Loaded, AFailedWideBufferIsReportedAsExhaustedMemory) {
 }
 
 } // namespace
+
+namespace {
+
+// A routine that writes stars and answers -1, as a short week form does at
+// a width it has no text for.
+int32_t starsAndMinusOne(FormatCall *call, void *) {
+    zv::starFill(call);
+    return -1;
+}
+
+TEST_F(Loaded, StarsWithMinusOneStillReachTheTarget) {
+    double v = 1;
+    std::vector<unsigned char> target(6, 0xEE);
+    FormatCall c = makeCall(host, &v, target.data(), 6, 6);
+    EXPECT_EQ((zv::byteEntry<starsAndMinusOne, zv::Justify::Left>(&c, nullptr, nullptr)), -1);
+    EXPECT_EQ(c.outputLength, 6);
+    EXPECT_EQ(std::string(target.begin(), target.end()), "******");
+}
+
+} // namespace

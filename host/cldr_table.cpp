@@ -516,7 +516,10 @@ private:
         int32_t primary = format->getGroupingSize();
         int32_t secondary = format->getSecondaryGroupingSize();
         std::string text = std::to_string(primary);
-        if (secondary > 0 && secondary != primary) text += ";" + std::to_string(secondary);
+        if (secondary > 0 && secondary != primary) {
+            text += ';';
+            text += std::to_string(secondary);
+        }
         return text;
     }
 

@@ -8,6 +8,7 @@
 #include "datefmt/names.hpp"
 #include "dateread/dateread.hpp"
 #include "numfmt/numfmt.hpp"
+#include "numread/numread.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
 namespace zv::entry {
@@ -17,12 +18,12 @@ constexpr ZvWideEntry kPending = nullptr;
 // ---- informats ---------------------------------------------------------------
 constexpr ZvWideEntry readNlDate = &zv::readNlDate;         // @NLDATE, @NLDATEW
 constexpr ZvWideEntry readNlDatetime = &zv::readNlDatetime; // @NLDATM, @NLDATMAP, @NLDATMW
-constexpr ZvWideEntry readNlMny = kPending;
-constexpr ZvWideEntry readNlMnyI = kPending;
-constexpr ZvWideEntry readNlNum = kPending;
-constexpr ZvWideEntry readNlNumI = kPending;
-constexpr ZvWideEntry readNlPct = kPending;
-constexpr ZvWideEntry readNlPctI = kPending;
+constexpr ZvWideEntry readNlMny = &zv::readNlMny;
+constexpr ZvWideEntry readNlMnyI = &zv::readNlMnyI;
+constexpr ZvWideEntry readNlNum = &zv::readNlNum;
+constexpr ZvWideEntry readNlNumI = &zv::readNlNumI;
+constexpr ZvWideEntry readNlPct = &zv::readNlPct;
+constexpr ZvWideEntry readNlPctI = &zv::readNlPctI;
 constexpr ZvWideEntry readNlTime = &zv::readNlTime;         // @NLTIMAP, @NLTIME
 constexpr ZvWideEntry readNlStrMon = kPending;
 constexpr ZvWideEntry readWeekU = kPending;
@@ -33,8 +34,10 @@ constexpr ZvWideEntry readWeekW = kPending;
 #include "locale/currency_codes.inc"
 
 #define ZV_DECLARE_CURRENCY_ENTRIES(code)                                                      \
-    constexpr ZvWideEntry readNlMni##code = kPending;                                          \
-    constexpr ZvWideEntry readNlMnl##code = kPending;                                          \
+    constexpr ZvWideEntry readNlMni##code =                                                    \
+        &zv::readCurrencyMember<&zv::currency##code, zv::CurrencyForm::Code>;                 \
+    constexpr ZvWideEntry readNlMnl##code =                                                    \
+        &zv::readCurrencyMember<&zv::currency##code, zv::CurrencyForm::Symbol>;               \
     constexpr ZvWideEntry writeNlMni##code =                                                   \
         &zv::writeCurrencyMember<&zv::currency##code, zv::CurrencyForm::Code>;                \
     constexpr ZvWideEntry writeNlMnl##code =                                                   \

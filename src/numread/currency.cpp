@@ -1,0 +1,140 @@
+// @NLMNI<code> and @NLMNL<code>: an amount written with a currency's ISO code
+// or symbol in the shape of the locale's own money. The currency's mark is
+// cut out whole, the locale's marks become plain ones, and the plain reader
+// does the rest; what it can't read stays missing.
+#include <cstring>
+
+#include "frame/frame.hpp"
+#include "locale/block.hpp"
+#include "numread/numread.hpp"
+#include "numread/work.hpp"
+#include "wide/wide.hpp"
+
+namespace zv {
+
+namespace {
+
+constexpr int kMarkUnits = 64; // room that decodeRowSymbol may fill
+
+int64_t zeroEndedLength(const ZvChar *text) {
+    if (!text) return 0;
+    int64_t n = 0;
+    while (n < ZV_ITEM_TEXT_UNITS && text[n]) ++n;
+    return n;
+}
+
+// Every unit equal to the sign's first unit, or under position 0 every
+// parenthesis, leaves the text. True when it shrank.
+bool removeSignForm(ZvChar *text, int64_t *n, int32_t position, const ZvChar *sign) {
+    const int64_t before = *n;
+    if (position != 0) {
+        if (!sign || sign[0] == 0) return false;
+        *n = removeCharacters(text, *n, sign, 1);
+    } else {
+        static constexpr ZvChar kParentheses[2] = {u'(', u')'};
+        *n = removeCharacters(text, *n, kParentheses, 2);
+    }
+    return *n < before;
+}
+
+} // namespace
+
+int32_t readCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
+                           CurrencyForm form) {
+    if (!ensureMonetaryRecord(call, instance)) return ZV_UNREADABLE;
+    int64_t length = call->inputLength < call->fieldLimit ? call->inputLength : call->fieldLimit;
+    if (length <= 0 || !call->input) return ZV_UNREADABLE;
+    if (length > kReadUnits) length = kReadUnits;
+    const CurrencyRow &money = static_cast<MonetaryRecord *>(instance->monetaryRecord)->row;
+
+    // The currency's mark.
+    ZvChar mark[kMarkUnits + 1] = {};
+    int64_t markLength = 0;
+    if (form == CurrencyForm::Code) {
+        markLength = zeroEndedLength(row.code);
+        if (markLength > kMarkUnits) markLength = kMarkUnits;
+        if (markLength > 0) std::memcpy(mark, row.code, size_t(markLength) * sizeof(ZvChar));
+    } else {
+        markLength = decodeRowSymbol(row, call, mark);
+        if (markLength < 0) markLength = 0;
+        if (markLength > kMarkUnits) markLength = kMarkUnits;
+    }
+
+    ZvChar text[kReadUnits + 1] = {};
+    std::memcpy(text, call->input, size_t(length) * sizeof(ZvChar));
+    int64_t n = length;
+
+    // The locale's separators become plain ones, unless its groups are
+    // blanks or commas already.
+    const ZvChar *group = money.groupSeparator;
+    const ZvChar *point = money.decimalSeparator;
+    const ZvChar point0 = point ? point[0] : 0;
+    const int64_t groupLength = zeroEndedLength(group);
+    if (groupLength == 0 || (group[0] != u' ' && group[0] != u',')) {
+        if (groupLength == 2) {
+            int64_t i = 0, o = 0;
+            while (i < n - 1) {
+                if (text[i] == group[0] && text[i + 1] == group[1]) {
+                    text[o++] = u',';
+                    i += 2;
+                } else {
+                    text[o++] = point0 == u',' && text[i] == u',' ? u'.' : text[i];
+                    ++i;
+                }
+            }
+            if (i == n - 1) text[o++] = text[i];
+            n = o;
+        } else {
+            for (int64_t i = 0; i < n; ++i) {
+                if (groupLength > 0 && text[i] == group[0]) text[i] = u',';
+                else if (point0 != 0 && text[i] == point0) text[i] = u'.';
+            }
+        }
+    }
+
+    // The mark goes out whole, as often as it stands.
+    if (markLength > 0) {
+        for (int64_t at = findSubstring(text, n, mark, markLength); at >= 0;
+             at = findSubstring(text, n, mark, markLength)) {
+            for (int64_t i = at + markLength; i < n; ++i) text[i - markLength] = text[i];
+            n -= markLength;
+        }
+    }
+
+    if (removeSignForm(text, &n, money.negativeSignPosition, money.negativeSign)) {
+        for (int64_t i = n; i > 0; --i) text[i] = text[i - 1];
+        text[0] = u'-';
+        ++n;
+    } else {
+        removeSignForm(text, &n, money.positiveSignPosition, money.positiveSign);
+    }
+
+    const void *input = call->input;
+    const int32_t inputLength = call->inputLength;
+    const int32_t decimals = call->decimals;
+    call->input = text;
+    call->inputLength = static_cast<int32_t>(n);
+    if (n == 0 || findChar(text, n, u'.') < 0) call->decimals = 0;
+    readPlainNumber(call); // what can't be read stays missing
+    call->input = input;
+    call->inputLength = inputLength;
+    call->decimals = decimals;
+    return ZV_OK;
+}
+
+int32_t runCurrencyReader(FormatCall *call, const CurrencyRow &row, CurrencyForm form) {
+    ExtensionInstance *instance = findInstance(call);
+    if (!instance) return ZV_NO_INSTANCE;
+    bool builtNow = false;
+    if (!call->localeBlock) {
+        if (buildLocaleBlock(call, instance) != 0 || !call->localeBlock) return ZV_UNREADABLE;
+        builtNow = true;
+    }
+    // The snapshot follows each block built here, and a record about to be
+    // made from it takes the block at hand rather than an unfilled snapshot.
+    if (builtNow || !instance->monetaryRecord)
+        std::memcpy(instance->itemSnapshot, call->localeBlock->items, sizeof instance->itemSnapshot);
+    return readCurrencyAmount(call, row, instance, form);
+}
+
+} // namespace zv

@@ -1,0 +1,348 @@
+// @NLNUM, @NLNUMI, @NLMNY, @NLMNYI, @NLPCT and @NLPCTI: the front that bounds
+// and checks the text, and the three readers that translate a locale's marks
+// into the plain form for the plain readers.
+#include <cstring>
+
+#include "frame/frame.hpp"
+#include "locale/block.hpp"
+#include "numread/numread.hpp"
+#include "numread/work.hpp"
+#include "wide/wide.hpp"
+
+namespace zv {
+
+namespace {
+
+// Units in use of a two-unit mark of a context (separators, signs).
+int64_t markLength(const ZvChar *mark) { return mark[0] == 0 ? 0 : (mark[1] == 0 ? 1 : 2); }
+
+int64_t symbolLength(const NumberContext &context) {
+    int64_t n = 0;
+    while (n < 52 && context.symbol[n]) ++n;
+    return n;
+}
+
+bool isAsciiDigit(ZvChar u) { return u >= u'0' && u <= u'9'; }
+
+// The reader's own copy of the text, at most kReadUnits units.
+struct ReadText {
+    ZvChar c[kReadUnits + 1] = {};
+    int64_t n = 0;
+
+    void take(const FormatCall *call, int64_t length) {
+        if (length > call->width) length = call->width;
+        if (length > kReadUnits) length = kReadUnits;
+        if (length < 0 || !call->input) length = 0;
+        n = length;
+        if (n > 0) std::memcpy(c, call->input, size_t(n) * sizeof(ZvChar));
+    }
+    void dropFront(int64_t count) {
+        for (int64_t i = count; i < n; ++i) c[i - count] = c[i];
+        n -= count;
+    }
+    void putFront(ZvChar u) {
+        if (n >= kReadUnits) --n; // room for the sign; the last unit gives way
+        for (int64_t i = n; i > 0; --i) c[i] = c[i - 1];
+        c[0] = u;
+        ++n;
+    }
+    void removeAll(ZvChar u) { n = removeCharacters(c, n, &u, 1); }
+    bool startsWith(const ZvChar *mark, int64_t length) const {
+        return length > 0 && n >= length && std::memcmp(c, mark, size_t(length) * sizeof(ZvChar)) == 0;
+    }
+    bool endsWith(const ZvChar *mark, int64_t length) const {
+        return length > 0 && n >= length &&
+               std::memcmp(c + n - length, mark, size_t(length) * sizeof(ZvChar)) == 0;
+    }
+};
+
+// Sign forms at the ends of the text only: the sign at the start or else at
+// the end, or under position 0 a pair of parentheses round the whole. True
+// when something was dropped.
+bool dropEndForm(ReadText &text, int32_t position, const ZvChar *sign) {
+    if (position != 0) {
+        if (sign[0] == 0) return false;
+        const int64_t length = markLength(sign);
+        if (text.startsWith(sign, length)) {
+            text.dropFront(length);
+            return true;
+        }
+        if (text.endsWith(sign, length)) {
+            text.n -= length;
+            return true;
+        }
+        return false;
+    }
+    if (text.n >= 2 && text.c[0] == u'(' && text.c[text.n - 1] == u')') {
+        --text.n;
+        text.dropFront(1);
+        return true;
+    }
+    return false;
+}
+
+// Sign forms anywhere in the text: every unit equal to the sign's first
+// unit, or under position 0 every parenthesis. True when the text shrank.
+bool removeForm(ReadText &text, int32_t position, const ZvChar *sign) {
+    const int64_t before = text.n;
+    if (position != 0) {
+        if (sign[0] == 0) return false;
+        text.removeAll(sign[0]);
+    } else {
+        text.removeAll(u'(');
+        text.removeAll(u')');
+    }
+    return text.n < before;
+}
+
+// Runs a plain reader on the reader's text with `input`, `inputLength`,
+// `width` and `decimals` set for it, and puts them back.
+int32_t runPlain(FormatCall *call, const ReadText &text, int32_t (*plain)(FormatCall *)) {
+    const void *input = call->input;
+    const int32_t inputLength = call->inputLength;
+    const int32_t width = call->width;
+    const int32_t decimals = call->decimals;
+    call->input = text.c;
+    call->inputLength = static_cast<int32_t>(text.n);
+    call->width = static_cast<int32_t>(text.n);
+    if (findChar(text.c, text.n, u'.') < 0) call->decimals = 0;
+    const int32_t status = plain(call);
+    call->input = input;
+    call->inputLength = inputLength;
+    call->width = width;
+    call->decimals = decimals;
+    return status;
+}
+
+// The count of digits behind the number's own decimal separator, when the
+// symbol takes that separator with it on removal; 0 otherwise.
+int64_t digitsBehindPoint(const ReadText &text, const NumberContext &own, const NumberContext &other) {
+    auto symbolHoldsPoint = [](const NumberContext &context) {
+        const ZvChar point = context.decimalSeparator[0];
+        return point != 0 && findChar(context.symbol, symbolLength(context), point) > 0;
+    };
+    const ZvChar point = own.decimalSeparator[0];
+    if (!symbolHoldsPoint(other) && !symbolHoldsPoint(own)) return 0;
+    if (point == 0 || findChar(text.c, text.n, point) <= 0) return 0;
+    int64_t count = 0;
+    for (int64_t i = text.n - 1; i >= 0; --i) {
+        const ZvChar u = text.c[i];
+        if (isAsciiDigit(u)) {
+            ++count;
+            continue;
+        }
+        if (u == point && count > 0) {
+            if (i == 0) return count;
+            const ZvChar before = text.c[i - 1];
+            auto lastOf = [&](const NumberContext &context) {
+                const int64_t n = symbolLength(context);
+                return n > 0 && context.symbol[n - 1] == before;
+            };
+            if (isAsciiDigit(before) || before == u' ' || lastOf(own) || lastOf(other)) return count;
+            return 0;
+        }
+        count = 0;
+    }
+    return 0;
+}
+
+using LocaleReader = int32_t (*)(int64_t, LocaleBlock *, int, FormatCall *);
+using PlainReader = int32_t (*)(FormatCall *);
+
+// The units that come back when `units` units of the text go to the host
+// encoding with `width` bytes of room and back to UTF-16; -1 when the way
+// back fails.
+int64_t roundTrip(FormatCall *call, int64_t units) {
+    HostTranscoder *out = call->transcoder;
+    HostAnchor *anchor = hostAnchor;
+    if (!anchor)
+        if (ExtensionInstance *instance = findInstance(call)) anchor = instance->anchor;
+    NlsServices *nls = anchor ? anchor->nlsServices : nullptr;
+    if (!out || !out->ops || !out->ops->transcode || !nls || !nls->ops) return -1;
+
+    unsigned char bytes[256];
+    int64_t capacity = call->width;
+    if (capacity > int64_t(sizeof bytes)) capacity = sizeof bytes;
+    if (capacity < 0) capacity = 0;
+    int64_t produced = 0;
+    out->ops->transcode(out, call->input, units * 2, bytes, capacity, &produced, 0);
+    if (produced < 0) produced = 0;
+    if (produced > capacity) produced = capacity;
+
+    // The way back: the host's transcoder for the encoding, when it reads that
+    // encoding into UTF-16; else one made for the purpose.
+    const uint32_t encoding = out->encodingId;
+    HostTranscoder *back = nullptr;
+    if (nls->ops->transcoderForEncoding) {
+        back = nls->ops->transcoderForEncoding(nls, encoding, 0, 0);
+        if (back && back->encodingId != ZV_ENCODING_UTF16) {
+            if (back->ops && back->ops->transcoderRelease) back->ops->transcoderRelease(back);
+            back = nullptr;
+        }
+    }
+    if (!back && nls->ops->createTranscoder)
+        back = nls->ops->createTranscoder(nls, encoding, ZV_ENCODING_UTF16, 0, 0);
+    if (!back || !back->ops || !back->ops->transcode) return -1;
+
+    ZvChar wide[32];
+    int64_t came = 0;
+    const int32_t status = back->ops->transcode(back, bytes, produced, wide, sizeof wide, &came, 0);
+    if (back->ops->transcoderRelease) back->ops->transcoderRelease(back);
+    if (status != 0) return -1;
+    return came < 0 ? 0 : came / 2;
+}
+
+// What all six informats do: bound and trim the text, find the instance,
+// check the limits, measure the text in host bytes, make sure of a locale
+// block, and run the locale reader.
+int32_t readFront(FormatCall *call, int item, LocaleReader reader, PlainReader plain) {
+    int64_t n = call->inputLength < call->fieldLimit ? call->inputLength : call->fieldLimit;
+    if (n < 0 || !call->input) n = 0;
+    n = lengthWithoutTrailingBlanks(static_cast<const ZvChar *>(call->input), n);
+    if (n <= 0) return ZV_UNREADABLE;
+
+    // The plain route reads no further than the front allows.
+    auto plainRoute = [&]() {
+        const int32_t inputLength = call->inputLength;
+        call->inputLength = static_cast<int32_t>(n);
+        const int32_t status = plain(call);
+        call->inputLength = inputLength;
+        return status;
+    };
+
+    ExtensionInstance *instance = findInstance(call);
+    if (!instance) return plainRoute();
+    int32_t status = 0;
+    if (!checkReadLimits(call, &status)) return status;
+
+    const int64_t came = roundTrip(call, n);
+    if (came < 0) return plainRoute();
+    if (came < n) n = came;
+
+    if (!call->localeBlock && buildLocaleBlock(call, instance) != 0) return plainRoute();
+    if (!call->localeBlock) return plainRoute();
+    return reader(n, call->localeBlock, item, call) == 0 ? ZV_OK : ZV_UNREADABLE;
+}
+
+} // namespace
+
+int32_t translateSeparators(ZvChar *text, int64_t *length, const NumberContext &context) {
+    const ZvChar *point = context.decimalSeparator;
+    const ZvChar *group = context.groupSeparator;
+    const int64_t groupLength = markLength(group);
+    int64_t n = *length;
+    if (group[0] != u',') {
+        if (groupLength == 2) {
+            int64_t i = 0, o = 0;
+            while (i < n - 1) {
+                if (text[i] == group[0] && text[i + 1] == group[1]) {
+                    text[o++] = u',';
+                    i += 2;
+                } else {
+                    text[o++] = point[0] == u',' && text[i] == u',' ? u'.' : text[i];
+                    ++i;
+                }
+            }
+            if (i == n - 1) text[o++] = text[i];
+            n = o;
+        } else {
+            if (n > 0 && text[0] == u'\'' && text[n - 1] == u'\'') return -1;
+            for (int64_t i = 0; i < n; ++i) {
+                if (point[0] == u',' && text[i] == u',') text[i] = u'.';
+                else if (groupLength == 1 && text[i] == group[0]) text[i] = u',';
+            }
+        }
+    }
+    if (point[0] != 0 && point[0] != u',' && point[0] != u'.')
+        for (int64_t i = 0; i < n; ++i)
+            if (text[i] == point[0]) text[i] = u'.';
+    *length = n;
+    return 0;
+}
+
+int32_t readLocaleNumber(int64_t length, LocaleBlock *block, int item, FormatCall *call) {
+    const NumberContext &context = *contextOf(block, item);
+    ReadText text;
+    text.take(call, length);
+    if (text.n >= 2) {
+        if (translateSeparators(text.c, &text.n, context) != 0) return -1;
+        if (dropEndForm(text, context.negativeSignPosition, context.negativeSign))
+            text.putFront(u'-');
+        else
+            dropEndForm(text, context.positiveSignPosition, context.positiveSign);
+    }
+    return runPlain(call, text, readPlainNumber);
+}
+
+int32_t readLocaleMoney(int64_t length, LocaleBlock *block, int item, FormatCall *call) {
+    const NumberContext &own = *contextOf(block, item);
+    const NumberContext &other = *contextOf(block, item == 170 ? 171 : 170);
+    ReadText text;
+    text.take(call, length);
+
+    const int64_t shifted = digitsBehindPoint(text, own, other);
+
+    // An exponent's E stays, whatever letters the symbols hold.
+    const int64_t e = text.n > 1 ? findChar(text.c + 1, text.n - 1, u'E') : -1;
+    int64_t hashesBefore = -1;
+    if (e >= 0) {
+        hashesBefore = 0;
+        for (int64_t i = 0; i <= e; ++i) hashesBefore += text.c[i] == u'#';
+        text.c[e + 1] = u'#';
+    }
+    text.n = removeCharacters(text.c, text.n, own.symbol, symbolLength(own));
+    text.n = removeCharacters(text.c, text.n, other.symbol, symbolLength(other));
+    if (hashesBefore >= 0) {
+        for (int64_t i = 0, seen = 0; i < text.n; ++i) {
+            if (text.c[i] != u'#') continue;
+            if (seen++ == hashesBefore) {
+                text.c[i] = u'E';
+                break;
+            }
+        }
+    }
+
+    if (translateSeparators(text.c, &text.n, own) != 0) return -1;
+    if (removeForm(text, own.negativeSignPosition, own.negativeSign))
+        text.putFront(u'-');
+    else
+        removeForm(text, own.positiveSignPosition, own.positiveSign);
+
+    if (text.n < 1) {
+        storeValue(call, missingValue());
+        return 0;
+    }
+    const int32_t status = runPlain(call, text, readPlainNumber);
+    if (shifted > 0 && call->output) {
+        double value;
+        std::memcpy(&value, call->output, sizeof value);
+        if (!isMissing(value)) {
+            for (int64_t i = 0; i < shifted; ++i) value /= 10.0;
+            storeValue(call, value);
+        }
+    }
+    return status;
+}
+
+int32_t readLocalePercent(int64_t length, LocaleBlock *block, int item, FormatCall *call) {
+    const NumberContext &context = *contextOf(block, item);
+    ReadText text;
+    text.take(call, length);
+    if (translateSeparators(text.c, &text.n, context) != 0) return -1;
+    if (removeForm(text, context.negativeSignPosition, context.negativeSign)) {
+        text.removeAll(u' ');
+        text.putFront(u'-');
+    } else {
+        removeForm(text, context.positiveSignPosition, context.positiveSign);
+    }
+    return runPlain(call, text, readPlainPercent);
+}
+
+int32_t readNlNum(FormatCall *call, void *) { return readFront(call, 183, readLocaleNumber, readPlainNumber); }
+int32_t readNlNumI(FormatCall *call, void *) { return readFront(call, 184, readLocaleNumber, readPlainNumber); }
+int32_t readNlMny(FormatCall *call, void *) { return readFront(call, 170, readLocaleMoney, readPlainNumber); }
+int32_t readNlMnyI(FormatCall *call, void *) { return readFront(call, 171, readLocaleMoney, readPlainNumber); }
+int32_t readNlPct(FormatCall *call, void *) { return readFront(call, 185, readLocalePercent, readPlainPercent); }
+int32_t readNlPctI(FormatCall *call, void *) { return readFront(call, 186, readLocalePercent, readPlainPercent); }
+
+} // namespace zv

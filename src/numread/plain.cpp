@@ -1,0 +1,174 @@
+// The plain readers: text with '.' for the decimal point, ',' in groups and a
+// leading '-' goes to the host's parseDouble after the marks that the number
+// may carry are taken out.
+#include <cstring>
+
+#include "frame/frame.hpp"
+#include "numread/numread.hpp"
+#include "numread/work.hpp"
+#include "wide/wide.hpp"
+
+namespace zv {
+
+namespace {
+
+// The most a plain reader takes in; a longer text isn't a number of ours.
+constexpr int64_t kPlainUnits = 256;
+
+// The host's answer when there is no parser to ask, or the text is longer
+// than any number we read.
+constexpr int32_t kNoParser = ZV_UNREADABLE;
+
+constexpr double kPowersOfTen[32] = {
+    1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e24, 1e25, 1e26, 1e27, 1e28, 1e29, 1e30, 1e31,
+};
+
+struct PlainText {
+    ZvChar c[kPlainUnits];
+    int64_t n = 0;
+
+    // Leading blanks out, trailing blanks off.
+    void justifyLeft() {
+        int64_t lead = 0;
+        while (lead < n && c[lead] == u' ') ++lead;
+        for (int64_t i = lead; i < n; ++i) c[i - lead] = c[i];
+        n -= lead;
+        while (n > 0 && c[n - 1] == u' ') --n;
+    }
+};
+
+// Steps shared by both readers: validation, the missing value in output, the
+// text taken in and trimmed. False when the reader is done and *status holds
+// its answer.
+bool takeText(FormatCall *call, PlainText &text, int32_t *status) {
+    if (!checkReadLimits(call, status)) return false;
+    storeValue(call, missingValue());
+    int64_t length = call->inputLength < call->width ? call->inputLength : call->width;
+    if (length < 0 || !call->input) length = 0;
+    const auto *in = static_cast<const ZvChar *>(call->input);
+    // Leading blanks don't count against the room.
+    int64_t lead = 0;
+    while (lead < length && in[lead] == u' ') ++lead;
+    int64_t end = length;
+    while (end > lead && in[end - 1] == u' ') --end;
+    if (end - lead > kPlainUnits) {
+        *status = kNoParser;
+        return false;
+    }
+    text.n = end - lead;
+    if (text.n > 0) std::memcpy(text.c, in + lead, size_t(text.n) * sizeof(ZvChar));
+    if (text.n < 1) {
+        *status = 0; // blank text reads as missing
+        return false;
+    }
+    return true;
+}
+
+// parseDouble of the host's current locale on the text; the value lands in
+// output as the host left it.
+int32_t parseInto(FormatCall *call, const PlainText &text, double *value) {
+    HostLocale *locale = currentHostLocale(call);
+    *value = missingValue();
+    if (!locale || !locale->ops || !locale->ops->parseDouble) return kNoParser;
+    int64_t used = 0;
+    const int32_t status = locale->ops->parseDouble(locale, text.c, text.n, value, &used);
+    storeValue(call, *value);
+    return status;
+}
+
+} // namespace
+
+bool checkReadLimits(const FormatCall *call, int32_t *status) {
+    if (!(call->flags & ZV_FLAG_CHECK_LIMITS)) return true;
+    if (call->width < 1) *status = ZV_WIDTH_TOO_SMALL;
+    else if (call->width > kReadUnits) *status = ZV_WIDTH_TOO_LARGE;
+    else if (call->decimals < 0) *status = ZV_DECIMALS_TOO_SMALL;
+    else if (call->decimals > 31) *status = ZV_DECIMALS_TOO_LARGE;
+    else return true;
+    return false;
+}
+
+void storeValue(FormatCall *call, double value) {
+    if (call->output) std::memcpy(call->output, &value, sizeof value);
+}
+
+HostLocale *currentHostLocale(const FormatCall *call) {
+    HostAnchor *anchor = hostAnchor;
+    if (!anchor)
+        if (ExtensionInstance *instance = findInstance(call)) anchor = instance->anchor;
+    if (anchor && anchor->nlsServices && anchor->nlsServices->ops &&
+        anchor->nlsServices->ops->currentLocale)
+        if (HostLocale *current = anchor->nlsServices->ops->currentLocale(anchor->nlsServices))
+            return current;
+    // A host without character services: the call's own locale parses.
+    return call->locale;
+}
+
+int32_t readPlainNumber(FormatCall *call) {
+    PlainText text;
+    int32_t status = 0;
+    if (!takeText(call, text, &status)) return status;
+
+    // A leading '-' stays; blanks, '%', '-', '$' and ',' go from the rest.
+    int64_t kept = text.c[0] == u'-' ? 1 : 0;
+    for (int64_t i = kept; i < text.n; ++i) {
+        const ZvChar u = text.c[i];
+        if (u == u' ' || u == u'%' || u == u'-' || u == u'$' || u == u',') continue;
+        text.c[kept++] = u;
+    }
+    text.n = kept;
+
+    bool negate = false;
+    if (text.n >= 2 && text.c[0] == u'(' && text.c[text.n - 1] == u')') {
+        text.c[0] = u' ';
+        text.c[text.n - 1] = u' ';
+        text.justifyLeft();
+        negate = true;
+    }
+
+    double value = 0;
+    status = parseInto(call, text, &value);
+    if (status != 0) return status;
+    if (!isMissing(value)) {
+        const int32_t decimals = call->decimals;
+        if (decimals > 0 && findChar(text.c, text.n, u'.') < 0)
+            value /= kPowersOfTen[decimals < 31 ? decimals : 31];
+        if (negate) value = doubleOf(bitsOf(value) ^ 0x8000000000000000ull);
+        storeValue(call, value);
+    }
+    return 0;
+}
+
+int32_t readPlainPercent(FormatCall *call) {
+    PlainText text;
+    int32_t status = 0;
+    if (!takeText(call, text, &status)) return status;
+
+    bool negate = false;
+    if (text.c[0] == u'(') {
+        text.c[0] = u' ';
+        const int64_t close = findChar(text.c, text.n, u')');
+        if (close >= 0) text.c[close] = u' ';
+        text.justifyLeft();
+        negate = true;
+        if (text.n < 1) return ZV_NO_FORM_FITS;
+    }
+    bool percent = false;
+    if (text.c[text.n - 1] == u'%') {
+        --text.n;
+        percent = true;
+        if (negate && text.n < 1) return ZV_NO_FORM_FITS;
+    }
+
+    double value = 0;
+    status = parseInto(call, text, &value);
+    if (status != 0) return status;
+    if (isMissing(value)) return 0;
+    if (percent) value /= 100.0;
+    if (negate) value = doubleOf(bitsOf(value) ^ 0x8000000000000000ull);
+    storeValue(call, value);
+    return 0;
+}
+
+} // namespace zv

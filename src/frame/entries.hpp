@@ -7,6 +7,7 @@
 #include "datefmt/ladders.hpp"
 #include "datefmt/names.hpp"
 #include "dateread/dateread.hpp"
+#include "dateread/weekread.hpp"
 #include "numfmt/numfmt.hpp"
 #include "numread/numread.hpp"
 #include "zvlocfmt/zvlocfmt.h"
@@ -25,10 +26,10 @@ constexpr ZvWideEntry readNlNumI = &zv::readNlNumI;
 constexpr ZvWideEntry readNlPct = &zv::readNlPct;
 constexpr ZvWideEntry readNlPctI = &zv::readNlPctI;
 constexpr ZvWideEntry readNlTime = &zv::readNlTime;         // @NLTIMAP, @NLTIME
-constexpr ZvWideEntry readNlStrMon = kPending;
-constexpr ZvWideEntry readWeekU = kPending;
-constexpr ZvWideEntry readWeekV = kPending;
-constexpr ZvWideEntry readWeekW = kPending;
+constexpr ZvWideEntry readNlStrMon = &zv::readNlStrMonth;
+constexpr ZvWideEntry readWeekU = &zv::readWeekU;
+constexpr ZvWideEntry readWeekV = &zv::readWeekV;
+constexpr ZvWideEntry readWeekW = &zv::readWeekW;
 
 // Per-currency informats and formats, by ISO code.
 #include "locale/currency_codes.inc"

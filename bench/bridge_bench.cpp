@@ -26,15 +26,7 @@ int32_t fixedText(FormatCall *call, void *) {
     return 0;
 }
 
-struct Setup {
-    zvhost::Host host;
-    ExtensionInstance *instance = host.loadModule();
-};
-
-Setup &setup() {
-    static Setup s;
-    return s;
-}
+zvbench::Shared &setup() { return zvbench::shared(); }
 
 FormatCall makeCall(const double *value, void *out, int32_t width, const char *encoding) {
     FormatCall c;

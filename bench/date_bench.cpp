@@ -21,15 +21,7 @@ constexpr double kDay = 23440;                          // 5 March 2024
 constexpr double kSecond = 23440 * 86400.0 + 50829.125; // 14:07:09.125
 constexpr double kUnixOfDay = (23440.0 - 3653.0) * 86400.0;
 
-struct Setup {
-    zvhost::Host host;
-    ExtensionInstance *instance = host.loadModule();
-};
-
-Setup &setup() {
-    static Setup s;
-    return s;
-}
+zvbench::Shared &setup() { return zvbench::shared(); }
 
 // A call record that keeps its locale block, as a host would for a column.
 struct Column {

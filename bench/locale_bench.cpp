@@ -17,15 +17,7 @@
 
 namespace {
 
-struct Setup {
-    zvhost::Host host;
-    ExtensionInstance *instance = host.loadModule();
-};
-
-Setup &setup() {
-    static Setup s;
-    return s;
-}
+zvbench::Shared &setup() { return zvbench::shared(); }
 
 void firstOpen(benchmark::State &state) {
     std::vector<uint8_t> table;

@@ -16,15 +16,7 @@ namespace {
 
 constexpr double kValue = -1234567.891;
 
-struct Setup {
-    zvhost::Host host;
-    ExtensionInstance *instance = host.loadModule();
-};
-
-Setup &setup() {
-    static Setup s;
-    return s;
-}
+zvbench::Shared &setup() { return zvbench::shared(); }
 
 struct Column {
     FormatCall call;

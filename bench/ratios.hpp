@@ -1,10 +1,23 @@
-// Pairs of benchmarks whose time ratio the driver prints at the end.
+// What the benchmarks share: one host with the module loaded, and the pairs
+// of benchmarks whose time ratio the driver prints at the end.
 #pragma once
 
 #include <string>
 #include <vector>
 
+#include "zvhost.hpp"
+
 namespace zvbench {
+
+struct Shared {
+    zvhost::Host host;
+    ExtensionInstance *instance = host.loadModule();
+};
+
+inline Shared &shared() {
+    static Shared s;
+    return s;
+}
 
 struct RatioPair {
     std::string ours;

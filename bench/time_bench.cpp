@@ -20,18 +20,10 @@ constexpr double kTime = 50829;                           // 14:07:09
 constexpr double kSecond = 23440 * 86400.0 + 50829;       // 5 March 2024 14:07:09
 constexpr double kUnixMillis = (kSecond - 3653 * 86400.0) * 1000.0;
 
-struct Setup {
-    zvhost::Host host;
-    ExtensionInstance *instance = nullptr;
-    Setup() {
-        host.setTimeZone("Asia/Kolkata"); // +0530 for NLDATMZ
-        instance = host.loadModule();
-    }
-};
-
-Setup &setup() {
-    static Setup s;
-    return s;
+zvbench::Shared &setup() {
+    static const bool zone = zvbench::shared().host.setTimeZone("Asia/Kolkata"); // +0530 for NLDATMZ
+    (void)zone;
+    return zvbench::shared();
 }
 
 // A call record that keeps its locale block, as a host would for a column.

@@ -24,7 +24,9 @@ int64_t zeroEndedLength(const ZvChar *text) {
 }
 
 // Every unit equal to the sign's first unit, or under position 0 every
-// parenthesis, leaves the text. True when it shrank.
+// parenthesis, leaves the text. True when it shrank. (The sign is the whole
+// text of a locale item; a longer one, such as a character reference for a
+// sign the host encoding lacks, mustn't take digits with it.)
 bool removeSignForm(ZvChar *text, int64_t *n, int32_t position, const ZvChar *sign) {
     const int64_t before = *n;
     if (position != 0) {
@@ -65,12 +67,18 @@ int32_t readCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionIn
     int64_t n = length;
 
     // The locale's separators become plain ones, unless its groups are
-    // blanks or commas already.
+    // commas already. Blank groups stay for the plain reader to take out, but
+    // the point beside them becomes '.', so that 1 234,56 reads as 1234.56
+    // and not as a comma in groups.
     const ZvChar *group = money.groupSeparator;
     const ZvChar *point = money.decimalSeparator;
     const ZvChar point0 = point ? point[0] : 0;
     const int64_t groupLength = zeroEndedLength(group);
-    if (groupLength == 0 || (group[0] != u' ' && group[0] != u',')) {
+    if (groupLength > 0 && group[0] == u' ') {
+        if (point0 != 0)
+            for (int64_t i = 0; i < n; ++i)
+                if (text[i] == point0) text[i] = u'.';
+    } else if (groupLength == 0 || group[0] != u',') {
         if (groupLength == 2) {
             int64_t i = 0, o = 0;
             while (i < n - 1) {

@@ -81,13 +81,14 @@ bool dropEndForm(ReadText &text, int32_t position, const ZvChar *sign) {
     return false;
 }
 
-// Sign forms anywhere in the text: every unit equal to the sign's first
-// unit, or under position 0 every parenthesis. True when the text shrank.
+// Sign forms anywhere in the text: every unit of the sign (a mark of
+// direction with its hyphen goes whole), or under position 0 every
+// parenthesis. True when the text shrank.
 bool removeForm(ReadText &text, int32_t position, const ZvChar *sign) {
     const int64_t before = text.n;
     if (position != 0) {
         if (sign[0] == 0) return false;
-        text.removeAll(sign[0]);
+        text.n = removeCharacters(text.c, text.n, sign, markLength(sign));
     } else {
         text.removeAll(u'(');
         text.removeAll(u')');

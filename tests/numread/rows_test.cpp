@@ -191,8 +191,13 @@ const RowCase kCurrencyCases[] = {
     {"SymbolDollar", "@NLMNLUSD", {}, "US$12.50", 12, 2, 0, Answer::Value, 12.5},
     {"SymbolLetters", "@NLMNLSEK", {}, "kr12.50", 12, 2, 0, Answer::Value, 12.5},
     {"GermanShape", "@NLMNIEUR", {{157, ","}, {158, "."}}, "1.234,50 EUR", 32, 2, 0, Answer::Value, 1234.5},
-    {"BlankGroupsLeftAlone", "@NLMNIEUR", {{157, ","}, {158, " "}}, "1 234,56 EUR", 32, 2, 0, Answer::Value,
-     123456},
+    // Blank groups are left to the plain reader; the comma beside them is
+    // the point.
+    {"BlankGroupsCommaPoint", "@NLMNIEUR", {{157, ","}, {158, " "}}, "1 234,56 EUR", 32, 2, 0, Answer::Value,
+     1234.56},
+    {"CommaGroupsOtherPointKept", "@NLMNIEUR", {{157, "<U066B>"}}, "1,234\u066b5 EUR", 32, 2, 0, Answer::Missing},
+    {"OtherPointTranslated", "@NLMNIEUR", {{157, "<U066B>"}, {158, "."}}, "1.234\u066b5 EUR", 32, 2, 0,
+     Answer::Value, 1234.5},
     {"TwoUnitGroups", "@NLMNIEUR", {{157, ","}, {158, ".."}}, "1..234,5 EUR", 32, 2, 0, Answer::Value, 1234.5},
     // The width bounds the plain reader; the point lies beyond it, so the
     // eight units read are scaled by the decimals.

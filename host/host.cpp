@@ -427,7 +427,7 @@ struct Host::Impl {
     }
     static HostTranscoder *transcoderForEncoding(NlsServices *n, uint32_t id, int32_t, int32_t) {
         Impl *h = of(n);
-        return h ? h->newTranscoder(ZV_ENCODING_UTF16, id) : nullptr;
+        return h ? h->newTranscoder(id, ZV_ENCODING_UTF16) : nullptr;
     }
     static HostLocale *openLocale(NlsServices *n, const ZvChar *name, int64_t length) {
         Impl *h = of(n);

@@ -151,7 +151,7 @@ struct HostTimeZone {
 typedef struct NlsServicesOps {
     HostTranscoder *(*createTranscoder)(NlsServices *self, uint32_t fromEncoding,
                                         uint32_t toEncoding, int32_t zero1, int32_t zero2);
-    /* a transcoder from UTF-16 (25) to the given encoding */
+    /* a transcoder from the given encoding back to UTF-16 (25) */
     HostTranscoder *(*transcoderForEncoding)(NlsServices *self, uint32_t encodingId,
                                              int32_t zero1, int32_t zero2);
     HostLocale *(*openLocale)(NlsServices *self, const ZvChar *name, int64_t length);

@@ -170,8 +170,8 @@ int64_t roundTrip(FormatCall *call, int64_t units) {
     if (produced < 0) produced = 0;
     if (produced > capacity) produced = capacity;
 
-    // The way back: the host's transcoder for the encoding, when it reads that
-    // encoding into UTF-16; else one made for the purpose.
+    // The way back: the host's transcoder for the encoding, which reads it into
+    // UTF-16; one made for the purpose if the host gives another kind.
     const uint32_t encoding = out->encodingId;
     HostTranscoder *back = nullptr;
     if (nls->ops->transcoderForEncoding) {

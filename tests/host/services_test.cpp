@@ -151,8 +151,8 @@ TEST(Factories, FaultsNameTheNthCall) {
     EXPECT_EQ(t->encodingId, 25u);
     HostTranscoder *u = nls->ops->transcoderForEncoding(nls, *zvhost::encodingIdOf("Shift_JIS"), 0, 0);
     ASSERT_NE(u, nullptr);
-    EXPECT_EQ(u->sourceEncodingId, 25u);
-    EXPECT_EQ(u->encodingId, *zvhost::encodingIdOf("sjis"));
+    EXPECT_EQ(u->sourceEncodingId, *zvhost::encodingIdOf("sjis")); // the way back to UTF-16
+    EXPECT_EQ(u->encodingId, 25u);
     EXPECT_EQ(nls->ops->transcoderForEncoding(nls, 12345, 0, 0), nullptr);
     EXPECT_EQ(host.counters().transcodersCreated, 2);
     t->ops->transcoderRelease(t);

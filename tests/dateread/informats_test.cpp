@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstring>
 #include <map>
 #include <set>
 #include <string>
@@ -171,14 +172,57 @@ TEST_F(DateInformats, FieldLimitHidesTheRest) {
 }
 
 TEST_F(DateInformats, NoInstanceLeavesOutputAlone) {
-    const FormatTableRow rowCopy = row("@NLDATE");
+    const ZvWideEntry entries[] = {row("@NLDATE").wideEntry, row("@NLDATM").wideEntry, row("@NLTIME").wideEntry};
     host.unloadModule();
-    zvhost::CallSpec spec;
-    // The row's routine still exists; the instance is gone from the list.
-    zvhost::ReadResult r = zvhost::runInformat(host, rowCopy, spec, "Mar 5, 2024");
-    if (!r.error.empty()) GTEST_SKIP() << r.error;
-    EXPECT_EQ(r.status, kNoInstance);
-    EXPECT_TRUE(r.untouched);
+    const std::u16string text = u"Mar 5, 2024";
+    double out = 42.0;
+    FormatCall call;
+    std::memset(&call, 0, sizeof call);
+    call.input = text.data();
+    call.inputLength = static_cast<int32_t>(text.size());
+    call.fieldLimit = call.inputLength;
+    call.output = &out;
+    call.services = host.services();
+    for (ZvWideEntry entry : entries) {
+        ASSERT_NE(entry, nullptr);
+        EXPECT_EQ(entry(&call, nullptr), kNoInstance);
+        EXPECT_EQ(out, 42.0);
+        EXPECT_EQ(call.localeBlock, nullptr);
+    }
+}
+
+// Without a locale no block is built: the locale patterns are skipped and
+// even an empty text goes to the fixed forms.
+TEST_F(DateInformats, NoBlockGoesStraightToTheFixedForms) {
+    struct Case {
+        const char *row;
+        std::u16string text;
+        int32_t status;
+        double value;
+    } cases[] = {
+        {"@NLDATE", u"", 999, 42.0},
+        {"@NLDATE", u"01JAN2000", 0, 14610.0},
+        {"@NLDATE", u"Jan 1, 2000", 999, -1.0},
+        {"@NLDATM", u"01JAN2000:01:00", 0, 14610.0 * 86400 + 3600},
+        {"@NLTIME", u"   ", 999, 42.0},
+        {"@NLTIME", u"12:30", 0, 45000.0},
+    };
+    for (const Case &c : cases) {
+        double out = 42.0;
+        FormatCall call;
+        std::memset(&call, 0, sizeof call);
+        call.input = c.text.data();
+        call.inputLength = static_cast<int32_t>(c.text.size());
+        call.fieldLimit = call.inputLength;
+        call.output = &out;
+        call.services = host.services();
+        EXPECT_EQ(row(c.row).wideEntry(&call, nullptr), c.status) << c.row;
+        if (c.value == -1.0) {
+            EXPECT_EQ(zv::bitsOf(out), kMissing);
+        } else {
+            EXPECT_EQ(out, c.value) << c.row;
+        }
+    }
 }
 
 TEST_F(DateInformats, YearCutoffSettlesTwoDigitYears) {

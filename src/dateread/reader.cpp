@@ -331,6 +331,7 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
             if (t < rd.n && rd.tokens[t].used) ++t;
             if (t >= rd.n) break;
         } else {
+            if (t < 0 || t >= rd.n) return -1;
             if (rd.tokens[t].used) ++t;
             if (t >= rd.n) return -1;
         }
@@ -386,7 +387,9 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
         case kSecond: {
             if (tok.cls != 1) {
                 if (pt.kind == kSecond) {
-                    --t;
+                    // The token stays for the next directive; inside a run of
+                    // digits the cursor has not moved.
+                    if (offset == 0) --t;
                     break;
                 }
                 return -1;
@@ -397,7 +400,7 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
             break;
         }
         case kAmPm:
-            --t;
+            if (offset == 0) --t;
             break;
         case kWeekday:
             if (tok.cls == 1) return -1;

@@ -100,6 +100,7 @@ TEST_F(LocaleReader, Table) {
         {"day and month take 2, year the rest", u"DMY", u"%d%m%Y", u"31122024", 0, dec31, kNo},
         {"y takes 2 of 6", u"YMD", u"%y%m%d", u"991231", 0, dayCount(1999, 12, 31), kNo},
         {"hour takes the whole token", u"MDY", u"%H%M", u"1230", 2, kNo, 1230 * 3600.0},
+        {"AM/PM inside a run of digits eats nothing", u"YMD", u"%Y%p%m%d", u"20241231", 0, dec31, kNo},
         {"digits left behind the hour", u"YMD", u"%Y%m%d%H%M%S", u"20241231235959", -1, kNo, kNo},
         {"two-digit year under %Y, same order", u"DMY", u"%d/%m/%Y", u"05/03/24", 0, mar5, kNo},
         {"two-digit year under %Y, other order", u"MDY", u"%d/%m/%Y", u"05/03/24", -1, kNo, kNo},

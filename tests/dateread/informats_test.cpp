@@ -246,6 +246,36 @@ TEST_F(DateInformats, ItemOverridesDriveTheLocalePatterns) {
     EXPECT_EQ(read("@NLTIME", "1:00:00 pm", "en_US", -1, items).value, 46800.0);
 }
 
+TEST_F(DateInformats, PartialReadingsOfTheLocaleItems) {
+    const double at = kMar5 * 86400;
+    // Items that can't read digits at all, for the places not under test.
+    std::map<int, std::string> items = {{44, "%A"}, {45, "%A"}, {46, "%d/%m/%Y %H:%M"},
+                                        {47, "%d/%m/%Y %H:%M:%S"}, {50, "%A"}, {51, "%A"}};
+    // The first item reads hour and minute only; the second reads all and wins.
+    zvhost::ReadResult r = read("@NLDATM", "05/03/2024 13:02:03", "de_DE", -1, items);
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.value, at + 46923);
+    // No item reads more: the first partial reading stands.
+    items[47] = "%A";
+    r = read("@NLDATM", "05/03/2024 13:02:03", "de_DE", -1, items);
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.value, at + 46920);
+    // A later partial reading does not replace the first.
+    items[46] = "%d/%m/%Y %H";
+    items[51] = "%d/%m/%Y %H:%M";
+    r = read("@NLDATM", "05/03/2024 13:02:03", "de_DE", -1, items);
+    EXPECT_EQ(r.value, at + 46800);
+    // A date with part of a time is no date for @NLDATE: the fixed forms decide.
+    std::map<int, std::string> dateItems = {{28, "%d/%m/%Y %H"}, {29, "%A"}, {32, "%A"}, {33, "%A"}};
+    r = read("@NLDATE", "05/03/2024 13", "de_DE", -1, dateItems);
+    EXPECT_EQ(r.status, 999);
+    EXPECT_EQ(r.bits, kMissing);
+    dateItems[33] = "%d/%m/%Y";
+    EXPECT_EQ(read("@NLDATE", "05/03/2024 13", "de_DE", -1, dateItems).value, kMar5);
+    // @NLTIME takes part of a time.
+    EXPECT_EQ(read("@NLTIME", "13", "de_DE", -1, {{53, "%H:%M:%S"}}).value, 46800.0);
+}
+
 // ---- round trips -------------------------------------------------------------------
 
 // Dates from 1582 to 2999, stepped by a prime so that every month, weekday

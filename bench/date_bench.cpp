@@ -21,58 +21,12 @@ constexpr double kDay = 23440;                          // 5 March 2024
 constexpr double kSecond = 23440 * 86400.0 + 50829.125; // 14:07:09.125
 constexpr double kUnixOfDay = (23440.0 - 3653.0) * 86400.0;
 
-zvbench::Shared &setup() { return zvbench::shared(); }
 
-// A call record that keeps its locale block, as a host would for a column.
-struct Column {
-    FormatCall call;
-    const FormatTableRow *row;
-    double value;
-    ZvChar wide[256];
-    unsigned char bytes[256];
-
-    Column(const char *name, const char *locale, int width, int decimals, double v) : value(v) {
-        std::memset(&call, 0, sizeof call);
-        row = zvhost::findRow(setup().instance->formatTable, name);
-        call.width = width;
-        call.decimals = decimals;
-        call.input = &value;
-        call.output = wide;
-        call.outputCapacity = 256;
-        call.locale = setup().host.locale(locale);
-        call.transcoder = setup().host.transcoder("UTF-8");
-        call.services = setup().host.services();
-        if (row && row->wideEntry) row->wideEntry(&call, nullptr); // builds the block once
-    }
-};
-
-template <bool Byte>
-void runColumn(benchmark::State &state, const char *name, const char *locale, int width, int decimals,
-               double value) {
-    Column c(name, locale, width, decimals, value);
-    if (!c.row || !c.row->wideEntry) {
-        state.SkipWithError("row not built");
-        return;
-    }
-    const auto before = setup().host.formatPool().stats().allocations;
-    for (auto _ : state) {
-        if constexpr (Byte) {
-            c.call.output = c.bytes;
-            benchmark::DoNotOptimize(c.row->byteEntry(&c.call, nullptr, nullptr));
-        } else {
-            benchmark::DoNotOptimize(c.row->wideEntry(&c.call, nullptr));
-        }
-        benchmark::ClobberMemory();
-    }
-    state.counters["allocs/call"] = benchmark::Counter(
-        double(setup().host.formatPool().stats().allocations - before) / double(state.iterations()));
-}
-
-void nldateWide(benchmark::State &s) { runColumn<false>(s, "NLDATE", "fr_FR", 20, 0, kDay); }
-void nldateByte(benchmark::State &s) { runColumn<true>(s, "NLDATE", "fr_FR", 20, 0, kDay); }
-void nldatewWide(benchmark::State &s) { runColumn<false>(s, "NLDATEW", "fr_FR", 29, 0, kDay); }
-void nldatmWide(benchmark::State &s) { runColumn<false>(s, "NLDATM", "fr_FR", 30, 3, kSecond); }
-void nldatesWide(benchmark::State &s) { runColumn<false>(s, "NLDATES", "fr_FR", 10, 0, kDay); }
+void nldateWide(benchmark::State &s) { zvbench::runColumn(s, zvbench::Entry::Wide, "NLDATE", "fr_FR", 20, 0, kDay); }
+void nldateByte(benchmark::State &s) { zvbench::runColumn(s, zvbench::Entry::Byte, "NLDATE", "fr_FR", 20, 0, kDay); }
+void nldatewWide(benchmark::State &s) { zvbench::runColumn(s, zvbench::Entry::Wide, "NLDATEW", "fr_FR", 29, 0, kDay); }
+void nldatmWide(benchmark::State &s) { zvbench::runColumn(s, zvbench::Entry::Wide, "NLDATM", "fr_FR", 30, 3, kSecond); }
+void nldatesWide(benchmark::State &s) { zvbench::runColumn(s, zvbench::Entry::Wide, "NLDATES", "fr_FR", 10, 0, kDay); }
 BENCHMARK(nldateWide);
 BENCHMARK(nldateByte);
 BENCHMARK(nldatewWide);

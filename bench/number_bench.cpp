@@ -16,48 +16,11 @@ namespace {
 
 constexpr double kValue = -1234567.891;
 
-zvbench::Shared &setup() { return zvbench::shared(); }
 
-struct Column {
-    FormatCall call;
-    const FormatTableRow *row;
-    double value;
-    ZvChar wide[256];
-
-    Column(const char *name, const char *locale, int width, int decimals, double v) : value(v) {
-        std::memset(&call, 0, sizeof call);
-        row = zvhost::findRow(setup().instance->formatTable, name);
-        call.width = width;
-        call.decimals = decimals;
-        call.input = &value;
-        call.output = wide;
-        call.outputCapacity = 256;
-        call.locale = setup().host.locale(locale);
-        call.transcoder = setup().host.transcoder("UTF-8");
-        call.services = setup().host.services();
-        if (row && row->wideEntry) row->wideEntry(&call, nullptr); // builds the block once
-    }
-};
-
-void runColumn(benchmark::State &state, const char *name, int width, int decimals) {
-    Column c(name, "de_DE", width, decimals, kValue);
-    if (!c.row || !c.row->wideEntry) {
-        state.SkipWithError("row not built");
-        return;
-    }
-    const auto before = setup().host.formatPool().stats().allocations;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(c.row->wideEntry(&c.call, nullptr));
-        benchmark::ClobberMemory();
-    }
-    state.counters["allocs/call"] = benchmark::Counter(
-        double(setup().host.formatPool().stats().allocations - before) / double(state.iterations()));
-}
-
-void nlnum(benchmark::State &s) { runColumn(s, "NLNUM", 12, 2); }
-void nlmny(benchmark::State &s) { runColumn(s, "NLMNY", 15, 2); }
-void nlmnieur(benchmark::State &s) { runColumn(s, "NLMNIEUR", 16, 2); }
-void nld(benchmark::State &s) { runColumn(s, "NLD", 12, 0); }
+void nlnum(benchmark::State &s) { zvbench::runColumn(s, zvbench::Entry::Wide, "NLNUM", "de_DE", 12, 2, kValue); }
+void nlmny(benchmark::State &s) { zvbench::runColumn(s, zvbench::Entry::Wide, "NLMNY", "de_DE", 15, 2, kValue); }
+void nlmnieur(benchmark::State &s) { zvbench::runColumn(s, zvbench::Entry::Wide, "NLMNIEUR", "de_DE", 16, 2, kValue); }
+void nld(benchmark::State &s) { zvbench::runColumn(s, zvbench::Entry::Wide, "NLD", "de_DE", 12, 0, kValue); }
 BENCHMARK(nlnum);
 BENCHMARK(nlmny);
 BENCHMARK(nlmnieur);

@@ -26,50 +26,9 @@ zvbench::Shared &setup() {
     return zvbench::shared();
 }
 
-// A call record that keeps its locale block, as a host would for a column.
-struct Column {
-    FormatCall call;
-    const FormatTableRow *row;
-    double value;
-    ZvChar wide[256];
-
-    Column(const char *name, const char *locale, int width, double v) : value(v) {
-        std::memset(&call, 0, sizeof call);
-        row = zvhost::findRow(setup().instance->formatTable, name);
-        call.width = width;
-        call.decimals = 0;
-        call.input = &value;
-        call.output = wide;
-        call.outputCapacity = 256;
-        call.locale = setup().host.locale(locale);
-        call.transcoder = setup().host.transcoder("UTF-8");
-        call.services = setup().host.services();
-        if (row && row->wideEntry) row->wideEntry(&call, nullptr); // builds the block once
-    }
-};
-
-void runColumn(benchmark::State &state, const char *name, const char *locale, int width, double value) {
-    if (!setup().instance) {
-        state.SkipWithError("module not loaded");
-        return;
-    }
-    Column c(name, locale, width, value);
-    if (!c.row || !c.row->wideEntry) {
-        state.SkipWithError("row not built");
-        return;
-    }
-    const auto before = setup().host.formatPool().stats().allocations;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(c.row->wideEntry(&c.call, nullptr));
-        benchmark::ClobberMemory();
-    }
-    state.counters["allocs/call"] = benchmark::Counter(
-        double(setup().host.formatPool().stats().allocations - before) / double(state.iterations()));
-}
-
-void nltimeWide(benchmark::State &s) { runColumn(s, "NLTIME", "de_DE", 20, kTime); }
-void weekvWide(benchmark::State &s) { runColumn(s, "WEEKV", "de_DE", 11, kDay); }
-void nldatmzWide(benchmark::State &s) { runColumn(s, "NLDATMZ", "de_DE", 40, kSecond); }
+void nltimeWide(benchmark::State &s) { (setup(), zvbench::runColumn(s, zvbench::Entry::Wide, "NLTIME", "de_DE", 20, 0, kTime)); }
+void weekvWide(benchmark::State &s) { (setup(), zvbench::runColumn(s, zvbench::Entry::Wide, "WEEKV", "de_DE", 11, 0, kDay)); }
+void nldatmzWide(benchmark::State &s) { (setup(), zvbench::runColumn(s, zvbench::Entry::Wide, "NLDATMZ", "de_DE", 40, 0, kSecond)); }
 BENCHMARK(nltimeWide);
 BENCHMARK(weekvWide);
 BENCHMARK(nldatmzWide);

@@ -12,22 +12,12 @@
 #include <string>
 #include <vector>
 
+#include "fuzz_support.hpp"
 #include "zvhost.hpp"
 
 namespace {
 
-struct Input {
-    const uint8_t *data;
-    size_t size;
-    template <class T>
-    T take() {
-        T v{};
-        size_t n = size < sizeof v ? size : sizeof v;
-        std::memcpy(&v, data, n);
-        data += n;
-        size -= n;
-        return v;
-    }
+struct Input : zvfuzz::Input {
     // Raw item text: bytes of the input, with some bytes standing for a
     // directive or an escape so that short inputs reach the pattern engine.
     std::string text(size_t most) {
@@ -47,14 +37,7 @@ struct Input {
     }
 };
 
-zvhost::Host &host() {
-    static zvhost::Host *h = [] {
-        auto *made = new zvhost::Host();
-        if (!made->loadModule()) std::abort();
-        return made;
-    }();
-    return *h;
-}
+using zvfuzz::host;
 
 const char *const kEncodings[] = {"UTF-8", "ISO-8859-1", "Shift_JIS", "US-ASCII", "GB18030", "UTF-16LE"};
 const char *const kLocales[] = {"en_US", "ja_JP", "ar_EG", "fr_FR", "th_TH"};
@@ -97,7 +80,7 @@ bool admit(const std::string &locale, const std::map<int, std::string> &items) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    Input in{data, size};
+    Input in{{data, size}};
     const std::vector<const FormatTableRow *> &rows = dateRows();
     if (rows.size() != 57) std::abort();
     const uint8_t mode = in.take<uint8_t>();

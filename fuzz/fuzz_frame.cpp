@@ -2,6 +2,7 @@
 // and byte entry, with random values, widths, decimals, capacities and host
 // encodings; and the bridge itself with arbitrary wide text. A run fails on
 // any crash, sanitizer report, write past a target or changed call field.
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -9,32 +10,13 @@
 
 #include "frame/frame.hpp"
 #include "frame/table.hpp"
+#include "fuzz_support.hpp"
 #include "zvhost.hpp"
 
 namespace {
 
-struct Input {
-    const uint8_t *data;
-    size_t size;
-    template <class T>
-    T take() {
-        T v{};
-        size_t n = size < sizeof v ? size : sizeof v;
-        std::memcpy(&v, data, n);
-        data += n;
-        size -= n;
-        return v;
-    }
-};
-
-zvhost::Host &host() {
-    static zvhost::Host *h = [] {
-        auto *made = new zvhost::Host();
-        if (!made->loadModule()) std::abort();
-        return made;
-    }();
-    return *h;
-}
+using zvfuzz::host;
+using zvfuzz::Input;
 
 const char *const kEncodings[] = {"UTF-8", "ISO-8859-1", "windows-1252", "US-ASCII", "Shift_JIS",
                                   "GB18030", "UTF-16LE"};
@@ -108,7 +90,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FormatCall after = c;
     after.outputLength = before.outputLength;
     after.localeBlock = before.localeBlock;
-    if (std::memcmp(&after, &before, sizeof before) != 0) std::abort();
+    // A number row given a width above 32 answers with 32 stars and says so.
+    if (after.width == 32 && before.width > 32) after.width = before.width;
+    if (std::memcmp(&after, &before, sizeof before) != 0) {
+        for (size_t i = 0; i < sizeof before; ++i)
+            if (reinterpret_cast<const uint8_t *>(&after)[i] != reinterpret_cast<const uint8_t *>(&before)[i]) {
+                std::fprintf(stderr, "FormatCall byte %zu changed\n", i);
+                break;
+            }
+        std::abort();
+    }
     host().formatPool().releaseSince(serial); // locale blocks the calls left behind
     return 0;
 }

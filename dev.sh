@@ -37,7 +37,7 @@ fuzz_short() {
     for target in build/fuzz/fuzz_*; do
         [ -x "$target" ] || continue
         echo "== $(basename "$target") for ${seconds}s"
-        "$target" -max_total_time="$seconds" -print_final_stats=0 2>&1 | tail -n 3
+        "$target" -max_total_time="$seconds" -artifact_prefix=build/fuzz/ -print_final_stats=0 2>&1 | tail -n 3
     done
 }
 

@@ -28,7 +28,7 @@ install_missing() {
 
 build() {
     cmake --preset "$1" >/dev/null
-    cmake --build --preset "$1" -j "$JOBS"
+    cmake --build --preset "$1" -j "$JOBS" "${@:2}"
 }
 
 fuzz_short() {
@@ -44,7 +44,7 @@ fuzz_short() {
 install_missing
 case "$job" in
     demo)
-        build release
+        build release --target zvfmt
         ./build/release/zvfmt demo
         ;;
     test)
@@ -56,7 +56,7 @@ case "$job" in
         echo "== all tests passed"
         ;;
     bench)
-        build release
+        build release --target zvbench
         ./build/release/zvbench "${@:2}"
         ;;
     *)

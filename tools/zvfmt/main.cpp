@@ -657,8 +657,11 @@ int runDemo(const Args &a) {
     }
     if (!shown) demoLine("(none of the examples is built yet)", "");
 
-    std::printf("\nThe table: %zu of %zu rows built; 'zvfmt list --pending' names the rest.\n", ready,
-                rows.size());
+    if (ready == rows.size())
+        std::printf("\nThe table: all %zu rows built.\n", rows.size());
+    else
+        std::printf("\nThe table: %zu of %zu rows built; 'zvfmt list --pending' names the rest.\n", ready,
+                    rows.size());
     return 0;
 }
 

@@ -2,6 +2,8 @@
 // value with the same separators, grouping and fraction digits, over the
 // CLDR locales that write Latin digits.
 #include <unicode/locid.h>
+
+#include "support/latin_locales.hpp"
 #include <unicode/numberformatter.h>
 #include <unicode/numsys.h>
 #include <unicode/uchar.h>
@@ -16,6 +18,9 @@
 #include "fixture.hpp"
 
 namespace {
+
+using testsupport::latinDigits;
+using testsupport::latinLocales;
 
 using numtest::Numbers;
 using namespace icu::number;
@@ -67,11 +72,6 @@ std::string without(std::string s, const char *piece) {
     return s;
 }
 
-bool latinDigits(const icu::Locale &loc) {
-    UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<icu::NumberingSystem> ns(icu::NumberingSystem::createInstance(loc, status));
-    return U_SUCCESS(status) && ns && std::string(ns->getName()) == "latn";
-}
 
 // The grouping sizes of the locale's decimal pattern: primary and secondary.
 std::pair<int, int> groupingOf(const icu::Locale &loc) {
@@ -94,18 +94,6 @@ std::pair<int, int> groupingOf(const icu::Locale &loc) {
     return {runs[runs.size() - 1], runs[runs.size() - 2]};
 }
 
-std::vector<std::string> latinLocales() {
-    std::vector<std::string> names;
-    int32_t count = 0;
-    const icu::Locale *all = icu::Locale::getAvailableLocales(count);
-    for (int32_t i = 0; i < count; ++i) {
-        const icu::Locale &loc = all[i];
-        if (std::string(loc.getCountry()).empty() || std::string(loc.getVariant()) != "") continue;
-        if (!latinDigits(loc)) continue;
-        names.push_back(loc.getName());
-    }
-    return names;
-}
 
 constexpr double kValues[] = {1234567.891, -98765.4321, 12345.5, -123456789.125};
 

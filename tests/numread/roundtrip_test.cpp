@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <unicode/locid.h>
+
+#include "support/latin_locales.hpp"
 #include <unicode/numberformatter.h>
 #include <unicode/numsys.h>
 
@@ -19,31 +21,16 @@
 
 namespace {
 
+using testsupport::latinDigits;
+using testsupport::latinLocales;
+
 // Hundredths: k / 100.0 is the double nearest to the decimal text of k with
 // two places, so a text that shows it exactly reads back bit for bit.
 constexpr int64_t kHundredths[] = {0,      1,        -1,        5,          -99,         12345,
                                    -12345, 100000,   123456789, -98765432,  2147483647,  -100,
                                    70,     -123400,  999999999, 1000000000, -4000000001, 31415926};
 
-bool latinDigits(const icu::Locale &loc) {
-    UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<icu::NumberingSystem> ns(icu::NumberingSystem::createInstance(loc, status));
-    return U_SUCCESS(status) && ns && std::string(ns->getName()) == "latn";
-}
 
-// CLDR locales with a country that write Latin digits.
-std::vector<std::string> latinLocales() {
-    std::vector<std::string> names;
-    int32_t count = 0;
-    const icu::Locale *all = icu::Locale::getAvailableLocales(count);
-    for (int32_t i = 0; i < count; ++i) {
-        const icu::Locale &loc = all[i];
-        if (std::string(loc.getCountry()).empty() || std::string(loc.getVariant()) != "") continue;
-        if (!latinDigits(loc)) continue;
-        names.push_back(loc.getName());
-    }
-    return names;
-}
 
 std::string trimmed(const std::string &s) {
     const size_t first = s.find_first_not_of(' ');

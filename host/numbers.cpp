@@ -41,13 +41,9 @@ char missingMarkOf(double v) {
 int lowestBitExponent(double a) {
     int exp = 0;
     const double m = std::frexp(a, &exp);
-    auto mantissa = static_cast<uint64_t>(std::ldexp(m, 53));
-    int e = exp - 53;
-    while (mantissa && (mantissa & 1u) == 0) {
-        mantissa >>= 1;
-        ++e;
-    }
-    return e;
+    const auto mantissa = static_cast<uint64_t>(std::ldexp(m, 53));
+    const int e = exp - 53;
+    return mantissa ? e + __builtin_ctzll(mantissa) : e;
 }
 
 // True when a (positive, finite) lies exactly half way between two multiples
@@ -179,13 +175,30 @@ bool fitScientific(double v, int width, Text &t, int mostPlaces = 20) {
     return false;
 }
 
+// The length of the plain form with no decimals, without writing it: exact
+// below 2^53, where llround rounds half away from zero as the text does.
+int plainLength(double v, Text &t) {
+    const double a = std::fabs(v);
+    if (!(a < 9007199254740992.0)) {
+        plainAt(v, 0, t);
+        return t.n;
+    }
+    long long r = std::llround(a);
+    int n = negativeValue(v) ? 2 : 1;
+    while (r >= 10) {
+        r /= 10;
+        ++n;
+    }
+    return n;
+}
+
 int32_t plainForm(double v, int width, int decimals, Text &t) {
-    plainAt(v, 0, t);
+    t.n = plainLength(v, t);
     if (t.n <= width) {
         // Rounding at finer places never lengthens the integer part.
         const int room = width - t.n - 1;
         const int places = decimals < room ? decimals : (room > 0 ? room : 0);
-        if (places > 0) plainAt(v, places, t);
+        plainAt(v, places, t);
         return places == decimals ? 0 : kNumberNotPlain;
     }
     if (!fitScientific(v, width, t)) stars(t, width);

@@ -127,6 +127,7 @@ struct TranscoderImpl {
     HostTranscoder base;
     UConverter *decoder = nullptr; // source side, ICU encodings only
     UConverter *encoder = nullptr; // target side, ICU encodings only
+    bool utf8Target = false;       // UTF-8 is written by hand: every character can be shown
     std::function<void(HostTranscoder *)> onRelease;
 };
 
@@ -198,6 +199,43 @@ Encoded encodeSimple(uint32_t to, const UChar *mid, size_t length, uint8_t *targ
             target[e.written++] = uint8_t(mid[i + k] & 0xFF);
             target[e.written++] = uint8_t(mid[i + k] >> 8);
         }
+        i += units;
+    }
+    return e;
+}
+
+// UTF-16 -> UTF-8 by hand, whole characters only; a lone surrogate can't
+// be shown.
+Encoded encodeUtf8(const UChar *mid, size_t length, uint8_t *target, size_t capacity) {
+    Encoded e;
+    for (size_t i = 0; i < length;) {
+        UChar32 c = mid[i];
+        size_t units = 1;
+        if (U16_IS_LEAD(c) && i + 1 < length && U16_IS_TRAIL(mid[i + 1])) {
+            c = U16_GET_SUPPLEMENTARY(c, mid[i + 1]);
+            units = 2;
+        } else if (U16_IS_SURROGATE(c)) {
+            e.bad = true;
+            break;
+        }
+        const size_t n = c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
+        if (e.written + n > capacity) {
+            e.full = true;
+            break;
+        }
+        uint8_t *p = target + e.written;
+        switch (n) {
+        case 1: p[0] = uint8_t(c); break;
+        case 2: p[0] = uint8_t(0xC0 | (c >> 6)), p[1] = uint8_t(0x80 | (c & 0x3F)); break;
+        case 3:
+            p[0] = uint8_t(0xE0 | (c >> 12)), p[1] = uint8_t(0x80 | ((c >> 6) & 0x3F)), p[2] = uint8_t(0x80 | (c & 0x3F));
+            break;
+        default:
+            p[0] = uint8_t(0xF0 | (c >> 18)), p[1] = uint8_t(0x80 | ((c >> 12) & 0x3F));
+            p[2] = uint8_t(0x80 | ((c >> 6) & 0x3F)), p[3] = uint8_t(0x80 | (c & 0x3F));
+            break;
+        }
+        e.written += n;
         i += units;
     }
     return e;
@@ -277,7 +315,8 @@ int32_t transcode(HostTranscoder *h, const void *source, int64_t bytes, void *ta
     const uint32_t to = t->base.encodingId;
     const Encoded e = (to == ZV_ENCODING_UTF16 || to == ZV_ENCODING_LOCALE_TEXT)
                           ? encodeSimple(to, mid, length, out, size_t(capacity))
-                          : encodeIcu(t->encoder, mid, length, out, size_t(capacity));
+                      : t->utf8Target ? encodeUtf8(mid, length, out, size_t(capacity))
+                                      : encodeIcu(t->encoder, mid, length, out, size_t(capacity));
     *produced = int64_t(e.written);
     if (e.full) return ZV_TARGET_TOO_SMALL;
     if (e.bad || !sourceOk) return kCannotShow;
@@ -322,6 +361,7 @@ HostTranscoder *makeTranscoder(uint32_t from, uint32_t to, std::function<void(Ho
     bool ok = true;
     if (from != ZV_ENCODING_UTF16 && from != ZV_ENCODING_LOCALE_TEXT) ok = (t->decoder = openStopping(from));
     if (ok && to != ZV_ENCODING_UTF16 && to != ZV_ENCODING_LOCALE_TEXT) ok = (t->encoder = openStopping(to));
+    t->utf8Target = to == encodingIdOf("UTF-8").value_or(0);
     if (!ok) {
         release(&t->base);
         return nullptr;

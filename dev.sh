@@ -3,6 +3,8 @@
 #   ./dev.sh demo    release build, then a tour of zvfmt
 #   ./dev.sh test    debug and ASan+UBSan builds, the whole test suite, short fuzz runs
 #   ./dev.sh bench   release build, then the benchmarks
+#   ./dev.sh coverage  clang source-based coverage of the suite: lines and branches of src/ and host/
+#   ./dev.sh stats   lines of product and of tests (non-blank, non-comment) and their ratio
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -10,7 +12,7 @@ job="${1:-demo}"
 JOBS="${JOBS:-2}"
 
 packages=(cmake ninja-build g++ clang libclang-rt-14-dev libicu-dev libgtest-dev libgmock-dev
-          libbenchmark-dev nlohmann-json3-dev)
+          libbenchmark-dev nlohmann-json3-dev llvm-14)
 
 install_missing() {
     local missing=()
@@ -41,6 +43,44 @@ fuzz_short() {
     done
 }
 
+# Non-blank, non-comment lines of the C, C++ and Python files under the given folders; generated
+# tables (*.inc) are left out.
+count_lines() {
+    local dirs=()
+    for d in "$@"; do [ -d "$d" ] && dirs+=("$d"); done
+    find "${dirs[@]}" -type f \( -name '*.c' -o -name '*.cpp' -o -name '*.h' -o -name '*.hpp' -o -name '*.py' \) \
+        | sort | xargs -r awk -f tools/dev/count_lines.awk
+}
+
+stats() {
+    local product tests
+    product=$(count_lines src host include tools bench python examples)
+    tests=$(count_lines tests fuzz)
+    printf 'product %6d lines  (src host include tools bench python examples)\n' "$product"
+    printf 'tests   %6d lines  (tests fuzz)\n' "$tests"
+    awk -v t="$tests" -v p="$product" 'BEGIN { printf "ratio   %6.1f%%  (tests / product; at most 35%%)\n", 100 * t / p }'
+}
+
+coverage() {
+    build coverage
+    local dir=build/coverage
+    rm -rf "$dir/profiles" && mkdir -p "$dir/profiles"
+    LLVM_PROFILE_FILE="$PWD/$dir/profiles/%p-%m.profraw" ctest --test-dir "$dir" -j "$JOBS" --output-on-failure
+    llvm-profdata-14 merge -sparse -o "$dir/suite.profdata" "$dir"/profiles/*.profraw
+    local objects=() first=""
+    for exe in "$dir"/test_* "$dir"/zvfmt; do
+        [ -x "$exe" ] || continue
+        if [ -z "$first" ]; then first="$exe"; else objects+=(-object "$exe"); fi
+    done
+    for area in src host; do
+        echo "== coverage of $area/"
+        llvm-cov-14 report "$first" "${objects[@]}" -instr-profile="$dir/suite.profdata" \
+            -ignore-filename-regex='\.inc$' "$PWD/$area/" | tail -n 1 |
+            awk '{ printf "lines %s  branches %s\n", $10, $13 }'
+    done
+}
+
+if [ "$job" = stats ]; then stats; exit 0; fi
 install_missing
 case "$job" in
     demo)
@@ -59,8 +99,11 @@ case "$job" in
         build release --target zvbench
         ./build/release/zvbench "${@:2}"
         ;;
+    coverage)
+        coverage
+        ;;
     *)
-        echo "usage: ./dev.sh demo|test|bench" >&2
+        echo "usage: ./dev.sh demo|test|bench|coverage|stats" >&2
         exit 2
         ;;
 esac

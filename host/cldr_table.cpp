@@ -29,6 +29,8 @@
 #include <unicode/dtptngen.h>
 #include <unicode/locid.h>
 #include <unicode/numfmt.h>
+#include <unicode/numsys.h>
+#include <unicode/uniset.h>
 #include <unicode/resbund.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/ucurr.h>
@@ -422,6 +424,7 @@ private:
 
     struct Placement {
         int precedes = 0, spaced = 0, position = 1;
+        bool touching = false; // the symbol stands right against the digits
     };
 
     // Symbol placement of one subpattern of a CLDR number pattern.
@@ -459,6 +462,7 @@ private:
         if (symbol >= 0 && numberStart >= 0) {
             p.precedes = symbol < numberStart ? 1 : 0;
             p.spaced = p.precedes ? blankBetween(symbol, numberStart) : blankBetween(numberEnd, symbol);
+            p.touching = p.precedes ? numberStart == symbol + 1 : symbol == numberEnd + 1;
         }
         if (parens) {
             p.position = 0;
@@ -498,8 +502,24 @@ private:
         return {p, n};
     }
 
-    void putPlacement(int first, const std::u16string &pattern) {
+    // CLDR's currency spacing: where the symbol touches the digits and its
+    // character on that side matches the locale's currencyMatch set (by default
+    // anything but a symbol or a separator), ICU puts a space between them.
+    static void spaceSymbol(Placement &p, const std::u16string &symbol, const icu::DecimalFormatSymbols &symbols) {
+        if (!p.touching || p.spaced || symbol.empty()) return;
+        UErrorCode status = U_ZERO_ERROR;
+        const icu::UnicodeString &match =
+            symbols.getPatternForCurrencySpacing(UNUM_CURRENCY_MATCH, p.precedes ? false : true, status);
+        icu::UnicodeSet set(match, status);
+        if (U_FAILURE(status)) return;
+        if (set.contains(p.precedes ? symbol.back() : symbol.front())) p.spaced = 1;
+    }
+
+    void putPlacement(int first, const std::u16string &pattern, const std::u16string &symbol = {},
+                      const icu::DecimalFormatSymbols *symbols = nullptr) {
         std::vector<Placement> pn = placements(pattern);
+        if (symbols)
+            for (Placement &p : pn) spaceSymbol(p, symbol, *symbols);
         // Items in the order of the C library's lconv: p_cs_precedes,
         // p_sep_by_space, n_cs_precedes, n_sep_by_space, p_sign_posn,
         // n_sign_posn.
@@ -562,13 +582,30 @@ private:
         return copy;
     }
 
+    // The locale whose number data goes with the Latin digits that the module
+    // writes: the locale itself, or the locale with Latin digits where its own
+    // are others, so that marks and signs are those ICU puts between 0 to 9.
+    icu::Locale latinNumbers() const {
+        UErrorCode status = U_ZERO_ERROR;
+        std::unique_ptr<icu::NumberingSystem> system(icu::NumberingSystem::createInstance(locale_, status));
+        icu::Locale latin(locale_);
+        if (U_SUCCESS(status) && system && std::strcmp(system->getName(), "latn") != 0) {
+            status = U_ZERO_ERROR;
+            latin.setKeywordValue("numbers", "latn", status);
+        }
+        return latin;
+    }
+
     bool numbers(std::string &error) {
         UErrorCode status = U_ZERO_ERROR;
-        icu::DecimalFormatSymbols symbols(locale_, status);
-        std::unique_ptr<icu::NumberFormat> number(icu::NumberFormat::createInstance(locale_, UNUM_DECIMAL, status));
-        std::unique_ptr<icu::NumberFormat> percent(icu::NumberFormat::createInstance(locale_, UNUM_PERCENT, status));
+        const icu::Locale numberLocale = latinNumbers();
+        icu::DecimalFormatSymbols symbols(numberLocale, status);
+        std::unique_ptr<icu::NumberFormat> number(
+            icu::NumberFormat::createInstance(numberLocale, UNUM_DECIMAL, status));
+        std::unique_ptr<icu::NumberFormat> percent(
+            icu::NumberFormat::createInstance(numberLocale, UNUM_PERCENT, status));
         const std::u16string code = currencyCode();
-        icu::Locale moneyLocale(locale_);
+        icu::Locale moneyLocale(numberLocale);
         if (!code.empty()) {
             std::string ascii(code.begin(), code.end());
             moneyLocale.setKeywordValue("currency", ascii.c_str(), status);
@@ -610,7 +647,7 @@ private:
         put(cldritem::fractionDigitsInternational, std::to_string(digits));
         put(cldritem::fractionDigitsLocal, std::to_string(digits));
         const std::u16string moneyPattern = patternOf(money.get());
-        putPlacement(cldritem::monetaryPlacement, moneyPattern);
+        putPlacement(cldritem::monetaryPlacement, moneyPattern, local, &symbols);
         const std::u16string moneyText = moneyPattern.empty() ? u"\u00A4#,##0.00" : moneyPattern;
         putText(cldritem::moneyForm, moneyText);
         putText(cldritem::moneyFormInternational, moneyText);

@@ -111,7 +111,9 @@ double dayCountToYearDay(double days) {
 
 double weekdayOf(double days) {
     if (refusedDay(days)) return missingValue();
-    const int64_t t = 138052 + static_cast<int64_t>(days);
+    // The whole day that holds the value, as the date itself takes it: -0.5 is
+    // still 31 December 1959.
+    const int64_t t = 138052 + static_cast<int64_t>(std::floor(days));
     return static_cast<double>(((t % 7) + 7) % 7 + 1);
 }
 

@@ -17,7 +17,9 @@ namespace zv {
 namespace {
 
 constexpr int kClockUnits = 40;
-constexpr int kMaxPlaces = 30; // decimals of the seconds; the field then takes 33 units
+// Places of the seconds: the most a 40-unit clock shows (hour of one digit,
+// minutes, seconds, two colons and the point take the other 8 units).
+constexpr int kMaxPlaces = kClockUnits - 8;
 
 double valueAt(const FormatCall *call) {
     double v = 0;
@@ -48,7 +50,7 @@ void secondsText(FormatCall *call, double seconds, int width, int p, ZvChar *tar
     if (status != 0 || produced <= 0 || produced > width) {
         // Without the host's formatter: the digits by hand, with a point.
         const double scaled = std::floor(seconds * std::pow(10.0, p) + 0.5);
-        int64_t units = static_cast<int64_t>(scaled);
+        int64_t units = scaled < 9e18 ? static_cast<int64_t>(scaled) : 0;
         ZvChar digits[kClockUnits];
         int n = 0;
         for (int k = 0; k < p && n < kClockUnits; ++k, units /= 10) digits[n++] = static_cast<ZvChar>(u'0' + units % 10);
@@ -117,7 +119,7 @@ int32_t writeClock(FormatCall *call) {
         again = false;
         length = writeDigits(hour, hourText, 0, 0);
         p = width - length - 7 < call->decimals ? width - length - 7 : call->decimals;
-        if (p > kMaxPlaces) p = kMaxPlaces; // what the 40-unit clock area holds
+        if (p > kMaxPlaces) p = kMaxPlaces; // only wider fields than the clock's own limit get here
         if (p < 0) p = 0;
         bool up = false;
         if (p == 0) {

@@ -108,8 +108,9 @@ int32_t readTimeForm(FormatCall *call, const ZvChar *text, int64_t textLength, c
                      int64_t patternLength, double *out) {
     double date = missingValue(), time = missingValue();
     const int32_t status = readLocaleForm(call, text, textLength, pattern, patternLength, &date, &time);
-    if (status == -1) return status;
-    if (status < 0 || isMissing(time) || !(time >= 0.0)) return kFormFailed;
+    // Only the time slot decides: a time read before the date of the same text
+    // failed is still stored, and the reader's failure is passed on with it.
+    if (isMissing(time) || !(time >= 0.0)) return kFormFailed;
     *out = time;
     return status;
 }

@@ -233,7 +233,7 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
         orderMatches = o.length == 3 && sameFolded(o.text, order, 3);
     }
     const LocaleItem &language = block->items[kItemLanguage];
-    const bool hebrew = language.length == 2 && language.text[0] == u'h' && language.text[1] == u'e';
+    const bool hebrew = language.length == 2 && sameFolded(language.text, u"he", 2);
 
     // Step 3: the text's tokens.
     Reader rd{block, text, textLength, {}, 0};
@@ -244,7 +244,8 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
     };
     int64_t start = 0;
     int32_t cls = 0;
-    for (int64_t cur = 0; cur < textLength;) {
+    // Once the list is full nothing further in the text can change the answer.
+    for (int64_t cur = 0; cur < textLength && rd.n < kMaxTokens;) {
         const ZvChar c = text[cur];
         if (c == u' ') {
             if (start < cur) {
@@ -292,7 +293,7 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
         cls = now;
         ++cur;
     }
-    if (start < textLength) storeText(start, textLength, cls);
+    if (start < textLength && rd.n < kMaxTokens) storeText(start, textLength, cls);
 
     // Step 4: AM and PM, wherever they stand.
     bool amPmSeen = false, isPm = false;

@@ -247,10 +247,16 @@ uint32_t patternWidth(const LocaleBlock &b, const LocaleItem &item, HostTranscod
     };
     for (int64_t i = 0; i < item.length; ++i) {
         const ZvChar c = item.text[i];
-        if (c == u'%' && i + 1 < item.length && (item.text[i + 1] == u'x' || item.text[i + 1] == u'X')) {
-            const LocaleItem &with = b.items[item.text[i + 1] == u'x' ? 28 : 53];
-            for (int64_t k = 0; k < with.length; ++k) put(with.text[k]);
-            ++i;
+        if (c == u'%' && i + 1 < item.length) {
+            // A pair goes whole: "%%x" is a percent sign and a plain x.
+            const ZvChar next = item.text[++i];
+            if (next == u'x' || next == u'X') {
+                const LocaleItem &with = b.items[next == u'x' ? 28 : 53];
+                for (int64_t k = 0; k < with.length; ++k) put(with.text[k]);
+            } else {
+                put(c);
+                put(next);
+            }
         } else {
             put(c);
         }

@@ -124,7 +124,9 @@ int64_t digitsBehindPoint(const ReadText &text, const NumberContext &own, const 
     };
     const ZvChar point = own.decimalSeparator[0];
     if (!symbolHoldsPoint(other) && !symbolHoldsPoint(own)) return 0;
-    if (point == 0 || findChar(text.c, text.n, point) <= 0) return 0;
+    // A separator at the front alone doesn't call for the scan; one further in does,
+    // and the scan may still end at a separator at the front (".5 kr.").
+    if (point == 0 || text.n < 2 || findChar(text.c + 1, text.n - 1, point) < 0) return 0;
     int64_t count = 0;
     for (int64_t i = text.n - 1; i >= 0; --i) {
         const ZvChar u = text.c[i];

@@ -12,11 +12,11 @@ namespace zv {
 
 namespace {
 
-// The most a plain reader takes in; a longer text isn't a number of ours.
+// Texts up to this many units are read on the stack; a longer one is copied
+// into memory from the call's pool.
 constexpr int64_t kPlainUnits = 256;
 
-// The host's answer when there is no parser to ask, or the text is longer
-// than any number we read.
+// The host's answer when there is no parser to ask.
 constexpr int32_t kNoParser = ZV_UNREADABLE;
 
 constexpr double kPowersOfTen[32] = {
@@ -24,9 +24,30 @@ constexpr double kPowersOfTen[32] = {
     1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e24, 1e25, 1e26, 1e27, 1e28, 1e29, 1e30, 1e31,
 };
 
-struct PlainText {
-    ZvChar c[kPlainUnits];
+class PlainText {
+public:
+    ZvChar *c = local_;
     int64_t n = 0;
+
+    PlainText() = default;
+    PlainText(const PlainText &) = delete;
+    PlainText &operator=(const PlainText &) = delete;
+    ~PlainText() {
+        if (pool_) pool_->ops->poolFree(pool_, c);
+    }
+
+    // Room for `units` units; false when the pool can't give it.
+    bool reserve(const FormatCall *call, int64_t units) {
+        if (units <= kPlainUnits) return true;
+        HostPool *pool = callPoolOf(call);
+        void *memory = pool && pool->ops && pool->ops->poolAlloc
+                           ? pool->ops->poolAlloc(pool, units * int64_t(sizeof(ZvChar)), 0)
+                           : nullptr;
+        if (!memory) return false;
+        c = static_cast<ZvChar *>(memory);
+        pool_ = pool;
+        return true;
+    }
 
     // Leading blanks out, trailing blanks off.
     void justifyLeft() {
@@ -36,6 +57,10 @@ struct PlainText {
         n -= lead;
         while (n > 0 && c[n - 1] == u' ') --n;
     }
+
+private:
+    ZvChar local_[kPlainUnits];
+    HostPool *pool_ = nullptr;
 };
 
 // Steps shared by both readers: validation, the missing value in output, the
@@ -52,8 +77,8 @@ bool takeText(FormatCall *call, PlainText &text, int32_t *status) {
     while (lead < length && in[lead] == u' ') ++lead;
     int64_t end = length;
     while (end > lead && in[end - 1] == u' ') --end;
-    if (end - lead > kPlainUnits) {
-        *status = kNoParser;
+    if (!text.reserve(call, end - lead)) {
+        *status = ZV_NO_MEMORY;
         return false;
     }
     text.n = end - lead;

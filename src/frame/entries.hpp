@@ -1,6 +1,5 @@
 // The wide routines behind the rows of the format table, one name for each
-// routine. A row whose routine is not built yet names kPending, and its
-// byte entry stays null with it.
+// routine.
 #pragma once
 
 #include "datefmt/clock.hpp"
@@ -13,8 +12,6 @@
 #include "zvlocfmt/zvlocfmt.h"
 
 namespace zv::entry {
-
-constexpr ZvWideEntry kPending = nullptr;
 
 // ---- informats ---------------------------------------------------------------
 constexpr ZvWideEntry readNlDate = &zv::readNlDate;         // @NLDATE, @NLDATEW

@@ -40,23 +40,15 @@ constexpr FormatTableRow informat(const char *name, ZvWideEntry wide, Limits l) 
     return makeRow(name, ZV_KIND_TEXT, ZV_KIND_NUMBER, wide, nullptr, l);
 }
 
-// The byte entry of a format: the shared bridge bound to the row's wide
-// routine and justification, or nothing while the routine is pending.
-template <ZvWideEntry Wide, Justify Mark>
-constexpr ZvByteEntry byteFor() {
-    if constexpr (Wide == nullptr)
-        return nullptr;
-    else
-        return &byteEntry<Wide, Mark>;
-}
-
+// The byte entry of a format is the shared bridge bound to the row's wide
+// routine and justification.
 #define ZV_DATE(name, wide, ...)                                                               \
     makeRow(name, ZV_KIND_NUMBER, ZV_KIND_TEXT, entry::wide,                                   \
-            byteFor<entry::wide, Justify::Left>(),                                             \
+            &byteEntry<entry::wide, Justify::Left>,                                             \
             Limits{__VA_ARGS__})
 #define ZV_NUMBER(name, wide, ...)                                                             \
     makeRow(name, ZV_KIND_NUMBER, ZV_KIND_TEXT, entry::wide,                                   \
-            byteFor<entry::wide, Justify::Right>(),                                            \
+            &byteEntry<entry::wide, Justify::Right>,                                            \
             Limits{__VA_ARGS__})
 #define ZV_READ(name, wide, ...) informat(name, entry::wide, Limits{__VA_ARGS__, 0})
 

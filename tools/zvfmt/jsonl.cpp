@@ -228,7 +228,6 @@ Json serve(Session &session, const Json &req) {
         throw BadRequest{"encoding: unknown encoding \"" + spec.encoding + "\""};
     if (change.timeZone && !host.timeZone(*change.timeZone))
         throw BadRequest{"timeZone: unknown time zone \"" + *change.timeZone + "\""};
-    if (!isReady(*row)) throw BadRequest{rowName + " is not built yet"};
 
     Session::Guard guard;
     std::string why;

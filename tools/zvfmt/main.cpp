@@ -71,8 +71,7 @@ Options:
   -h, --help               this text
 
 Exit status: 0 when every value was done with status 0, 1 when a value was
-bad, a routine answered another status or the row is not built yet, 2 for bad
-arguments.
+bad or a routine answered another status, 2 for bad arguments.
 )TXT";
 
 constexpr const char *kFormatHelp = R"TXT(zvfmt NAME[W[.D]] [VALUE...]     zvfmt @NAME[W[.D]] [TEXT...]
@@ -101,11 +100,12 @@ constexpr const char *kListHelp = R"TXT(zvfmt list [--formats | --informats] [--
 
 Prints one line per row of the table, in table order:
   name, kind (format/informat), min, max and default width,
-  max and default decimals, state (ready/pending)
-A pending row exists in the table but its routine is not built yet.
+  max and default decimals, state
+Every row is built, so the state is always "ready": --ready lists every row
+and --pending none. Both stay accepted for the scripts that give them.
 
   --formats     only the formats          --informats   only the informats
-  --pending     only pending rows         --ready       only ready rows
+  --pending     only pending rows (none)  --ready       only ready rows (all)
   --json        one JSON object a row     --header      a header line first
 
 The count of rows goes to stderr, so 'zvfmt list | wc -l' counts rows.
@@ -121,9 +121,8 @@ for the forms of a VALUE.
 constexpr const char *kDemoHelp = R"TXT(zvfmt demo [-l LOCALE]
 
 A short tour: dates, times, numbers, money and names in a few locales, reading
-text back, the missing-value marks, the host encodings through the byte entry
-and how much of the table is built. Rows not built yet say so. With -l every
-example uses that locale.
+text back, the missing-value marks and the host encodings through the byte
+entry. With -l every example uses that locale.
 )TXT";
 
 constexpr const char *kJsonlHelp = R"TXT(zvfmt --jsonl [OPTIONS]
@@ -307,17 +306,13 @@ int runList(const Args &a) {
     if (a.pending && a.ready) usageError("give --pending or --ready, not both");
     auto session = startSession(a.baseline);
     const auto rows = session->rows();
-    size_t shown = 0, ready = 0, formats = 0;
+    size_t shown = 0, formats = 0;
     if (a.header && !a.json)
         printLine("NAME       KIND      MINW MAXW DEFW MAXD DEFD STATE");
     for (const FormatTableRow *row : rows) {
         const bool informat = zvhost::isInformat(*row);
-        const bool isReady = zvfmt::isReady(*row);
-        ready += isReady;
         formats += !informat;
-        if ((a.formats && informat) || (a.informats && !informat) || (a.pending && isReady) ||
-            (a.ready && !isReady))
-            continue;
+        if ((a.formats && informat) || (a.informats && !informat) || a.pending) continue;
         ++shown;
         const std::string name = zvhost::rowName(*row);
         if (a.json) {
@@ -330,20 +325,19 @@ int runList(const Args &a) {
             j["minDecimals"] = row->minDecimals;
             j["maxDecimals"] = row->maxDecimals;
             j["defaultDecimals"] = row->defaultDecimals;
-            j["state"] = isReady ? "ready" : "pending";
+            j["state"] = "ready";
             printLine(j.dump());
         } else {
             char line[160];
             std::snprintf(line, sizeof line, "%-10s %-8s %4u %4u %4u %4u %4u %s", name.c_str(),
                           informat ? "informat" : "format", row->minWidth, row->maxWidth,
-                          row->defaultWidth, row->maxDecimals, row->defaultDecimals,
-                          isReady ? "ready" : "pending");
+                          row->defaultWidth, row->maxDecimals, row->defaultDecimals, "ready");
             printLine(line);
         }
     }
     std::fflush(stdout);
-    std::fprintf(stderr, "%zu of %zu rows (%zu formats, %zu informats; %zu ready, %zu pending)\n", shown,
-                 rows.size(), formats, rows.size() - formats, ready, rows.size() - ready);
+    std::fprintf(stderr, "%zu of %zu rows (%zu formats, %zu informats)\n", shown, rows.size(), formats,
+                 rows.size() - formats);
     return 0;
 }
 
@@ -460,10 +454,6 @@ int runConvert(const Args &a) {
     }
     if (!session->host().locale(spec.locale, spec.items)) usageError("unknown locale \"" + spec.locale + "\"");
     if (!session->host().transcoder(spec.encoding)) usageError("unknown encoding \"" + spec.encoding + "\"");
-    if (!zvfmt::isReady(*row)) {
-        std::fprintf(stderr, "zvfmt: %s is not built yet\n", name.c_str());
-        return 1;
-    }
 
     Runner runner{*session, *row, spec, a.showStatus, specText};
     bool ok = true;
@@ -568,20 +558,13 @@ int runDemo(const Args &a) {
     const std::string localeOverride = a.localeGiven ? a.baseline.locale : "";
     zvhost::Host &host = session->host();
     const auto rows = session->rows();
-    size_t ready = 0;
-    for (auto *r : rows) ready += zvfmt::isReady(*r);
-
-    std::printf("zvlocfmt %s: %zu of %zu rows built\n\n", "6.1.1", ready, rows.size());
+    std::printf("zvlocfmt %s: %zu rows\n\n", "6.1.1", rows.size());
 
     std::printf("Formats (value to text; [brackets] show the field):\n");
     for (const Example &e : kFormatExamples) {
         auto p = prepare(*session, e, localeOverride);
         if (!p) continue;
         const std::string left = std::string(e.spec) + " " + e.input + "  " + p->spec.locale;
-        if (!zvfmt::isReady(*p->row)) {
-            demoLine(left, "(" + p->name + " is not built yet)");
-            continue;
-        }
         auto v = zvfmt::parseValue(e.input);
         const zvhost::FormatResult r = zvhost::runFormat(host, *p->row, p->spec, *v);
         if (!r.error.empty()) demoLine(left, "(" + r.error + ")");
@@ -593,10 +576,6 @@ int runDemo(const Args &a) {
         auto p = prepare(*session, e, localeOverride);
         if (!p) continue;
         const std::string left = std::string(e.spec) + " \"" + e.input + "\"  " + p->spec.locale;
-        if (!zvfmt::isReady(*p->row)) {
-            demoLine(left, "(" + p->name + " is not built yet)");
-            continue;
-        }
         const zvhost::ReadResult r = zvhost::runInformat(host, *p->row, p->spec, e.input);
         if (!r.error.empty()) demoLine(left, "(" + r.error + ")");
         else
@@ -605,23 +584,7 @@ int runDemo(const Args &a) {
     }
 
     std::printf("\nMissing values (the mark stands in the last place of the field):\n");
-    const FormatTableRow *any = nullptr;
-    for (const char *candidate : {"NLNUM", "NLMNY", "NLDATE", "NLSTRMON"}) {
-        const FormatTableRow *r = session->row(candidate);
-        if (r && zvfmt::isReady(*r)) {
-            any = r;
-            break;
-        }
-    }
-    if (!any)
-        for (auto *r : rows)
-            if (!zvhost::isInformat(*r) && zvfmt::isReady(*r)) {
-                any = r;
-                break;
-            }
-    if (!any) {
-        demoLine("(no format is built yet)", "");
-    } else {
+    if (const FormatTableRow *any = session->row("NLNUM")) {
         zvhost::CallSpec spec;
         spec.width = std::clamp<int32_t>(8, static_cast<int32_t>(any->minWidth), static_cast<int32_t>(any->maxWidth));
         for (const char *mark : {".", ".A", ".Z", "._"}) {
@@ -632,10 +595,9 @@ int runDemo(const Args &a) {
     }
 
     std::printf("\nHost encodings through the byte entry (bytes in hex):\n");
-    bool shown = false;
     for (const Example &e : kTranscoderCandidates) {
         auto p = prepare(*session, e, "");
-        if (!p || !zvfmt::isReady(*p->row)) continue;
+        if (!p) continue;
         const double v = *zvfmt::parseValue(e.input);
         p->spec.entry = zvhost::Entry::Byte;
         p->spec.encoding = "UTF-8";
@@ -652,16 +614,8 @@ int runDemo(const Args &a) {
             demoLine(std::string("    ") + enc, r.error.empty() ? zvfmt::hexBytes(r.bytes) + (r.status ? "  status " + zvfmt::statusText(r.status) : "")
                                                             : "(" + r.error + ")");
         }
-        shown = true;
         break;
     }
-    if (!shown) demoLine("(none of the examples is built yet)", "");
-
-    if (ready == rows.size())
-        std::printf("\nThe table: all %zu rows built.\n", rows.size());
-    else
-        std::printf("\nThe table: %zu of %zu rows built; 'zvfmt list --pending' names the rest.\n", ready,
-                    rows.size());
     return 0;
 }
 

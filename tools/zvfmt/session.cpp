@@ -66,6 +66,4 @@ Session::Guard::~Guard() {
     if (session_) session_->restore(change_);
 }
 
-bool isReady(const FormatTableRow &row) { return row.wideEntry != nullptr; }
-
 } // namespace zvfmt

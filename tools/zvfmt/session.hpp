@@ -72,7 +72,4 @@ private:
     std::unique_ptr<zvhost::Host> host_;
 };
 
-// Is the row's routine built (its entry not null)?
-bool isReady(const FormatTableRow &row);
-
 } // namespace zvfmt

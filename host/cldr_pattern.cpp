@@ -259,6 +259,7 @@ private:
                 if (count < 3) inexact(f + " written padded: the reader has no flags");
             } else if (count >= 3) {
                 directive(u"j");
+                if (count > 3) inexact(f + " written as three digits");
             } else {
                 directive(u"#j");
                 if (count == 2) inexact(f + " written unpadded");

@@ -175,15 +175,15 @@ bool fitScientific(double v, int width, Text &t, int mostPlaces = 20) {
     return false;
 }
 
-// The length of the plain form with no decimals, without writing it: exact
-// below 2^53, where llround rounds half away from zero as the text does.
-int plainLength(double v, Text &t) {
+// The length of the integer part with its sign, without writing it: exact
+// below 2^53; above, every double is a whole number and is written.
+int integerLength(double v, Text &t) {
     const double a = std::fabs(v);
     if (!(a < 9007199254740992.0)) {
         plainAt(v, 0, t);
         return t.n;
     }
-    long long r = std::llround(a);
+    long long r = static_cast<long long>(a);
     int n = negativeValue(v) ? 2 : 1;
     while (r >= 10) {
         r /= 10;
@@ -193,13 +193,15 @@ int plainLength(double v, Text &t) {
 }
 
 int32_t plainForm(double v, int width, int decimals, Text &t) {
-    t.n = plainLength(v, t);
-    if (t.n <= width) {
-        // Rounding at finer places never lengthens the integer part.
-        const int room = width - t.n - 1;
-        const int places = decimals < room ? decimals : (room > 0 ? room : 0);
-        plainAt(v, places, t);
-        return places == decimals ? 0 : kNumberNotPlain;
+    const int whole = integerLength(v, t);
+    if (whole <= width) {
+        // The most places that leave room for the point; one fewer each time the
+        // rounding carries into a new integer digit (9.9996 -> 10.000).
+        const int room = width - whole - 1;
+        for (int places = decimals < room ? decimals : (room > 0 ? room : 0); places >= 0; --places) {
+            plainAt(v, places, t);
+            if (t.n <= width) return places == decimals ? 0 : kNumberNotPlain;
+        }
     }
     if (!fitScientific(v, width, t)) stars(t, width);
     return kNumberNotPlain;

@@ -26,9 +26,7 @@ inline FormatCall makeCall(zvhost::Host &host, const double *value, void *output
     return c;
 }
 
-inline double missing(char letter) { return zvhost::missingValue(letter); }
-
-// Texts a test routine writes, set before each call.
+// What the test routine writes, set before each call.
 struct Script {
     std::u16string text;       // written from index 0, at most outputCapacity units
     int32_t outputLength = -1; // -1: width
@@ -38,16 +36,14 @@ struct Script {
 };
 inline Script script;
 
-// A format routine for the frame's tests: the frame's first steps, then the
-// scripted text.
+// A format routine: the frame's first steps, then the scripted text.
 inline int32_t scriptedFormat(FormatCall *call, void *) {
     std::memcpy(&script.seen, call, sizeof(FormatCall));
     double v = 0;
     int32_t status = 0;
     if (!zv::beginFormat(call, -1e9, 1e9, &v, &status, nullptr)) return status;
     auto *out = static_cast<ZvChar *>(call->output);
-    for (size_t i = 0; i < script.text.size() && int64_t(i) < call->outputCapacity; ++i)
-        out[i] = script.text[i];
+    for (size_t i = 0; i < script.text.size() && int64_t(i) < call->outputCapacity; ++i) out[i] = script.text[i];
     call->outputLength = script.outputLength >= 0 ? script.outputLength : call->width;
     if (script.plantBlock) call->localeBlock = script.plantBlock;
     return script.status;

@@ -35,9 +35,9 @@ TEST(Build, TheInstanceHoldsWhatTheHostReads) {
     EXPECT_EQ(host.createdPools().front()->name(), "zvregional pool");
     EXPECT_EQ(in->journalOpen, 0u);
     EXPECT_EQ(in->monetaryRecord, nullptr);
-    EXPECT_EQ(std::tuple(in->wideFromLocaleText->sourceEncodingId, in->wideFromLocaleText->encodingId),
-              std::tuple(62u, 25u));
-    EXPECT_EQ(std::tuple(in->wideToWide->sourceEncodingId, in->wideToWide->encodingId), std::tuple(25u, 25u));
+    EXPECT_EQ(std::tuple(in->wideFromLocaleText->sourceEncodingId, in->wideFromLocaleText->encodingId,
+                         in->wideToWide->sourceEncodingId, in->wideToWide->encodingId),
+              std::tuple(62u, 25u, 25u, 25u));
     EXPECT_NE(in->defaultLocale, nullptr);
     std::array<int64_t, 3> v{};
     EXPECT_EQ(in->versionCurrent(in, &v[0], &v[1], &v[2]), 0);

@@ -1,134 +1,244 @@
-// The first steps every format shares: the instance, the missing mark, stars.
-#include "fixture.hpp"
+// The frame's own steps on hand-made calls: finding the instance, the missing
+// mark, and the byte entry with its justifications, record part, local copy
+// and the pool of a call.
 
-using namespace frametest;
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "frame/frame.hpp"
+#include "zvhost.hpp"
 
 namespace {
 
-std::u16string text(const std::vector<ZvChar> &v, size_t n) { return std::u16string(v.data(), n); }
+FormatCall makeCall(zvhost::Host &host, const double *value, void *output, int32_t width,
+                           int32_t capacity, const std::string &encoding = "UTF-8") {
+    FormatCall c;
+    std::memset(&c, 0, sizeof c);
+    c.width = width;
+    c.input = value;
+    c.output = output;
+    c.outputCapacity = capacity;
+    c.transcoder = host.transcoder(encoding);
+    c.services = host.services();
+    c.locale = host.locale("en_US");
+    return c;
+}
 
-} // namespace
+struct Script { // what the test routine writes (from index 0), its outputLength (-1: width) and status
+    std::u16string text;
+    int32_t outputLength = -1, status = 0;
+    LocaleBlock *plantBlock = nullptr; // stored in the call's localeBlock
+    FormatCall seen{};                 // the record as the routine saw it
+};
+Script script;
+
+// A format routine: the frame's first steps, then the scripted text.
+int32_t scriptedFormat(FormatCall *call, void *) {
+    std::memcpy(&script.seen, call, sizeof(FormatCall));
+    double v = 0;
+    int32_t status = 0;
+    if (!zv::beginFormat(call, -1e9, 1e9, &v, &status, nullptr)) return status;
+    auto *out = static_cast<ZvChar *>(call->output);
+    for (size_t i = 0; i < script.text.size() && int64_t(i) < call->outputCapacity; ++i) out[i] = script.text[i];
+    call->outputLength = script.outputLength >= 0 ? script.outputLength : call->width;
+    if (script.plantBlock) call->localeBlock = script.plantBlock;
+    return script.status;
+}
+
+class Loaded : public ::testing::Test {
+protected:
+    void SetUp() override {
+        script = Script{};
+        instance = host.loadModule();
+        ASSERT_NE(instance, nullptr);
+    }
+    zvhost::Host host;
+    ExtensionInstance *instance = nullptr;
+};
+
 
 TEST_F(Loaded, FindsTheInstanceByItsEightByteName) {
     double v = 1;
     FormatCall c = makeCall(host, &v, nullptr, 5, 0);
     EXPECT_EQ(zv::findInstance(&c), instance);
-
-    // Another extension in front of ours is passed over.
     char otherName[8] = {'z', 'v', 'l', 'o', 'c', 'f', 'm', 'x'};
     ExtensionInstance other{};
     other.extensionName = otherName;
-    ExtensionInstance *list[] = {&other, instance, nullptr};
+    ExtensionInstance *list[] = {&other, instance, nullptr}, *onlyOther[] = {&other, nullptr}, *empty[] = {nullptr};
     HostServices services = *host.services();
-    services.extensionList = list;
     c.services = &services;
+    services.extensionList = list;
     EXPECT_EQ(zv::findInstance(&c), instance);
-
-    ExtensionInstance *onlyOther[] = {&other, nullptr};
     services.extensionList = onlyOther;
     EXPECT_EQ(zv::findInstance(&c), nullptr);
-
-    ExtensionInstance *empty[] = {nullptr};
     services.extensionList = empty;
     EXPECT_EQ(zv::findInstance(&c), nullptr);
 }
 
-TEST_F(Loaded, WithoutTheInstanceAFormatAnswersMinusOneAndWritesNothing) {
-    double v = 12;
-    std::vector<ZvChar> out(16, u'#');
-    FormatCall c = makeCall(host, &v, out.data(), 8, 16);
-    c.outputLength = 1234;
-    ExtensionInstance *empty[] = {nullptr};
-    HostServices services = *host.services();
-    services.extensionList = empty;
-    c.services = &services;
-    EXPECT_EQ(scriptedFormat(&c, nullptr), -1);
-    EXPECT_EQ(c.outputLength, 1234);
-    EXPECT_EQ(text(out, 16), std::u16string(16, u'#'));
-
-    // The byte entry passes -1 on and leaves the target alone too.
-    std::vector<unsigned char> bytes(16, 0xEE);
-    FormatCall b = makeCall(host, &v, bytes.data(), 8, 16);
-    b.services = &services;
-    b.outputLength = 77;
-    EXPECT_EQ((zv::byteEntry<scriptedFormat, zv::Justify::Right>(&b, nullptr, nullptr)), -1);
-    EXPECT_EQ(b.outputLength, 77);
-    EXPECT_EQ(std::vector<unsigned char>(16, 0xEE), bytes);
-}
-
-struct MarkCase {
-    char letter;          // the missing value's letter ('.' plain, 0 for a value not missing)
-    int32_t width, decimals, capacity;
-    std::u16string expected;
-};
-
-class MissingMark : public Loaded, public ::testing::WithParamInterface<MarkCase> {};
-
-TEST_P(MissingMark, StandsWhereWidthAndDecimalsPutIt) {
-    const MarkCase &m = GetParam();
-    double v = m.letter ? missing(m.letter) : 3.5;
-    std::vector<ZvChar> out(m.capacity + 4, u'#');
-    FormatCall c = makeCall(host, &v, out.data(), m.width, m.capacity);
-    c.decimals = m.decimals;
-    EXPECT_EQ(zv::writeMissingMark(&c), 0);
-    EXPECT_EQ(c.outputLength, m.width);
-    EXPECT_EQ(text(out, m.capacity), m.expected);
-    EXPECT_EQ(text(out, m.capacity + 4).substr(m.capacity), u"####");
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Frame, MissingMark,
-    ::testing::Values(MarkCase{'Q', 10, 2, 10, u"       Q  "}, MarkCase{'Q', 10, 0, 10, u"         Q"},
-                      MarkCase{'.', 6, 0, 6, u"     ."}, MarkCase{'_', 4, 0, 4, u"   _"},
-                      MarkCase{'A', 5, 98, 5, u"    A"}, MarkCase{'Z', 5, 99, 5, u"    Z"},
-                      MarkCase{0, 5, 0, 5, u"     "},
-                      // The field is blanked to the capacity; the mark only where it fits.
-                      MarkCase{'B', 4, 0, 8, u"   B    "}, MarkCase{'B', 9, 0, 4, u"    "},
-                      MarkCase{'C', 3, 5, 3, u"   "}));
-
-TEST_F(Loaded, AnyOtherByteFiveShowsAsAPeriod) {
-    for (uint64_t b5 : {0x00ull, 0x20ull, 0x9Full, 0x3Eull /* ~'a'... not a capital */}) {
-        double v = zv::doubleOf(0xFFFF000000000000ull | ((~b5 & 0xFF) << 40));
-        std::vector<ZvChar> out(3, u'#');
-        FormatCall c = makeCall(host, &v, out.data(), 3, 3);
-        zv::writeMissingMark(&c);
-        EXPECT_EQ(out[2], u'.') << std::hex << b5;
-    }
-    // Lower-case letters are not marks either.
-    double lower = zv::doubleOf(0xFFFF000000000000ull | (uint64_t(uint8_t(~'q')) << 40));
-    std::vector<ZvChar> out(2, u'#');
-    FormatCall c = makeCall(host, &lower, out.data(), 2, 2);
-    zv::writeMissingMark(&c);
-    EXPECT_EQ(out[1], u'.');
-}
-
-TEST_F(Loaded, AFormatShowsAMissingValueWithDecimalsHeldAtZero) {
-    double v = missing('Q');
-    std::vector<ZvChar> out(10, u'#');
-    FormatCall c = makeCall(host, &v, out.data(), 10, 10);
-    c.decimals = 2;
-    EXPECT_EQ(scriptedFormat(&c, nullptr), 0);
-    EXPECT_EQ(text(out, 10), u"         Q");
-    EXPECT_EQ(c.decimals, 2);
-    EXPECT_EQ(c.outputLength, 10);
-}
-
-TEST_F(Loaded, ValuesOutOfRangeGiveStars) {
-    for (double v : {1e9, 5e12, -1e9 - 1, std::numeric_limits<double>::infinity(),
-                     std::numeric_limits<double>::quiet_NaN()}) {
-        std::vector<ZvChar> out(8, u'#');
-        FormatCall c = makeCall(host, &v, out.data(), 6, 8);
-        EXPECT_EQ(scriptedFormat(&c, nullptr), 0);
-        EXPECT_EQ(text(out, 8), u"******##") << v;
-        EXPECT_EQ(c.outputLength, 6);
+TEST_F(Loaded, MissingMarkStandsWhereWidthAndDecimalsPutIt) {
+    auto withByte5 = [](uint8_t b) { return zv::doubleOf(0xFFFF000000000000ull | (uint64_t(uint8_t(~b)) << 40)); };
+    struct Case {
+        double value;
+        int32_t width, decimals, capacity;
+        std::u16string expected;
+    } const cases[] = {{withByte5('Q'), 10, 2, 10, u"       Q  "}, {withByte5('Q'), 10, 0, 10, u"         Q"},
+        {zvhost::missingValue('.'), 6, 0, 6, u"     ."}, {withByte5('-'), 4, 0, 4, u"   _"},
+        {withByte5('A'), 5, 98, 5, u"    A"}, {withByte5('Z'), 5, 99, 5, u"    Z"},
+        {withByte5('q'), 2, 0, 2, u" ."}, {withByte5(0x20), 2, 0, 2, u" ."}, {withByte5('@'), 2, 0, 2, u" ."},
+        {withByte5('['), 2, 0, 2, u" ."}, {3.5, 5, 0, 5, u"     "},
+        // The field is blanked to the capacity; the mark only where it fits.
+        {withByte5('B'), 4, 0, 8, u"   B    "}, {withByte5('B'), 9, 0, 4, u"    "}, {withByte5('C'), 3, 5, 3, u"   "}};
+    for (const Case &k : cases) {
+        std::vector<ZvChar> out(size_t(k.capacity) + 4, u'#');
+        FormatCall c = makeCall(host, &k.value, out.data(), k.width, k.capacity);
+        c.decimals = k.decimals;
+        EXPECT_EQ(zv::writeMissingMark(&c), 0);
+        EXPECT_EQ(c.outputLength, k.width);
+        EXPECT_EQ(std::u16string(out.data(), out.size()), k.expected + u"####") << zvhost::utf8(k.expected);
     }
 }
 
-TEST_F(Loaded, StarsNeverPassTheCapacity) {
-    double v = 0;
-    std::vector<ZvChar> out(6, u'#');
-    FormatCall c = makeCall(host, &v, out.data(), 200, 4);
-    EXPECT_EQ(zv::starFill(&c), 0);
-    EXPECT_EQ(c.outputLength, 200);
-    EXPECT_EQ(text(out, 6), u"****##");
+constexpr int32_t kTooSmall = ZV_TARGET_TOO_SMALL;
+using zv::Justify;
+
+int32_t callByte(Justify mark, FormatCall *c, FormatCall *part = nullptr) {
+    return mark == Justify::Left ? zv::byteEntry<scriptedFormat, Justify::Left>(c, part, nullptr)
+                                 : zv::byteEntry<scriptedFormat, Justify::Right>(c, part, nullptr);
 }
+
+TEST_F(Loaded, ByteEntryFitsTheTextToTheField) {
+    struct Case {
+        Justify mark;
+        const char *encoding;
+        std::u16string wide; // what the wide routine writes, width units
+        int32_t width, status;
+        std::string bytes;   // the target's first outputLength bytes
+        int32_t outputLength;
+    } const cases[] = {
+        // Blanks fill more than the target takes: the digits survive, right-justified.
+        {Justify::Right, "UTF-8", u"  \u20ac123", 6, 0, "\xe2\x82\xac" "123", 6},
+        {Justify::Right, "UTF-8", u"   \u20ac12", 6, 0, " \xe2\x82\xac" "12", 6},
+        // Without leading blanks the overflow reaches the host, cut at whole characters.
+        {Justify::Right, "UTF-8", u"\u20ac\u20ac\u20ac", 3, kTooSmall, "\xe2\x82\xac", 3},
+        {Justify::Right, "UTF-8", u"\u20ac\u20ac", 2, kTooSmall, "", 0},
+        // Digits that don't fit even alone: the second status stands, still right-justified.
+        {Justify::Right, "UTF-8", u" \u20ac\u20ac", 3, kTooSmall, "\xe2\x82\xac", 3},
+        // A date is cut at what fitted, nothing added, status 0.
+        {Justify::Left, "UTF-8", u"5 M\u00e4rz 24 ", 10, 0, "5 M\xc3\xa4rz 24", 10},
+        {Justify::Left, "UTF-8", u"  \u20ac", 3, 0, "  ", 2}};
+    for (const Case &k : cases) {
+        script.text = k.wide;
+        double v = 1;
+        std::vector<unsigned char> target(size_t(k.width) + 8, 0xEE);
+        FormatCall c = makeCall(host, &v, target.data(), k.width, k.width, k.encoding);
+        const FormatCall before = c;
+        const std::string what = zvhost::utf8(k.wide);
+        EXPECT_EQ(callByte(k.mark, &c), k.status) << what;
+        EXPECT_EQ(c.outputLength, k.outputLength) << what;
+        EXPECT_EQ(std::string(target.begin(), target.begin() + std::max(0, c.outputLength)), k.bytes) << what;
+        for (size_t i = size_t(k.width); i < target.size(); ++i) { EXPECT_EQ(target[i], 0xEE) << what; }
+        c.outputLength = before.outputLength;
+        EXPECT_EQ(std::memcmp(&c, &before, sizeof before), 0) << what;
+    }
+}
+
+TEST_F(Loaded, WidthZeroUnderTheRightMarkReturnsTheOverflow) {
+    script.text = u"\u20ac";
+    script.outputLength = 1;
+    double v = 1;
+    std::vector<unsigned char> target(4, 0xEE);
+    FormatCall c = makeCall(host, &v, target.data(), 0, 4);
+    EXPECT_EQ(callByte(Justify::Right, &c), kTooSmall);
+    EXPECT_EQ(c.outputLength, 0);
+    EXPECT_EQ(target, std::vector<unsigned char>(4, 0xEE));
+}
+
+TEST_F(Loaded, OtherStatusesPassUnchanged) {
+    double v = 1;
+    std::vector<unsigned char> target(2, 0xEE);
+    for (Justify mark : {Justify::Left, Justify::Right}) {
+        script.text = u"\u20ac1"; // not in Latin-1: the host's own failure, no substitute
+        FormatCall c = makeCall(host, &v, target.data(), 2, 2, "ISO-8859-1");
+        EXPECT_EQ(callByte(mark, &c), zvhost::kCannotShow);
+        EXPECT_NE(target[0], '?');
+        script.text = u"**"; // a routine's own status reaches the host with its text
+        script.status = -1;
+        c = makeCall(host, &v, target.data(), 2, 2);
+        EXPECT_EQ(callByte(mark, &c), -1);
+        EXPECT_EQ(std::string(target.begin(), target.end()), "**");
+        script.status = 0;
+    }
+}
+
+// A block built inside stays in the local copy.
+TEST_F(Loaded, CallPartOverridesTheCallAndReceivesTheResult) {
+    script.text = u"  77";
+    script.plantBlock = reinterpret_cast<LocaleBlock *>(uintptr_t(0x1000));
+    double v = 1, other = 2;
+    std::vector<unsigned char> mainTarget(8, 0xEE), partTarget(8, 0xEE);
+    FormatCall c = makeCall(host, &v, mainTarget.data(), 8, 8);
+    FormatCall part = makeCall(host, &other, partTarget.data(), 4, 4);
+    part.services = nullptr; // only bytes 0 to 71 of the part count
+    part.decimals = 3;
+    c.outputLength = 55;
+    EXPECT_EQ(callByte(Justify::Right, &c, &part), 0);
+    EXPECT_EQ(script.seen.width, 4);
+    EXPECT_EQ(script.seen.decimals, 3);
+    EXPECT_EQ(script.seen.input, &other);
+    EXPECT_EQ(script.seen.services, host.services());
+    EXPECT_EQ(part.outputLength, 4);
+    EXPECT_EQ(std::string(partTarget.begin(), partTarget.begin() + 4), "  77");
+    EXPECT_EQ(c.outputLength, 55);
+    EXPECT_EQ(c.localeBlock, nullptr);
+    EXPECT_EQ(part.localeBlock, nullptr);
+    EXPECT_EQ(mainTarget, std::vector<unsigned char>(8, 0xEE));
+}
+
+// Fields up to 256 characters use a buffer on the stack; wider ones one from
+// the call's pool: the pool behind the key "ZVRG" and word 9, else formatPool.
+TEST_F(Loaded, WideFieldsTakeTheirBufferFromTheCallsPool) {
+    uint64_t descriptor[3] = {};
+    HostPool *own = host.anchor()->ops->createPool(host.anchor(), descriptor, nullptr, "call pool");
+    ASSERT_NE(own, nullptr);
+    zvhost::Pool *ownStats = host.createdPools().back();
+    struct Case {
+        const char16_t *key;
+        bool withPool;
+        int width;
+        int fromOwn, fromFormat;
+    } const cases[] = {{u"ZVRG", true, 300, 1, 0}, {u"ZVRX", true, 300, 0, 1}, {u"zvrg", true, 300, 0, 1},
+                       {u"ZVRG", false, 300, 0, 1}, {u"ZVRG", true, 256, 0, 0}, {nullptr, false, 257, 0, 1}};
+    for (const Case &k : cases) {
+        alignas(8) unsigned char record[96] = {};
+        if (k.key) std::memcpy(record, k.key, 8);
+        HostPool *word9 = k.withPool ? own : nullptr;
+        std::memcpy(record + 72, &word9, sizeof word9);
+        script.text = std::u16string(size_t(k.width), u'y');
+        double v = 1;
+        std::vector<unsigned char> target(size_t(k.width));
+        FormatCall c = makeCall(host, &v, target.data(), k.width, k.width);
+        c.callPool = k.key ? record : nullptr;
+        const auto ownBefore = ownStats->stats(), formatBefore = host.formatPool().stats();
+        EXPECT_EQ(callByte(Justify::Left, &c), 0);
+        EXPECT_EQ(std::string(target.begin(), target.end()), std::string(size_t(k.width), 'y'));
+        EXPECT_EQ(ownStats->stats().allocations - ownBefore.allocations, k.fromOwn) << k.width;
+        EXPECT_EQ(host.formatPool().stats().allocations - formatBefore.allocations, k.fromFormat) << k.width;
+        EXPECT_EQ(ownStats->stats().liveBlocks + host.formatPool().stats().liveBlocks, formatBefore.liveBlocks);
+    }
+    own->ops->poolDestroy(own);
+}
+
+TEST_F(Loaded, AFailedWideBufferIsReportedAsExhaustedMemory) {
+    script.text = std::u16string(400, u'z');
+    double v = 1;
+    std::vector<unsigned char> target(400, 0xEE);
+    FormatCall c = makeCall(host, &v, target.data(), 400, 400);
+    host.formatPool().failAt(1);
+    EXPECT_EQ(callByte(Justify::Right, &c), ZV_NO_MEMORY);
+    EXPECT_EQ(target, std::vector<unsigned char>(400, 0xEE));
+}
+
+} // namespace

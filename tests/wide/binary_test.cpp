@@ -115,17 +115,16 @@ TEST(Readers, LimitsAreCheckedOnlyWhenAsked) {
 TEST(Readers, SizeNumbersScaleByTheirLetter) {
     zvhost::Host host; // its current locale, en_US, reads the number, not the call's
     ASSERT_NE(host.loadModule(), nullptr);
-    const char16_t *units[] = {u"", u"K", u"k", u"M", u"m", u"G", u"g", u"T", u"KB", u" K"};
-    const int scale[] = {0, 1, 1, 2, 2, 3, 3, 0, 1, 0};
+    const std::pair<S, int> units[] = {{u"", 0}, {u"K", 1}, {u"k", 1}, {u"M", 2}, {u"m", 2}, {u"G", 3}, {u"g", 3}, {u"T", 0}, {u"KB", 1}, {u" K", 0}};
     std::mt19937_64 rng(10);
     for (int n = 0; n < 300; ++n) {
         const std::string number = (n % 5 ? "" : "-") + std::to_string(rng() % 100000) + (rng() % 2 ? ".5" : ".125");
-        const int u = int(rng() % 10);
-        const S text = S(rng() % 2, u' ') + zvhost::utf16(number) + units[u] + S(rng() % 2, u' ');
+        const auto &[unit, scale] = units[rng() % 10];
+        const S text = S(rng() % 2, u' ') + zvhost::utf16(number) + unit + S(rng() % 2, u' ');
         Call c(text + u"k");
         c.call.locale = host.locale("de_DE");
         ASSERT_EQ(c.bound(rng, text.size()).run(zv::readSizeNumber), 0) << number;
-        ASSERT_EQ(zv::doubleOf(c.bits()), std::strtod(number.c_str(), nullptr) * std::pow(1024.0, scale[u])) << number;
+        ASSERT_EQ(zv::doubleOf(c.bits()), std::strtod(number.c_str(), nullptr) * std::pow(1024.0, scale)) << number;
     }
     for (const char16_t *text : {u"K", u"", u"abc"}) {
         Call c(text);

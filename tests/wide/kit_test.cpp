@@ -54,6 +54,7 @@ TEST(Kit, FindingAndTrimmingAgreeWithStdString) {
     }
     EXPECT_EQ(zv::wideLength(nullptr) + zv::findChar(nullptr, 3, u'a') + zv::findSubstring(nullptr, 4, u"a", 1), -2);
     EXPECT_EQ(zv::findSubstring(nullptr, 0, nullptr, 0) + zv::findSubstring(u"", 0, nullptr, -1), 0);
+    EXPECT_TRUE(zv::allEqual(u'a', nullptr, 3) && zv::firstOther(nullptr, 3, u'a') == 0);
 }
 
 TEST(Kit, FillCopyAndJustifyAgreeWithStdString) {

@@ -6,7 +6,6 @@
 
 #include <chrono>
 #include <cmath>
-#include <cstring>
 #include <map>
 #include <random>
 #include <string>
@@ -30,23 +29,16 @@ inline bool same(double got, double want) {
 class Module : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_NE(host.loadModule(), nullptr); }
-    const FormatTableRow &row(const std::string &name) {
-        return *zvhost::findRow(host.instance()->formatTable, name);
-    }
+    const FormatTableRow &row(const std::string &name) { return *zvhost::findRow(host.instance()->formatTable, name); }
     zvhost::ReadResult read(const std::string &informat, const std::string &text, const std::string &locale = "en_US",
                             const std::map<int, std::string> &items = {}, int fieldLimit = -1) {
         zvhost::CallSpec spec;
-        spec.locale = locale;
-        spec.items = items;
-        spec.fieldLimit = fieldLimit;
+        spec.locale = locale, spec.items = items, spec.fieldLimit = fieldLimit;
         return zvhost::runInformat(host, row(informat), spec, text);
     }
-    std::string write(const std::string &format, double value, const std::string &locale, int width,
-                      int decimals = -1) {
+    std::string write(const std::string &format, double value, const std::string &locale, int width, int dec = -1) {
         zvhost::CallSpec spec;
-        spec.locale = locale;
-        spec.width = width;
-        spec.decimals = decimals;
+        spec.locale = locale, spec.width = width, spec.decimals = dec;
         return zvhost::runFormat(host, row(format), spec, value).utf8;
     }
     zvhost::Host host;

@@ -79,8 +79,7 @@ TEST_F(Informats, Cases) {
         {"@NLDATE", "01-JAN-2000", 0, 14610}, {"@NLDATE", "31FEB2000", 0, kMiss}, {"@NLDATE", "xyz", 999, no},
         {"@NLDATE", "   ", 1, no}, {"@NLDATM", "March 5, 2024 25:00:00", 0, at + 90000},
         {"@NLDATM", "01JAN2000:12:30:15.25", 0, 14610 * 86400.0 + 45015.25}, {"@NLDATM", "01JAN2000:12", 999, no},
-        {"@NLTIME", "12:30", 0, 45000}, {"@NLTIMAP", "25:00:00", 0, 90000}, {"@NLTIME", "abcde", 999, kMiss},
-        {"@NLTIME", "ab", 999, no}};
+        {"@NLTIME", "12:30", 0, 45000}, {"@NLTIMAP", "25:00:00", 0, 90000}, {"@NLTIME", "abcde", 999, kMiss}};
     for (const auto &c : cases) {
         const zvhost::ReadResult r = read(c.informat, c.text);
         EXPECT_TRUE(r.status == c.status && (std::isinf(c.value) ? r.untouched : same(r.value, c.value))) << c.text;

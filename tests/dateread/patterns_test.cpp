@@ -120,10 +120,12 @@ TEST_F(Patterns, EveryRowReadsWhatItsPatternDescribes) {
 
 TEST_F(Patterns, NamedForms) {
     const double jan1 = dayCount(2000, 1, 1), untouched = INFINITY, jan31 = dayCount(2024, 1, 31);
-    // "." stops the run of %C; 31FEB2000 is accepted, so no later row is tried; no row admits six characters.
+    // "." stops the run of %C; 31FEB2000 is accepted, so no later row is tried; no row admits six characters;
+    // two cleanings leave one of five blanks; %Y takes four digits or refuses the row.
     const struct { const char16_t *name; std::string text; int32_t status; double value; } cases[] = {
         {u"DATE", "01-JAN-2000", 0, jan1}, {u"DATE", "1 jan 00", 0, jan1}, {u"DATE", "01/JAN/2000", 0, jan1},
         {u"DATE", "01.JAN.2000", 999, kMiss}, {u"DATE", "31FEB2000", 0, kMiss}, {u"DATE", "1JAN00", 999, untouched},
+        {u"DATE", "01JAN" + std::string(28, 'x') + "00", 999, untouched}, {u"TIME", "12:     30", 999, kMiss},
         {u"DATETIME", "01JAN2000:12:30:15.1234567890123456789012345", 0,
          jan1 * 86400 + (0.1234567890123456789 + 45015.0)},
         {u"DATETIME", "01JAN2000 12:30", 0, jan1 * 86400 + 45000}, {u"DATETIME", "01JANUARY2000", 0, kMiss},
@@ -133,7 +135,7 @@ TEST_F(Patterns, NamedForms) {
         {u"TIME", "12:30" + std::string(50, ' ') + "xx", 999, kMiss}, {u"E8601TZ", "12:30:00-05:00", 0, 63000},
         {u"E8601TZ", "12:30:00Z02:00", 999, kMiss}, {u"B8601TZ", "123000-0500", 0, 63000},
         {u"B8601DZ", "20240131T123000+0200", 0, jan31 * 86400 + 37800}, {u"B8601DT", "20240131T123000.5", 999, kMiss},
-        {u"B8601DA", "999-01-31", 999, kMiss}, // %Y takes four digits or refuses the row
+        {u"B8601DA", "999-01-31", 999, kMiss}, {u"B8601DA", "20240131T5", 999, kMiss},
         {u"YYMMDD", "10203", 0, dayCount(2001, 2, 3)}, {u"DDMMYY", "01022003", 0, dayCount(2003, 2, 1)},
         {u"JULIAN", "2023366", 0, kMiss}, {u"NOSUCH", "01JAN2000", 999, untouched},
     };
@@ -190,6 +192,7 @@ TEST_F(Guess, Cases) {
         {"Wednesday, December 25, 2024", Date, dec25}, {"25DEC2024:13:30:15", Both, dec25 * 86400 + 48615},
         {"31DEC1959:23:59:59", Both, -1}, {"31DEC1959:23:59:59", Date, 0}, {"31DEC1959:23:59:59", Time, -1},
         {"   12/25/2024", Date, dec25}, {"", Date, kMiss}, {"hello world", Both, kMiss}, {"13/13/2024", Date, kMiss},
+        {"1234:56", Time, kMiss}, // a time row outside its lengths is not tried
     };
     for (const auto &c : cases) EXPECT_TRUE(same(guess(c.keep, c.text), c.value)) << c.text << " " << c.keep;
     EXPECT_EQ(guess(Date, "12/25/2024xyz", 10), dec25);

@@ -68,8 +68,7 @@ TEST_F(Robust, RandomTexts) {
         for (std::u16string *s : {&text, &pattern})
             for (char16_t &c : *s) c = alphabet[rng() % (std::size(alphabet) - 1)];
         const auto t = std::make_unique<ZvChar[]>(text.size()), p = std::make_unique<ZvChar[]>(pattern.size());
-        std::copy(text.begin(), text.end(), t.get());
-        std::copy(pattern.begin(), pattern.end(), p.get());
+        std::copy(text.begin(), text.end(), t.get()), std::copy(pattern.begin(), pattern.end(), p.get());
         int32_t n = int32_t(text.size()), kind = 0;
         double out = 0, date = zv::missingValue(), time = date;
         for (const char16_t *name : {u"DATE", u"DATETIME", u"TIME", u"B8601DZ", u"YYMMDD", u"JULIAN"})

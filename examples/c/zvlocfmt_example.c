@@ -207,10 +207,19 @@ static void group(char *text, size_t size) {
     }
 }
 
+/* snprintf with one number; an exponent has no leading zero ("1.5E+6", not
+ * "1.5E+06"). Returns the length. */
+static int print(char *text, size_t size, const char *format, int places, double value) {
+    int n = snprintf(text, size, format, places, value);
+    char *e = strchr(text, 'E');
+    if (e && e[2] == '0' && e[3]) memmove(e + 2, e + 3, strlen(e + 3) + 1), --n;
+    return n;
+}
+
 /* E-notation with the most mantissa places (at most `most`) that fit. */
 static int exponentForm(double value, int32_t width, int most, char *text, size_t size) {
     for (int places = most; places >= 0; --places)
-        if (snprintf(text, size, "%.*E", places, value) <= width) return 1;
+        if (print(text, size, "%.*E", places, value) <= width) return 1;
     return 0;
 }
 
@@ -245,16 +254,18 @@ static int32_t formatNumber(HostLocale *self, double value, int32_t width, int32
     } else if (flags == ZV_NUMBER_BEST_FIT) {
         status = NOT_PLAIN;
         for (int digits = 15; digits > 0 && status; --digits)
-            if (snprintf(text, sizeof text, "%.*G", digits, value) <= width) status = 0;
+            if (print(text, sizeof text, "%.*G", digits, value) <= width ||
+                print(text, sizeof text, "%.*E", digits - 1, value) <= width)
+                status = 0;
         if (status && exponentForm(value, width, 0, text, sizeof text)) status = 0;
     } else if (flags == ZV_NUMBER_PLAIN || flags == ZV_NUMBER_GROUPED) {
-        snprintf(text, sizeof text, "%.*f", decimals, value);
+        print(text, sizeof text, "%.*f", decimals, value);
         if (flags == ZV_NUMBER_GROUPED) group(text, sizeof text);
         if ((int32_t)strlen(text) > width) {
             /* Fewer places: "%.0f" shows the longest integer part there is. */
-            int whole = snprintf(text, sizeof text, "%.0f", value);
+            int whole = print(text, sizeof text, "%.*f", 0, value);
             int places = width - 1 - whole < decimals ? width - 1 - whole : decimals;
-            if (places > 0) snprintf(text, sizeof text, "%.*f", places, value);
+            if (places > 0) print(text, sizeof text, "%.*f", places, value);
             else if (whole > width && !exponentForm(value, width, 20, text, sizeof text)) text[0] = 0;
             int allPlaces = whole <= width && (decimals == 0 || places == decimals);
             status = allPlaces ? UNGROUPED : NOT_PLAIN; /* all places fit only without groups */

@@ -35,7 +35,8 @@ lib=$(find "$work/core-prefix" -name 'libzvlocfmt.so' -printf '%h')
 so=$(readlink -f "$lib/libzvlocfmt.so")
 version=$(sed -n 's/^project(zvlocfmt VERSION \([0-9.]*\).*/\1/p' "$src/CMakeLists.txt")
 [ "$(basename "$so")" = "libzvlocfmt.so.$version" ] || fail "shared library is $(basename "$so")"
-readelf -d "$so" | grep -q "SONAME.*\[libzvlocfmt\.so\.${version%%.*}\]" || fail "soname: $(readelf -d "$so" | grep SONAME)"
+soname=$(readelf -d "$so" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
+[ "$soname" = "libzvlocfmt.so.${version%%.*}" ] || fail "soname: $soname"
 exports=$(nm -D --defined-only "$so" | awk '{print $NF}' | sort | tr '\n' ' ')
 [ "$exports" = "zvextent zvextver zvlocfmt zvvercn1 " ] || fail "libzvlocfmt.so exports: $exports"
 
@@ -47,7 +48,8 @@ export PKG_CONFIG_PATH="$lib/pkgconfig"
 # shellcheck disable=SC2046
 quiet "$cc" -std=c11 -Wall -Wextra -Werror -pedantic -o by-pkg-config "$src/examples/c/zvlocfmt_example.c" \
     $(pkg-config --cflags --libs zvlocfmt) -Wl,-rpath,"$lib"
-ldd by-pkg-config | grep -q "libzvlocfmt.so.${version%%.*} => $lib/" || fail "pkg-config build is not on the installed .so"
+libs=$(ldd by-pkg-config)
+grep -q "libzvlocfmt.so.${version%%.*} => $lib/" <<< "$libs" || fail "pkg-config build is not on the installed .so"
 
 sed -n '/^<!-- example output -->/,/^```$/p' "$src/examples/README.md" | sed '1,2d;$d' > expected.txt
 [ -s expected.txt ] || fail "no example output in examples/README.md"

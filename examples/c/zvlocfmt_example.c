@@ -533,43 +533,40 @@ int main(void) {
         const FormatTableRow *row = findRow(instance, x->row);
         ZvChar wide[256], input[64];
         double value = x->value;
-        char spec[48], shown[64], result[3 * 256 + 1];
-        int64_t bytes = 0;
+        char spec[48], shown[64], text[3 * 256 + 1];
         snprintf(spec, sizeof spec, x->decimals ? "%s%d.%d" : "%s%d", x->row, (int)x->width, (int)x->decimals);
+        if (x->text) snprintf(shown, sizeof shown, "[%s]", x->text);
+        else snprintf(shown, sizeof shown, "%.15g", x->value);
         if (!row) {
             printf("%s: no such row\n", spec);
             ++failures;
             continue;
         }
+
         call.width = x->width;
         call.decimals = x->decimals;
-        int32_t status;
         if (x->text) { /* informat: UTF-16 text in, a double out */
             int32_t n = (int32_t)strlen(x->text);
             for (int32_t i = 0; i < n; ++i) input[i] = (ZvChar)(unsigned char)x->text[i];
             call.input = input;
             call.inputLength = call.fieldLimit = n;
             call.output = &value;
-            status = row->wideEntry(&call, NULL);
-            snprintf(shown, sizeof shown, "[%s]", x->text);
-            snprintf(result, sizeof result, "%.15g", value);
-        } else { /* format: a double in, UTF-16 text out, shown as UTF-8 */
+        } else { /* format: a double in, UTF-16 text out */
             call.input = &value;
             call.output = wide;
             call.outputCapacity = x->width;
-            status = row->wideEntry(&call, NULL);
-            toUtf8->ops->transcode(toUtf8, wide, 2 * (int64_t)call.outputLength, result, sizeof result - 3, &bytes, 0);
-            result[bytes] = 0;
-            snprintf(shown, sizeof shown, "%.15g", x->value);
-            memmove(result + 1, result, (size_t)bytes + 1);
-            result[0] = '[';
-            strcat(result, "]");
         }
+        int32_t status = row->wideEntry(&call, NULL);
         if (status != 0) {
             printf("%-10s %-14s -> status %ld\n", spec, shown, (long)status);
             ++failures;
-        } else {
-            printf("%-10s %-14s -> %s\n", spec, shown, result);
+        } else if (x->text) {
+            printf("%-10s %-14s -> %.15g\n", spec, shown, value);
+        } else { /* shown as UTF-8, through the host's own transcoder */
+            int64_t bytes = 0;
+            toUtf8->ops->transcode(toUtf8, wide, 2 * (int64_t)call.outputLength, text, sizeof text - 1, &bytes, 0);
+            text[bytes] = 0;
+            printf("%-10s %-14s -> [%s]\n", spec, shown, text);
         }
     }
 

@@ -12,7 +12,7 @@ job="${1:-demo}"
 JOBS="${JOBS:-2}"
 
 packages=(cmake ninja-build g++ clang libclang-rt-14-dev libicu-dev libgtest-dev libgmock-dev
-          libbenchmark-dev nlohmann-json3-dev llvm-14)
+          libbenchmark-dev nlohmann-json3-dev llvm-14 pkgconf)
 
 install_missing() {
     local missing=()

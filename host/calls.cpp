@@ -5,6 +5,8 @@
 
 #include "zvhost.hpp"
 
+#include "locale/block.hpp"
+
 namespace zvhost {
 
 namespace {
@@ -13,6 +15,9 @@ constexpr size_t kGuard = 64;             // units (or bytes) behind the target
 constexpr char16_t kWideSentinel = 0xFDD1; // a noncharacter nobody writes
 constexpr uint8_t kByteSentinel = 0xA5;
 constexpr uint64_t kUntouchedBits = 0x7FF4DEADBEEF0001ull;
+// The most units (or bytes) a target gets when its capacity follows the
+// width: a larger width still goes to the routine as it is.
+constexpr int32_t kMaxCapacity = 65536;
 
 bool blankRow(const FormatTableRow &row) {
     for (ZvChar c : row.name)
@@ -43,6 +48,15 @@ HostTranscoder *decoderFrom(uint32_t encoding) {
 
 std::string notBuilt(const FormatTableRow &row) { return "row " + rowName(row) + " is not built yet"; }
 
+// The width, decimals and flags of the spec over a record that has its locale.
+FormatCall withCallPart(FormatCall call, const FormatTableRow &row, const CallSpec &spec) {
+    call.width = spec.width == -1 && !spec.exact ? int32_t(row.defaultWidth) : spec.width;
+    call.decimals = spec.decimals == -1 && !spec.exact ? int32_t(row.defaultDecimals) : spec.decimals;
+    call.flags = spec.validate ? ZV_FLAG_CHECK_LIMITS : 0;
+    call.measureBytes = spec.measureBytes ? 1 : 0;
+    return call;
+}
+
 // Common preparation of a call; an error text when it can't be made.
 std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec, FormatCall &call) {
     std::memset(&call, 0, sizeof call);
@@ -51,13 +65,10 @@ std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec,
     if (!transcoder) return "unknown encoding " + spec.encoding;
     HostLocale *locale = host.locale(spec.locale, spec.items);
     if (!locale) return "unknown locale " + spec.locale;
-    call.width = spec.width == -1 ? int32_t(row.defaultWidth) : spec.width;
-    call.decimals = spec.decimals == -1 ? int32_t(row.defaultDecimals) : spec.decimals;
-    call.flags = spec.validate ? ZV_FLAG_CHECK_LIMITS : 0;
     call.locale = locale;
     call.transcoder = transcoder;
-    call.measureBytes = spec.measureBytes ? 1 : 0;
     call.services = host.services();
+    call = withCallPart(call, row, spec);
     return {};
 }
 
@@ -98,49 +109,98 @@ std::vector<const FormatTableRow *> tableRows(const FormatTableRow *table) {
 
 bool isInformat(const FormatTableRow &row) { return row.name[0] == u'@' || row.sourceKind == ZV_KIND_TEXT; }
 
-FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &spec, double value) {
-    FormatResult result;
-    if ((spec.entry == Entry::Wide && !row.wideEntry) || (spec.entry == Entry::Byte && !row.byteEntry)) {
-        result.error = notBuilt(row);
-        return result;
+namespace {
+
+// UTF-16 to UTF-8 without a detour; a lone surrogate becomes U+FFFD.
+void appendUtf8(std::string &out, std::u16string_view text) {
+    for (size_t i = 0; i < text.size(); ++i) {
+        char32_t c = text[i];
+        if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF)
+            c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
+        else if (c >= 0xD800 && c <= 0xDFFF)
+            c = 0xFFFD;
+        if (c < 0x80) {
+            out += char(c);
+        } else if (c < 0x800) {
+            out += char(0xC0 | (c >> 6));
+            out += char(0x80 | (c & 0x3F));
+        } else if (c < 0x10000) {
+            out += char(0xE0 | (c >> 12));
+            out += char(0x80 | ((c >> 6) & 0x3F));
+            out += char(0x80 | (c & 0x3F));
+        } else {
+            out += char(0xF0 | (c >> 18));
+            out += char(0x80 | ((c >> 12) & 0x3F));
+            out += char(0x80 | ((c >> 6) & 0x3F));
+            out += char(0x80 | (c & 0x3F));
+        }
     }
-    FormatCall call;
-    result.error = prepare(host, row, spec, call);
-    if (!result.error.empty()) return result;
-    call.outputCapacity = spec.outputCapacity == -1 ? std::max(call.width, 0) : spec.outputCapacity;
+}
+
+// How a call's target is read back.
+struct Target {
+    std::vector<char16_t> &wide;
+    std::vector<uint8_t> &bytes;
+    bool onlyWritten; // the text ends at the last unit the routine wrote
+};
+
+// The units the routine wrote of the first n: trailing sentinels were never written.
+size_t writtenUnits(const char16_t *out, size_t n) {
+    while (n > 0 && out[n - 1] == kWideSentinel) --n;
+    return n;
+}
+
+// Runs a format on a prepared record.
+FormatResult formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, double value, FormatCall call,
+                        Target target) {
+    FormatResult result;
+    call.outputCapacity = spec.outputCapacity == -1 ? std::clamp(call.width, 0, kMaxCapacity) : spec.outputCapacity;
     // A negative capacity goes to the routine as it is; the buffer has none.
     const int32_t capacity = std::max(call.outputCapacity, 0);
     call.fieldLimit = spec.fieldLimit < 0 ? 0 : spec.fieldLimit;
+    call.outputLength = 0;
     const double input = value;
     call.input = &input;
     const int64_t mark = host.formatPool().serial();
 
     if (spec.entry == Entry::Wide) {
-        std::vector<char16_t> out(size_t(capacity) + kGuard, kWideSentinel);
+        std::vector<char16_t> &out = target.wide;
+        out.assign(size_t(capacity) + kGuard, kWideSentinel);
         call.output = out.data();
         const FormatCall before = call;
         result.status = row.wideEntry(&call, nullptr);
         result.fieldsChanged = !onlyResultsChanged(before, call);
         result.outputLength = call.outputLength;
         for (size_t i = size_t(capacity); i < out.size(); ++i) result.overran |= out[i] != kWideSentinel;
-        const size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
+        size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
+        if (target.onlyWritten) n = writtenUnits(out.data(), n);
         result.wide.assign(out.data(), n);
-        result.utf8 = utf8(result.wide);
+        appendUtf8(result.utf8, result.wide);
         reclaim(host, mark);
         return result;
     }
 
     // The byte entry writes up to `width` bytes whatever the capacity says;
     // the buffer has room for that, and anything past `capacity` is an overrun.
-    const size_t room = size_t(std::max({capacity, call.width, 0})) + kGuard;
-    std::vector<uint8_t> out(room, kByteSentinel);
+    const size_t room = size_t(std::max({capacity, std::min(call.width, kMaxCapacity), 0})) + kGuard;
+    std::vector<uint8_t> &out = target.bytes;
+    out.assign(room, kByteSentinel);
     call.output = out.data();
     const FormatCall before = call;
     result.status = row.byteEntry(&call, nullptr, nullptr);
     result.fieldsChanged = !onlyResultsChanged(before, call);
     result.outputLength = call.outputLength;
     for (size_t i = size_t(capacity); i < out.size(); ++i) result.overran |= out[i] != kByteSentinel;
-    const size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
+    size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
+    if (target.onlyWritten && n > 0 && out[n - 1] == kByteSentinel) {
+        // The sentinel is a byte some encodings write: the call runs again
+        // over another fill, and a byte is written when either run changed it.
+        std::vector<uint8_t> again(room, uint8_t(~kByteSentinel));
+        FormatCall second = before;
+        second.output = again.data();
+        row.byteEntry(&second, nullptr, nullptr);
+        while (n > 0 && out[n - 1] == kByteSentinel && again[n - 1] == uint8_t(~kByteSentinel)) --n;
+    }
     result.bytes.assign(reinterpret_cast<const char *>(out.data()), n);
     // Back to UTF-16 through the same encoding, then to UTF-8.
     if (HostTranscoder *t = call.transcoder; t && n > 0) {
@@ -151,20 +211,14 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
             result.wide.assign(wide.data(), size_t(produced / 2));
         }
     }
-    result.utf8 = utf8(result.wide);
+    appendUtf8(result.utf8, result.wide);
     reclaim(host, mark);
     return result;
 }
 
-ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text) {
+ReadResult readWith(Host &host, const CallSpec &spec, const FormatTableRow &row, std::string_view utf8Text,
+                    FormatCall call) {
     ReadResult result;
-    if (!row.wideEntry || spec.entry == Entry::Byte) {
-        result.error = row.wideEntry ? "an informat has no byte entry" : notBuilt(row);
-        return result;
-    }
-    FormatCall call;
-    result.error = prepare(host, row, spec, call);
-    if (!result.error.empty()) return result;
     const std::u16string text = utf16(utf8Text);
     call.input = text.data();
     call.inputLength = int32_t(text.size());
@@ -172,6 +226,7 @@ ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &sp
     double output = std::bit_cast<double>(kUntouchedBits);
     call.output = &output;
     call.outputCapacity = spec.outputCapacity < 0 ? 0 : spec.outputCapacity;
+    call.outputLength = 0;
     const FormatCall before = call;
     const int64_t mark = host.formatPool().serial();
     result.status = row.wideEntry(&call, nullptr);
@@ -181,6 +236,132 @@ ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &sp
     result.untouched = result.bits == kUntouchedBits;
     reclaim(host, mark);
     return result;
+}
+
+std::string entryError(const FormatTableRow &row, const CallSpec &spec, bool informat) {
+    if (informat) {
+        if (!row.wideEntry) return notBuilt(row);
+        return spec.entry == Entry::Byte ? "an informat has no byte entry" : "";
+    }
+    if ((spec.entry == Entry::Wide && !row.wideEntry) || (spec.entry == Entry::Byte && !row.byteEntry))
+        return notBuilt(row);
+    return {};
+}
+
+} // namespace
+
+FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &spec, double value) {
+    FormatResult result;
+    result.error = entryError(row, spec, false);
+    if (!result.error.empty()) return result;
+    FormatCall call;
+    result.error = prepare(host, row, spec, call);
+    if (!result.error.empty()) return result;
+    std::vector<char16_t> wide;
+    std::vector<uint8_t> bytes;
+    return formatWith(host, row, spec, value, call, Target{wide, bytes, false});
+}
+
+ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text) {
+    ReadResult result;
+    result.error = entryError(row, spec, true);
+    if (!result.error.empty()) return result;
+    FormatCall call;
+    result.error = prepare(host, row, spec, call);
+    if (!result.error.empty()) return result;
+    return readWith(host, spec, row, utf8Text, call);
+}
+
+// ---- sessions -------------------------------------------------------------------
+
+struct Session::Kept {
+    std::string locale, encoding;
+    std::map<int, std::string> items;
+    FormatCall call;      // locale, transcoder, services and the block
+    LocaleBlock *block = nullptr;
+};
+
+Session::Session(Host &host, size_t keep) : host_(host), keep_(std::max<size_t>(keep, 1)) {}
+
+Session::~Session() {
+    HostPool *pool = host_.formatPool().raw();
+    for (auto &k : records_)
+        if (k->block) pool->ops->poolFree(pool, k->block);
+}
+
+Session::Kept *Session::kept(const CallSpec &spec, std::string &error) {
+    for (size_t i = records_.size(); i-- > 0;) {
+        Kept &k = *records_[i];
+        if (k.locale == spec.locale && k.encoding == spec.encoding && k.items == spec.items) {
+            if (i + 1 != records_.size()) std::rotate(records_.begin() + long(i), records_.begin() + long(i) + 1, records_.end());
+            return records_.back().get();
+        }
+    }
+    if (!host_.instance()) {
+        error = "the module is not loaded";
+        return nullptr;
+    }
+    HostTranscoder *transcoder = host_.transcoder(spec.encoding);
+    if (!transcoder) {
+        error = "unknown encoding " + spec.encoding;
+        return nullptr;
+    }
+    HostLocale *locale = host_.locale(spec.locale, spec.items);
+    if (!locale) {
+        error = "unknown locale " + spec.locale;
+        return nullptr;
+    }
+    auto k = std::make_unique<Kept>();
+    k->locale = spec.locale;
+    k->encoding = spec.encoding;
+    k->items = spec.items;
+    std::memset(&k->call, 0, sizeof k->call);
+    k->call.locale = locale;
+    k->call.transcoder = transcoder;
+    k->call.services = host_.services();
+    // A block that can't be built is not kept: each call then tries its own,
+    // and answers as the module does without one.
+    if (zv::buildLocaleBlock(&k->call, host_.instance()) == 0) {
+        k->block = k->call.localeBlock;
+        ++built_;
+    } else {
+        if (k->call.localeBlock) host_.formatPool().raw()->ops->poolFree(host_.formatPool().raw(), k->call.localeBlock);
+        k->call.localeBlock = nullptr;
+        error = "the locale block could not be built";
+        return nullptr;
+    }
+    if (records_.size() >= keep_) {
+        HostPool *pool = host_.formatPool().raw();
+        if (records_.front()->block) pool->ops->poolFree(pool, records_.front()->block);
+        records_.erase(records_.begin());
+    }
+    records_.push_back(std::move(k));
+    return records_.back().get();
+}
+
+const LocaleBlock *Session::localeBlock(const CallSpec &spec, std::string &error) {
+    Kept *k = kept(spec, error);
+    return k ? k->block : nullptr;
+}
+
+FormatResult Session::format(const FormatTableRow &row, const CallSpec &spec, double value) {
+    FormatResult result;
+    result.error = entryError(row, spec, false);
+    if (!result.error.empty()) return result;
+    Kept *k = kept(spec, result.error);
+    if (!k) return result;
+    const FormatCall call = withCallPart(k->call, row, spec);
+    return formatWith(host_, row, spec, value, call, Target{wide_, bytes_, true});
+}
+
+ReadResult Session::read(const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text) {
+    ReadResult result;
+    result.error = entryError(row, spec, true);
+    if (!result.error.empty()) return result;
+    Kept *k = kept(spec, result.error);
+    if (!k) return result;
+    const FormatCall call = withCallPart(k->call, row, spec);
+    return readWith(host_, spec, row, utf8Text, call);
 }
 
 } // namespace zvhost

@@ -862,6 +862,15 @@ int runDemo(const Args &a) {
         }
     }
 
+    std::printf("\nRoutines without a row (zvfmt list --all):\n");
+    for (const auto &[name, text] : {std::pair{"readAnyDate", "12/25/2024"}, std::pair{"readHexNumber", "FF"},
+                                     std::pair{"encodeBase64Units", "Man"}}) {
+        const zvhost::Routine &r = *zvhost::findRoutine(name);
+        const zvhost::RoutineResult out = zvhost::runRoutine(host, r, zvhost::CallSpec{}, text);
+        demoLine(std::string(name) + " \"" + text + "\"",
+                 r.answer == zvhost::RoutineAnswer::Number ? showDouble(zvfmt::fromBits(out.bits)) : out.utf8);
+    }
+
     std::printf("\nHost encodings through the byte entry (bytes in hex):\n");
     for (const Example &e : kTranscoderCandidates) {
         auto p = prepare(*session, e, "");

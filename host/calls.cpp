@@ -1,6 +1,8 @@
 // Rows of the format table and calls through them: the host fills a
 // FormatCall, runs the wide or byte entry, and checks what came back.
+#include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <cstring>
 
 #include "zvhost.hpp"
@@ -29,10 +31,11 @@ char16_t upper(char16_t c) { return c >= u'a' && c <= u'z' ? char16_t(c - 32) : 
 
 // The fields of the record the callee may change: outputLength and localeBlock.
 bool onlyResultsChanged(const FormatCall &before, const FormatCall &after) {
-    FormatCall a = before, b = after;
-    a.outputLength = b.outputLength = 0;
-    a.localeBlock = b.localeBlock = nullptr;
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    const auto *a = reinterpret_cast<const unsigned char *>(&before), *b = reinterpret_cast<const unsigned char *>(&after);
+    constexpr size_t length = offsetof(FormatCall, outputLength), block = offsetof(FormatCall, localeBlock);
+    constexpr size_t afterLength = length + sizeof(int32_t), afterBlock = block + sizeof(void *);
+    return std::memcmp(a, b, length) == 0 && std::memcmp(a + afterLength, b + afterLength, block - afterLength) == 0 &&
+           std::memcmp(a + afterBlock, b + afterBlock, sizeof(FormatCall) - afterBlock) == 0;
 }
 
 // Transcoders from a host encoding back to UTF-16, one per encoding and thread.
@@ -49,12 +52,11 @@ HostTranscoder *decoderFrom(uint32_t encoding) {
 std::string notBuilt(const FormatTableRow &row) { return "row " + rowName(row) + " is not built yet"; }
 
 // The width, decimals and flags of the spec over a record that has its locale.
-FormatCall withCallPart(FormatCall call, const FormatTableRow &row, const CallSpec &spec) {
+void setCallPart(FormatCall &call, const FormatTableRow &row, const CallSpec &spec) {
     call.width = spec.width == -1 && !spec.exact ? int32_t(row.defaultWidth) : spec.width;
     call.decimals = spec.decimals == -1 && !spec.exact ? int32_t(row.defaultDecimals) : spec.decimals;
     call.flags = spec.validate ? ZV_FLAG_CHECK_LIMITS : 0;
     call.measureBytes = spec.measureBytes ? 1 : 0;
-    return call;
 }
 
 // Common preparation of a call; an error text when it can't be made.
@@ -68,7 +70,7 @@ std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec,
     call.locale = locale;
     call.transcoder = transcoder;
     call.services = host.services();
-    call = withCallPart(call, row, spec);
+    setCallPart(call, row, spec);
     return {};
 }
 
@@ -113,28 +115,33 @@ namespace {
 
 // UTF-16 to UTF-8 without a detour; a lone surrogate becomes U+FFFD.
 void appendUtf8(std::string &out, std::u16string_view text) {
+    const size_t start = out.size();
+    out.resize(start + text.size() * 3);
+    char *p = out.data() + start;
     for (size_t i = 0; i < text.size(); ++i) {
         char32_t c = text[i];
+        if (c < 0x80) {
+            *p++ = char(c);
+            continue;
+        }
         if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF)
             c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
         else if (c >= 0xD800 && c <= 0xDFFF)
             c = 0xFFFD;
-        if (c < 0x80) {
-            out += char(c);
-        } else if (c < 0x800) {
-            out += char(0xC0 | (c >> 6));
-            out += char(0x80 | (c & 0x3F));
-        } else if (c < 0x10000) {
-            out += char(0xE0 | (c >> 12));
-            out += char(0x80 | ((c >> 6) & 0x3F));
-            out += char(0x80 | (c & 0x3F));
+        if (c < 0x800) {
+            *p++ = char(0xC0 | (c >> 6));
         } else {
-            out += char(0xF0 | (c >> 18));
-            out += char(0x80 | ((c >> 12) & 0x3F));
-            out += char(0x80 | ((c >> 6) & 0x3F));
-            out += char(0x80 | (c & 0x3F));
+            if (c < 0x10000) {
+                *p++ = char(0xE0 | (c >> 12));
+            } else {
+                *p++ = char(0xF0 | (c >> 18));
+                *p++ = char(0x80 | ((c >> 12) & 0x3F));
+            }
+            *p++ = char(0x80 | ((c >> 6) & 0x3F));
         }
+        *p++ = char(0x80 | (c & 0x3F)); // a pair of surrogates took 6 of the room and gives 4
     }
+    out.resize(size_t(p - out.data()));
 }
 
 // How a call's target is read back.
@@ -151,9 +158,12 @@ size_t writtenUnits(const char16_t *out, size_t n) {
 }
 
 // Runs a format on a prepared record.
-FormatResult formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, double value, FormatCall call,
-                        Target target) {
-    FormatResult result;
+void formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, double value, FormatCall &call,
+                Target target, FormatResult &result) {
+    result.overran = result.fieldsChanged = false;
+    result.wide.clear();
+    result.bytes.clear();
+    result.utf8.clear();
     call.outputCapacity = spec.outputCapacity == -1 ? std::clamp(call.width, 0, kMaxCapacity) : spec.outputCapacity;
     // A negative capacity goes to the routine as it is; the buffer has none.
     const int32_t capacity = std::max(call.outputCapacity, 0);
@@ -171,13 +181,13 @@ FormatResult formatWith(Host &host, const FormatTableRow &row, const CallSpec &s
         result.status = row.wideEntry(&call, nullptr);
         result.fieldsChanged = !onlyResultsChanged(before, call);
         result.outputLength = call.outputLength;
-        for (size_t i = size_t(capacity); i < out.size(); ++i) result.overran |= out[i] != kWideSentinel;
+        result.overran = std::find_if(out.begin() + capacity, out.end(), [](char16_t c) { return c != kWideSentinel; }) != out.end();
         size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
         if (target.onlyWritten) n = writtenUnits(out.data(), n);
         result.wide.assign(out.data(), n);
         appendUtf8(result.utf8, result.wide);
         reclaim(host, mark);
-        return result;
+        return;
     }
 
     // The byte entry writes up to `width` bytes whatever the capacity says;
@@ -190,7 +200,7 @@ FormatResult formatWith(Host &host, const FormatTableRow &row, const CallSpec &s
     result.status = row.byteEntry(&call, nullptr, nullptr);
     result.fieldsChanged = !onlyResultsChanged(before, call);
     result.outputLength = call.outputLength;
-    for (size_t i = size_t(capacity); i < out.size(); ++i) result.overran |= out[i] != kByteSentinel;
+    result.overran = std::find_if(out.begin() + capacity, out.end(), [](uint8_t c) { return c != kByteSentinel; }) != out.end();
     size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
     if (target.onlyWritten && n > 0 && out[n - 1] == kByteSentinel) {
         // The sentinel is a byte some encodings write: the call runs again
@@ -213,11 +223,10 @@ FormatResult formatWith(Host &host, const FormatTableRow &row, const CallSpec &s
     }
     appendUtf8(result.utf8, result.wide);
     reclaim(host, mark);
-    return result;
 }
 
 ReadResult readWith(Host &host, const CallSpec &spec, const FormatTableRow &row, std::string_view utf8Text,
-                    FormatCall call) {
+                    FormatCall &call) {
     ReadResult result;
     const std::u16string text = utf16(utf8Text);
     call.input = text.data();
@@ -259,7 +268,8 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
     if (!result.error.empty()) return result;
     std::vector<char16_t> wide;
     std::vector<uint8_t> bytes;
-    return formatWith(host, row, spec, value, call, Target{wide, bytes, false});
+    formatWith(host, row, spec, value, call, Target{wide, bytes, false}, result);
+    return result;
 }
 
 ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text) {
@@ -346,12 +356,19 @@ const LocaleBlock *Session::localeBlock(const CallSpec &spec, std::string &error
 
 FormatResult Session::format(const FormatTableRow &row, const CallSpec &spec, double value) {
     FormatResult result;
+    format(row, spec, value, result);
+    return result;
+}
+
+void Session::format(const FormatTableRow &row, const CallSpec &spec, double value, FormatResult &result) {
+    result.status = result.outputLength = 0;
     result.error = entryError(row, spec, false);
-    if (!result.error.empty()) return result;
+    if (!result.error.empty()) return;
     Kept *k = kept(spec, result.error);
-    if (!k) return result;
-    const FormatCall call = withCallPart(k->call, row, spec);
-    return formatWith(host_, row, spec, value, call, Target{wide_, bytes_, true});
+    if (!k) return;
+    FormatCall call = k->call;
+    setCallPart(call, row, spec);
+    formatWith(host_, row, spec, value, call, Target{wide_, bytes_, true}, result);
 }
 
 ReadResult Session::read(const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text) {
@@ -360,7 +377,8 @@ ReadResult Session::read(const FormatTableRow &row, const CallSpec &spec, std::s
     if (!result.error.empty()) return result;
     Kept *k = kept(spec, result.error);
     if (!k) return result;
-    const FormatCall call = withCallPart(k->call, row, spec);
+    FormatCall call = k->call;
+    setCallPart(call, row, spec);
     return readWith(host_, spec, row, utf8Text, call);
 }
 

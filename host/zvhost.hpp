@@ -296,6 +296,8 @@ public:
     // format is only what the routine wrote: the target is cleared before
     // the call, so a routine that returns early shows an empty text.
     FormatResult format(const FormatTableRow &row, const CallSpec &spec, double value);
+    // The same into a result whose strings keep their room from call to call.
+    void format(const FormatTableRow &row, const CallSpec &spec, double value, FormatResult &result);
     ReadResult read(const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text);
     // The locale block of the spec's locale, items and encoding; null, with
     // the reason, when the locale or encoding is unknown or the block can't

@@ -539,18 +539,19 @@ struct Converter {
     zvhost::CallSpec spec;
     bool showStatus = false, raw = false;
     std::string label; // NAME[W[.D]] as given, for messages
+    zvhost::FormatResult result{}; // kept from value to value
 
     struct Answer {
         bool good = false;
-        std::string text;    // what to write: the result, or the input as it was
-        std::string status;  // for -v
-        std::string message; // why it is bad
+        std::string text;              // what to write: the result, or the input as it was
+        std::optional<int32_t> status; // for -v; none when the VALUE could not be read
+        std::string message;           // why it is bad
     };
 
     Answer bad(std::string_view field, std::string message, std::optional<int32_t> status = std::nullopt) {
         Answer a;
         a.text = std::string(field);
-        a.status = status ? zvfmt::statusText(*status) : "none";
+        a.status = status;
         a.message = label + " \"" + std::string(field) + "\": " + message;
         return a;
     }
@@ -558,7 +559,7 @@ struct Converter {
         return bad(field, "status " + zvfmt::statusText(status) + ", " + statusReason(status, spec), status);
     }
     static Answer good(std::string text, int32_t status) {
-        return Answer{true, std::move(text), zvfmt::statusText(status), {}};
+        return Answer{true, std::move(text), status, {}};
     }
 
     Answer convert(std::string_view field) {
@@ -576,10 +577,10 @@ struct Converter {
             a.message = "bad VALUE \"" + std::string(field) + "\": " + why;
             return a;
         }
-        const zvhost::FormatResult r = session.calls().format(*row, spec, *value);
-        if (!r.error.empty()) return bad(field, r.error);
-        if (r.status != 0) return badStatus(field, r.status);
-        return good(raw ? r.bytes : r.utf8, 0);
+        session.calls().format(*row, spec, *value, result);
+        if (!result.error.empty()) return bad(field, result.error);
+        if (result.status != 0) return badStatus(field, result.status);
+        return good(raw ? result.bytes : result.utf8, 0);
     }
 
     Answer runRoutine(std::string_view field) {
@@ -621,7 +622,7 @@ struct LineWriter {
             Converter::Answer a = converter.convert(f);
             if (!a.good && !report(a.message)) return false;
             out += a.text;
-            statuses += "\tstatus=" + a.status;
+            if (converter.showStatus) statuses += "\tstatus=" + (a.status ? zvfmt::statusText(*a.status) : "none");
             return true;
         };
         if (!args.fields) {

@@ -51,6 +51,16 @@ HostTranscoder *decoderFrom(uint32_t encoding) {
 
 std::string notBuilt(const FormatTableRow &row) { return "row " + rowName(row) + " is not built yet"; }
 
+// The per-currency rows keep a copy of the locale items in the instance,
+// refreshed only when they build a block themselves: a call that brings a
+// kept block would find another locale's copy. They build their own.
+bool buildsItsOwnBlock(const FormatTableRow &row) {
+    const std::string name = rowName(row);
+    for (const char *prefix : {"NLMNI", "NLMNL", "@NLMNI", "@NLMNL"})
+        if (name.rfind(prefix, 0) == 0) return true;
+    return false;
+}
+
 // The width, decimals and flags of the spec over a record that has its locale.
 void setCallPart(FormatCall &call, const FormatTableRow &row, const CallSpec &spec) {
     call.width = spec.width == -1 && !spec.exact ? int32_t(row.defaultWidth) : spec.width;
@@ -160,7 +170,7 @@ size_t writtenUnits(const char16_t *out, size_t n) {
 // Runs a format on a prepared record.
 void formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, double value, FormatCall &call,
                 Target target, FormatResult &result) {
-    result.overran = result.fieldsChanged = false;
+    result.overran = result.fieldsChanged = result.cut = false;
     result.wide.clear();
     result.bytes.clear();
     result.utf8.clear();
@@ -222,6 +232,20 @@ void formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, dou
         }
     }
     appendUtf8(result.utf8, result.wide);
+    if (target.onlyWritten && result.status == 0 && row.wideEntry) {
+        // The byte entry cuts a date that doesn't fit at what fitted and
+        // says 0: the wide text of the same call shows what was meant.
+        FormatCall wide = before;
+        std::vector<char16_t> &meant = target.wide;
+        meant.assign(size_t(std::clamp(wide.width, 0, kMaxCapacity)) + kGuard, kWideSentinel);
+        wide.output = meant.data();
+        wide.outputCapacity = std::clamp(wide.width, 0, kMaxCapacity);
+        if (row.wideEntry(&wide, nullptr) == 0) {
+            size_t m = writtenUnits(meant.data(), size_t(std::clamp(wide.outputLength, 0, wide.outputCapacity)));
+            while (m > 0 && meant[m - 1] == u' ') --m;
+            result.cut = result.wide.compare(0, m, meant.data(), m) != 0;
+        }
+    }
     reclaim(host, mark);
 }
 
@@ -367,6 +391,7 @@ void Session::format(const FormatTableRow &row, const CallSpec &spec, double val
     Kept *k = kept(spec, result.error);
     if (!k) return;
     FormatCall call = k->call;
+    if (buildsItsOwnBlock(row)) call.localeBlock = nullptr;
     setCallPart(call, row, spec);
     formatWith(host_, row, spec, value, call, Target{wide_, bytes_, true}, result);
 }
@@ -378,6 +403,7 @@ ReadResult Session::read(const FormatTableRow &row, const CallSpec &spec, std::s
     Kept *k = kept(spec, result.error);
     if (!k) return result;
     FormatCall call = k->call;
+    if (buildsItsOwnBlock(row)) call.localeBlock = nullptr;
     setCallPart(call, row, spec);
     return readWith(host_, spec, row, utf8Text, call);
 }

@@ -220,6 +220,7 @@ struct FormatResult {
     int32_t outputLength = 0;
     bool overran = false;     // something was written beyond outputCapacity
     bool fieldsChanged = false; // a field of the FormatCall other than outputLength/localeBlock changed
+    bool cut = false;         // Session, byte entry: status 0, but the text lost more than blanks to fit
     std::string error;        // set when the call could not be made (unknown row, locale, encoding, null entry)
 };
 

@@ -318,12 +318,14 @@ Json serve(Session &session, const Json &req) {
         if (r.fieldsChanged) answer["fieldsChanged"] = true;
     } else {
         const zvhost::FormatResult r = session.calls().format(*row, spec, value);
+        // (cut: the byte entry kept status 0 but lost more than blanks)
         if (!r.error.empty()) throw BadRequest{r.error};
         answer["status"] = r.status;
         answer["text"] = r.utf8;
         answer["outputLength"] = r.outputLength;
         if (spec.entry == zvhost::Entry::Byte) answer["hex"] = hexBytes(r.bytes);
         if (r.overran) answer["overran"] = true;
+        if (r.cut) answer["cut"] = true;
         if (r.fieldsChanged) answer["fieldsChanged"] = true;
     }
     if (!warnings.empty()) answer["warnings"] = warnings;

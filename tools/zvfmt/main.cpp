@@ -580,6 +580,7 @@ struct Converter {
         session.calls().format(*row, spec, *value, result);
         if (!result.error.empty()) return bad(field, result.error);
         if (result.status != 0) return badStatus(field, result.status);
+        if (result.cut) return bad(field, "the text was cut to fit " + std::to_string(spec.width) + " bytes of " + spec.encoding, 0);
         return good(raw ? result.bytes : result.utf8, 0);
     }
 

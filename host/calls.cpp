@@ -1,9 +1,13 @@
 // Rows of the format table and calls through them: the host fills a
 // FormatCall, runs the wide or byte entry, and checks what came back.
+#include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <cstring>
 
 #include "zvhost.hpp"
+
+#include "locale/block.hpp"
 
 namespace zvhost {
 
@@ -13,6 +17,9 @@ constexpr size_t kGuard = 64;             // units (or bytes) behind the target
 constexpr char16_t kWideSentinel = 0xFDD1; // a noncharacter nobody writes
 constexpr uint8_t kByteSentinel = 0xA5;
 constexpr uint64_t kUntouchedBits = 0x7FF4DEADBEEF0001ull;
+// The most units (or bytes) a target gets when its capacity follows the
+// width: a larger width still goes to the routine as it is.
+constexpr int32_t kMaxCapacity = 65536;
 
 bool blankRow(const FormatTableRow &row) {
     for (ZvChar c : row.name)
@@ -24,10 +31,11 @@ char16_t upper(char16_t c) { return c >= u'a' && c <= u'z' ? char16_t(c - 32) : 
 
 // The fields of the record the callee may change: outputLength and localeBlock.
 bool onlyResultsChanged(const FormatCall &before, const FormatCall &after) {
-    FormatCall a = before, b = after;
-    a.outputLength = b.outputLength = 0;
-    a.localeBlock = b.localeBlock = nullptr;
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    const auto *a = reinterpret_cast<const unsigned char *>(&before), *b = reinterpret_cast<const unsigned char *>(&after);
+    constexpr size_t length = offsetof(FormatCall, outputLength), block = offsetof(FormatCall, localeBlock);
+    constexpr size_t afterLength = length + sizeof(int32_t), afterBlock = block + sizeof(void *);
+    return std::memcmp(a, b, length) == 0 && std::memcmp(a + afterLength, b + afterLength, block - afterLength) == 0 &&
+           std::memcmp(a + afterBlock, b + afterBlock, sizeof(FormatCall) - afterBlock) == 0;
 }
 
 // Transcoders from a host encoding back to UTF-16, one per encoding and thread.
@@ -43,6 +51,24 @@ HostTranscoder *decoderFrom(uint32_t encoding) {
 
 std::string notBuilt(const FormatTableRow &row) { return "row " + rowName(row) + " is not built yet"; }
 
+// The per-currency rows keep a copy of the locale items in the instance,
+// refreshed only when they build a block themselves: a call that brings a
+// kept block would find another locale's copy. They build their own.
+bool buildsItsOwnBlock(const FormatTableRow &row) {
+    const std::string name = rowName(row);
+    for (const char *prefix : {"NLMNI", "NLMNL", "@NLMNI", "@NLMNL"})
+        if (name.rfind(prefix, 0) == 0) return true;
+    return false;
+}
+
+// The width, decimals and flags of the spec over a record that has its locale.
+void setCallPart(FormatCall &call, const FormatTableRow &row, const CallSpec &spec) {
+    call.width = spec.width == -1 && !spec.exact ? int32_t(row.defaultWidth) : spec.width;
+    call.decimals = spec.decimals == -1 && !spec.exact ? int32_t(row.defaultDecimals) : spec.decimals;
+    call.flags = spec.validate ? ZV_FLAG_CHECK_LIMITS : 0;
+    call.measureBytes = spec.measureBytes ? 1 : 0;
+}
+
 // Common preparation of a call; an error text when it can't be made.
 std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec, FormatCall &call) {
     std::memset(&call, 0, sizeof call);
@@ -51,13 +77,10 @@ std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec,
     if (!transcoder) return "unknown encoding " + spec.encoding;
     HostLocale *locale = host.locale(spec.locale, spec.items);
     if (!locale) return "unknown locale " + spec.locale;
-    call.width = spec.width == -1 ? int32_t(row.defaultWidth) : spec.width;
-    call.decimals = spec.decimals == -1 ? int32_t(row.defaultDecimals) : spec.decimals;
-    call.flags = spec.validate ? ZV_FLAG_CHECK_LIMITS : 0;
     call.locale = locale;
     call.transcoder = transcoder;
-    call.measureBytes = spec.measureBytes ? 1 : 0;
     call.services = host.services();
+    setCallPart(call, row, spec);
     return {};
 }
 
@@ -98,49 +121,106 @@ std::vector<const FormatTableRow *> tableRows(const FormatTableRow *table) {
 
 bool isInformat(const FormatTableRow &row) { return row.name[0] == u'@' || row.sourceKind == ZV_KIND_TEXT; }
 
-FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &spec, double value) {
-    FormatResult result;
-    if ((spec.entry == Entry::Wide && !row.wideEntry) || (spec.entry == Entry::Byte && !row.byteEntry)) {
-        result.error = notBuilt(row);
-        return result;
+namespace {
+
+// UTF-16 to UTF-8 without a detour; a lone surrogate becomes U+FFFD.
+void appendUtf8(std::string &out, std::u16string_view text) {
+    const size_t start = out.size();
+    out.resize(start + text.size() * 3);
+    char *p = out.data() + start;
+    for (size_t i = 0; i < text.size(); ++i) {
+        char32_t c = text[i];
+        if (c < 0x80) {
+            *p++ = char(c);
+            continue;
+        }
+        if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF)
+            c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
+        else if (c >= 0xD800 && c <= 0xDFFF)
+            c = 0xFFFD;
+        if (c < 0x800) {
+            *p++ = char(0xC0 | (c >> 6));
+        } else {
+            if (c < 0x10000) {
+                *p++ = char(0xE0 | (c >> 12));
+            } else {
+                *p++ = char(0xF0 | (c >> 18));
+                *p++ = char(0x80 | ((c >> 12) & 0x3F));
+            }
+            *p++ = char(0x80 | ((c >> 6) & 0x3F));
+        }
+        *p++ = char(0x80 | (c & 0x3F)); // a pair of surrogates took 6 of the room and gives 4
     }
-    FormatCall call;
-    result.error = prepare(host, row, spec, call);
-    if (!result.error.empty()) return result;
-    call.outputCapacity = spec.outputCapacity == -1 ? std::max(call.width, 0) : spec.outputCapacity;
+    out.resize(size_t(p - out.data()));
+}
+
+// How a call's target is read back.
+struct Target {
+    std::vector<char16_t> &wide;
+    std::vector<uint8_t> &bytes;
+    bool onlyWritten; // the text ends at the last unit the routine wrote
+};
+
+// The units the routine wrote of the first n: trailing sentinels were never written.
+size_t writtenUnits(const char16_t *out, size_t n) {
+    while (n > 0 && out[n - 1] == kWideSentinel) --n;
+    return n;
+}
+
+// Runs a format on a prepared record.
+void formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, double value, FormatCall &call,
+                Target target, FormatResult &result) {
+    result.overran = result.fieldsChanged = result.cut = false;
+    result.wide.clear();
+    result.bytes.clear();
+    result.utf8.clear();
+    call.outputCapacity = spec.outputCapacity == -1 ? std::clamp(call.width, 0, kMaxCapacity) : spec.outputCapacity;
     // A negative capacity goes to the routine as it is; the buffer has none.
     const int32_t capacity = std::max(call.outputCapacity, 0);
     call.fieldLimit = spec.fieldLimit < 0 ? 0 : spec.fieldLimit;
+    call.outputLength = 0;
     const double input = value;
     call.input = &input;
     const int64_t mark = host.formatPool().serial();
 
     if (spec.entry == Entry::Wide) {
-        std::vector<char16_t> out(size_t(capacity) + kGuard, kWideSentinel);
+        std::vector<char16_t> &out = target.wide;
+        out.assign(size_t(capacity) + kGuard, kWideSentinel);
         call.output = out.data();
         const FormatCall before = call;
         result.status = row.wideEntry(&call, nullptr);
         result.fieldsChanged = !onlyResultsChanged(before, call);
         result.outputLength = call.outputLength;
-        for (size_t i = size_t(capacity); i < out.size(); ++i) result.overran |= out[i] != kWideSentinel;
-        const size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
+        result.overran = std::find_if(out.begin() + capacity, out.end(), [](char16_t c) { return c != kWideSentinel; }) != out.end();
+        size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
+        if (target.onlyWritten) n = writtenUnits(out.data(), n);
         result.wide.assign(out.data(), n);
-        result.utf8 = utf8(result.wide);
+        appendUtf8(result.utf8, result.wide);
         reclaim(host, mark);
-        return result;
+        return;
     }
 
     // The byte entry writes up to `width` bytes whatever the capacity says;
     // the buffer has room for that, and anything past `capacity` is an overrun.
-    const size_t room = size_t(std::max({capacity, call.width, 0})) + kGuard;
-    std::vector<uint8_t> out(room, kByteSentinel);
+    const size_t room = size_t(std::max({capacity, std::min(call.width, kMaxCapacity), 0})) + kGuard;
+    std::vector<uint8_t> &out = target.bytes;
+    out.assign(room, kByteSentinel);
     call.output = out.data();
     const FormatCall before = call;
     result.status = row.byteEntry(&call, nullptr, nullptr);
     result.fieldsChanged = !onlyResultsChanged(before, call);
     result.outputLength = call.outputLength;
-    for (size_t i = size_t(capacity); i < out.size(); ++i) result.overran |= out[i] != kByteSentinel;
-    const size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
+    result.overran = std::find_if(out.begin() + capacity, out.end(), [](uint8_t c) { return c != kByteSentinel; }) != out.end();
+    size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
+    if (target.onlyWritten && n > 0 && out[n - 1] == kByteSentinel) {
+        // The sentinel is a byte some encodings write: the call runs again
+        // over another fill, and a byte is written when either run changed it.
+        std::vector<uint8_t> again(room, uint8_t(~kByteSentinel));
+        FormatCall second = before;
+        second.output = again.data();
+        row.byteEntry(&second, nullptr, nullptr);
+        while (n > 0 && out[n - 1] == kByteSentinel && again[n - 1] == uint8_t(~kByteSentinel)) --n;
+    }
     result.bytes.assign(reinterpret_cast<const char *>(out.data()), n);
     // Back to UTF-16 through the same encoding, then to UTF-8.
     if (HostTranscoder *t = call.transcoder; t && n > 0) {
@@ -151,20 +231,27 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
             result.wide.assign(wide.data(), size_t(produced / 2));
         }
     }
-    result.utf8 = utf8(result.wide);
+    appendUtf8(result.utf8, result.wide);
+    if (target.onlyWritten && result.status == 0 && row.wideEntry) {
+        // The byte entry cuts a date that doesn't fit at what fitted and
+        // says 0: the wide text of the same call shows what was meant.
+        FormatCall wide = before;
+        std::vector<char16_t> &meant = target.wide;
+        meant.assign(size_t(std::clamp(wide.width, 0, kMaxCapacity)) + kGuard, kWideSentinel);
+        wide.output = meant.data();
+        wide.outputCapacity = std::clamp(wide.width, 0, kMaxCapacity);
+        if (row.wideEntry(&wide, nullptr) == 0) {
+            size_t m = writtenUnits(meant.data(), size_t(std::clamp(wide.outputLength, 0, wide.outputCapacity)));
+            while (m > 0 && meant[m - 1] == u' ') --m;
+            result.cut = result.wide.compare(0, m, meant.data(), m) != 0;
+        }
+    }
     reclaim(host, mark);
-    return result;
 }
 
-ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text) {
+ReadResult readWith(Host &host, const CallSpec &spec, const FormatTableRow &row, std::string_view utf8Text,
+                    FormatCall &call) {
     ReadResult result;
-    if (!row.wideEntry || spec.entry == Entry::Byte) {
-        result.error = row.wideEntry ? "an informat has no byte entry" : notBuilt(row);
-        return result;
-    }
-    FormatCall call;
-    result.error = prepare(host, row, spec, call);
-    if (!result.error.empty()) return result;
     const std::u16string text = utf16(utf8Text);
     call.input = text.data();
     call.inputLength = int32_t(text.size());
@@ -172,6 +259,7 @@ ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &sp
     double output = std::bit_cast<double>(kUntouchedBits);
     call.output = &output;
     call.outputCapacity = spec.outputCapacity < 0 ? 0 : spec.outputCapacity;
+    call.outputLength = 0;
     const FormatCall before = call;
     const int64_t mark = host.formatPool().serial();
     result.status = row.wideEntry(&call, nullptr);
@@ -181,6 +269,143 @@ ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &sp
     result.untouched = result.bits == kUntouchedBits;
     reclaim(host, mark);
     return result;
+}
+
+std::string entryError(const FormatTableRow &row, const CallSpec &spec, bool informat) {
+    if (informat) {
+        if (!row.wideEntry) return notBuilt(row);
+        return spec.entry == Entry::Byte ? "an informat has no byte entry" : "";
+    }
+    if ((spec.entry == Entry::Wide && !row.wideEntry) || (spec.entry == Entry::Byte && !row.byteEntry))
+        return notBuilt(row);
+    return {};
+}
+
+} // namespace
+
+FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &spec, double value) {
+    FormatResult result;
+    result.error = entryError(row, spec, false);
+    if (!result.error.empty()) return result;
+    FormatCall call;
+    result.error = prepare(host, row, spec, call);
+    if (!result.error.empty()) return result;
+    std::vector<char16_t> wide;
+    std::vector<uint8_t> bytes;
+    formatWith(host, row, spec, value, call, Target{wide, bytes, false}, result);
+    return result;
+}
+
+ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text) {
+    ReadResult result;
+    result.error = entryError(row, spec, true);
+    if (!result.error.empty()) return result;
+    FormatCall call;
+    result.error = prepare(host, row, spec, call);
+    if (!result.error.empty()) return result;
+    return readWith(host, spec, row, utf8Text, call);
+}
+
+// ---- sessions -------------------------------------------------------------------
+
+struct Session::Kept {
+    std::string locale, encoding;
+    std::map<int, std::string> items;
+    FormatCall call;      // locale, transcoder, services and the block
+    LocaleBlock *block = nullptr;
+};
+
+Session::Session(Host &host, size_t keep) : host_(host), keep_(std::max<size_t>(keep, 1)) {}
+
+Session::~Session() {
+    HostPool *pool = host_.formatPool().raw();
+    for (auto &k : records_)
+        if (k->block) pool->ops->poolFree(pool, k->block);
+}
+
+Session::Kept *Session::kept(const CallSpec &spec, std::string &error) {
+    for (size_t i = records_.size(); i-- > 0;) {
+        Kept &k = *records_[i];
+        if (k.locale == spec.locale && k.encoding == spec.encoding && k.items == spec.items) {
+            if (i + 1 != records_.size()) std::rotate(records_.begin() + long(i), records_.begin() + long(i) + 1, records_.end());
+            return records_.back().get();
+        }
+    }
+    if (!host_.instance()) {
+        error = "the module is not loaded";
+        return nullptr;
+    }
+    HostTranscoder *transcoder = host_.transcoder(spec.encoding);
+    if (!transcoder) {
+        error = "unknown encoding " + spec.encoding;
+        return nullptr;
+    }
+    HostLocale *locale = host_.locale(spec.locale, spec.items);
+    if (!locale) {
+        error = "unknown locale " + spec.locale;
+        return nullptr;
+    }
+    auto k = std::make_unique<Kept>();
+    k->locale = spec.locale;
+    k->encoding = spec.encoding;
+    k->items = spec.items;
+    std::memset(&k->call, 0, sizeof k->call);
+    k->call.locale = locale;
+    k->call.transcoder = transcoder;
+    k->call.services = host_.services();
+    // A block that can't be built is not kept: each call then tries its own,
+    // and answers as the module does without one.
+    if (zv::buildLocaleBlock(&k->call, host_.instance()) == 0) {
+        k->block = k->call.localeBlock;
+        ++built_;
+    } else {
+        if (k->call.localeBlock) host_.formatPool().raw()->ops->poolFree(host_.formatPool().raw(), k->call.localeBlock);
+        k->call.localeBlock = nullptr;
+        error = "the locale block could not be built";
+        return nullptr;
+    }
+    if (records_.size() >= keep_) {
+        HostPool *pool = host_.formatPool().raw();
+        if (records_.front()->block) pool->ops->poolFree(pool, records_.front()->block);
+        records_.erase(records_.begin());
+    }
+    records_.push_back(std::move(k));
+    return records_.back().get();
+}
+
+const LocaleBlock *Session::localeBlock(const CallSpec &spec, std::string &error) {
+    Kept *k = kept(spec, error);
+    return k ? k->block : nullptr;
+}
+
+FormatResult Session::format(const FormatTableRow &row, const CallSpec &spec, double value) {
+    FormatResult result;
+    format(row, spec, value, result);
+    return result;
+}
+
+void Session::format(const FormatTableRow &row, const CallSpec &spec, double value, FormatResult &result) {
+    result.status = result.outputLength = 0;
+    result.error = entryError(row, spec, false);
+    if (!result.error.empty()) return;
+    Kept *k = kept(spec, result.error);
+    if (!k) return;
+    FormatCall call = k->call;
+    if (buildsItsOwnBlock(row)) call.localeBlock = nullptr;
+    setCallPart(call, row, spec);
+    formatWith(host_, row, spec, value, call, Target{wide_, bytes_, true}, result);
+}
+
+ReadResult Session::read(const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text) {
+    ReadResult result;
+    result.error = entryError(row, spec, true);
+    if (!result.error.empty()) return result;
+    Kept *k = kept(spec, result.error);
+    if (!k) return result;
+    FormatCall call = k->call;
+    if (buildsItsOwnBlock(row)) call.localeBlock = nullptr;
+    setCallPart(call, row, spec);
+    return readWith(host_, spec, row, utf8Text, call);
 }
 
 } // namespace zvhost

@@ -137,6 +137,10 @@ ConvertedPattern convertCldrPattern(std::u16string_view cldr, const ConvertOptio
 // to full size first).
 bool applyLocaleFile(const std::string &path, std::vector<uint8_t> &table, std::string &error);
 bool parseLocaleDefinition(std::string_view content, std::map<int, std::string> &items, std::string &error);
+// The raw text of an item given as UTF-8, as a definition file takes it:
+// ASCII and <Uxxxx> escapes stand, other characters become escapes. False,
+// with "not UTF-8" or "takes N bytes; an item holds 160", when it can't be.
+bool rawItemText(std::string_view utf8, std::string &raw, std::string &error);
 
 // The locales ICU knows, sorted, e.g. "de", "de_AT", ...
 std::vector<std::string> availableLocales();

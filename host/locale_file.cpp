@@ -62,6 +62,37 @@ bool isBlankLine(std::string_view line) {
 
 } // namespace
 
+bool rawItemText(std::string_view text, std::string &raw, std::string &error) {
+    std::u16string wide;
+    size_t i = 0;
+    while (i < text.size()) {
+        char32_t c = 0;
+        if (!decodeUtf8(text, i, c)) {
+            error = "not UTF-8";
+            return false;
+        }
+        if (c >= 0x10000) {
+            char32_t v = c - 0x10000;
+            wide += static_cast<char16_t>(0xD800 + (v >> 10));
+            wide += static_cast<char16_t>(0xDC00 + (v & 0x3FF));
+        } else {
+            wide += static_cast<char16_t>(c);
+        }
+    }
+    // Escapes already in the text stay as written: only characters outside
+    // ASCII are escaped here.
+    raw.clear();
+    for (char16_t c : wide) {
+        if (c < 0x80) raw += static_cast<char>(c);
+        else raw += escapeForTable(std::u16string_view(&c, 1));
+    }
+    if (raw.size() > kRawItemCapacity) {
+        error = "takes " + std::to_string(raw.size()) + " bytes; an item holds " + std::to_string(kRawItemCapacity);
+        return false;
+    }
+    return true;
+}
+
 bool parseLocaleDefinition(std::string_view content, std::map<int, std::string> &items, std::string &error) {
     std::map<int, std::string> parsed;
     std::map<int, int> lineOf;
@@ -107,35 +138,10 @@ bool parseLocaleDefinition(std::string_view content, std::map<int, std::string> 
             return false;
         }
 
-        std::string_view text = line.substr(tab + 1);
-        std::u16string wide;
-        size_t i = 0;
-        while (i < text.size()) {
-            char32_t c = 0;
-            if (!decodeUtf8(text, i, c)) {
-                error = where + "the text is not UTF-8";
-                return false;
-            }
-            if (c >= 0x10000) {
-                char32_t v = c - 0x10000;
-                wide += static_cast<char16_t>(0xD800 + (v >> 10));
-                wide += static_cast<char16_t>(0xDC00 + (v & 0x3FF));
-            } else {
-                wide += static_cast<char16_t>(c);
-            }
-        }
-        // Escapes already in the text stay as written: only characters
-        // outside ASCII are escaped here.
-        std::string raw;
-        for (char16_t c : wide) {
-            if (c < 0x80)
-                raw += static_cast<char>(c);
-            else
-                raw += escapeForTable(std::u16string_view(&c, 1));
-        }
-        if (raw.size() > kRawItemCapacity) {
-            error = where + "the text of item " + std::to_string(item) + " takes " + std::to_string(raw.size()) +
-                    " bytes; an item holds " + std::to_string(kRawItemCapacity);
+        std::string raw, why;
+        if (!rawItemText(line.substr(tab + 1), raw, why)) {
+            error = where + (why == "not UTF-8" ? "the text is not UTF-8"
+                                                : "the text of item " + std::to_string(item) + " " + why);
             return false;
         }
         parsed[item] = raw;

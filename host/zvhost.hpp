@@ -204,6 +204,7 @@ struct CallSpec {
     std::string encoding = "UTF-8";   // host encoding of the call's transcoder
     int32_t width = -1;               // -1: the row's default; other values go as they are
     int32_t decimals = -1;            // -1: the row's default; other values go as they are
+    bool exact = false;               // width and decimals go as they are, -1 included
     bool measureBytes = false;
     bool validate = false;            // bit 0 of flags
     int32_t fieldLimit = -1;          // -1: the text's length
@@ -219,6 +220,7 @@ struct FormatResult {
     int32_t outputLength = 0;
     bool overran = false;     // something was written beyond outputCapacity
     bool fieldsChanged = false; // a field of the FormatCall other than outputLength/localeBlock changed
+    bool cut = false;         // Session, byte entry: status 0, but the text lost more than blanks to fit
     std::string error;        // set when the call could not be made (unknown row, locale, encoding, null entry)
 };
 
@@ -236,6 +238,85 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
 // Run an informat row on one UTF-8 text (converted to UTF-16).
 ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &spec,
                        std::string_view utf8Text);
+
+// ---------------------------------------------------------------------------
+// Routines without a row. The module holds readers and encoders that no row
+// of its table leads to; the host binds them here, by name.
+
+enum class RoutineInput { Text, Hex };                // hex: bytes as hex pairs
+enum class RoutineAnswer { Number, Bytes, Text };     // a double, bytes, UTF-16 text
+
+struct Routine {
+    const char *name;           // readAnyDate, readHexNumber, encodeBase64Units, ...
+    RoutineInput input;
+    RoutineAnswer answer;
+    bool checksLimits;          // honours bit 0 of flags
+    int32_t minWidth, maxWidth; // the limits it checks (or, unchecked, what it reads)
+    int32_t maxDecimals;
+    const char *summary;
+};
+
+// All of them, in a fixed order.
+const std::vector<Routine> &routines();
+// The routine of that name, any case; null if none.
+const Routine *findRoutine(std::string_view name);
+
+struct RoutineResult {
+    int32_t status = 0;
+    uint64_t bits = 0;          // Number: the double at output
+    double value = 0;
+    bool untouched = false;     // Number: output still holds the sentinel
+    std::string bytes;          // Bytes: the bytes written (outputLength of them)
+    std::string utf8;           // Text: the units written, as UTF-8
+    int32_t outputLength = 0;
+    bool overran = false;       // something was written beyond outputCapacity
+    std::string error;          // the call could not be made (bad hex input, unknown locale)
+};
+
+// Runs a routine on one input: UTF-8 text, or hex pairs for RoutineInput::Hex.
+// width -1 (and not exact) is the length of the input (units, or bytes for
+// hex); outputCapacity -1 is what the answer can take.
+RoutineResult runRoutine(Host &host, const Routine &routine, const CallSpec &spec, std::string_view input);
+
+// ---------------------------------------------------------------------------
+// Sessions: calls that share locale, items and encoding share one FormatCall
+// and the locale block in it, built once. That is what a column of values or
+// a stream of requests needs; the block is what costs (a call that brings its
+// own block runs without allocating). The few records kept go least recently
+// used first; their blocks are given back to formatPool.
+
+class Session {
+public:
+    explicit Session(Host &host, size_t keep = 8);
+    ~Session();
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
+    Host &host() { return host_; }
+    // As runFormat and runInformat, through the kept record. The text of a
+    // format is only what the routine wrote: the target is cleared before
+    // the call, so a routine that returns early shows an empty text.
+    FormatResult format(const FormatTableRow &row, const CallSpec &spec, double value);
+    // The same into a result whose strings keep their room from call to call.
+    void format(const FormatTableRow &row, const CallSpec &spec, double value, FormatResult &result);
+    ReadResult read(const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text);
+    // The locale block of the spec's locale, items and encoding; null, with
+    // the reason, when the locale or encoding is unknown or the block can't
+    // be built.
+    const LocaleBlock *localeBlock(const CallSpec &spec, std::string &error);
+    // Blocks built so far (a block is built once per kept record).
+    int64_t blocksBuilt() const { return built_; }
+
+private:
+    struct Kept;
+    Kept *kept(const CallSpec &spec, std::string &error);
+    Host &host_;
+    size_t keep_;
+    std::vector<std::unique_ptr<Kept>> records_; // most recently used last
+    std::vector<char16_t> wide_;
+    std::vector<uint8_t> bytes_;
+    int64_t built_ = 0;
+};
 
 // ---------------------------------------------------------------------------
 // Values

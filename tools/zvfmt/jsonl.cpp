@@ -7,6 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "cldr.hpp"
+#include "lines.hpp"
 #include "value.hpp"
 
 namespace zvfmt {
@@ -23,7 +25,7 @@ struct BadRequest {
 
 const std::set<std::string> kKnownFields = {
     "name",    "width",    "decimals",     "value",          "bits",     "text",
-    "entry",   "locale",   "items",        "encoding",       "measureBytes", "validate",
+    "entry",   "locale",   "items",        "encoding",       "measureBytes", "validate",  "hex",
     "fieldLimit", "outputCapacity", "timeZone", "options", "clock", "id"};
 
 std::string typeName(const Json &v) {
@@ -104,7 +106,10 @@ std::map<int, std::string> readItems(const Json &v) {
             throw BadRequest{"items: key \"" + key + "\" is not an item number from 0 to 188"};
         if (!text.is_string())
             throw BadRequest{"items: item " + key + " must be a string, not " + typeName(text)};
-        items[n] = text.get<std::string>();
+        std::string raw, why;
+        if (!zvhost::rawItemText(text.get_ref<const std::string &>(), raw, why))
+            throw BadRequest{"items: the text of item " + key + " " + why};
+        items[n] = raw;
     }
     return items;
 }
@@ -135,6 +140,74 @@ std::pair<double, double> readClock(const Json &v) {
     return {value, shift};
 }
 
+// The double of a reader's answer: bits, value, the missing mark, untouched.
+void numberAnswer(Json &answer, uint64_t bits, bool untouched) {
+    const double got = zvfmt::fromBits(bits);
+    const std::string mark = missingMark(got);
+    answer["bits"] = hex16(bits);
+    if (mark.empty() && std::isfinite(got)) answer["value"] = got;
+    else answer["value"] = nullptr;
+    if (!mark.empty()) answer["missing"] = mark;
+    answer["untouched"] = untouched;
+}
+
+// A request for a routine without a row: text (or hex) in, a number, bytes
+// or text out. Width defaults to the length of the input.
+Json serveRoutine(Session &session, const Json &req, const zvhost::Routine &routine, Json answer, Json warnings) {
+    const Baseline &base = session.baseline();
+    const bool hexInput = routine.input == zvhost::RoutineInput::Hex;
+    const char *inputField = hexInput ? "hex" : "text";
+    for (const char *field : {"value", "bits", "entry", hexInput ? "text" : "hex"})
+        if (req.contains(field))
+            throw BadRequest{std::string(field) + ": " + routine.name + " takes " + (hexInput ? "hex" : "text") +
+                             " only"};
+    if (!req.contains(inputField)) throw BadRequest{std::string(inputField) + ": missing (" + routine.name + " reads it)"};
+    const std::string &input = stringField(req, inputField);
+    zvhost::CallSpec spec;
+    spec.locale = req.contains("locale") ? hostLocaleName(stringField(req, "locale")) : base.locale;
+    spec.items = base.items;
+    if (req.contains("items"))
+        for (auto &[n, text] : readItems(req["items"])) spec.items[n] = text;
+    spec.encoding = req.contains("encoding") ? stringField(req, "encoding") : base.encoding;
+    spec.measureBytes = req.contains("measureBytes") ? boolField(req, "measureBytes") : base.measureBytes;
+    spec.validate = req.contains("validate") ? boolField(req, "validate") : base.validate;
+    spec.exact = req.contains("width");
+    spec.width = spec.exact ? intField(req, "width", INT32_MIN, INT32_MAX) : -1;
+    spec.decimals = req.contains("decimals") ? intField(req, "decimals", INT32_MIN, INT32_MAX) : 0;
+    if (req.contains("decimals")) spec.exact = true;
+    if (spec.exact && !req.contains("width")) throw BadRequest{"width: give it with decimals"};
+    if (req.contains("fieldLimit")) spec.fieldLimit = intField(req, "fieldLimit", 0, kMaxUnits);
+    if (req.contains("outputCapacity")) spec.outputCapacity = intField(req, "outputCapacity", 0, kMaxUnits);
+    StateChange change;
+    if (req.contains("timeZone")) change.timeZone = stringField(req, "timeZone");
+    if (req.contains("options")) change.options = readOptions(req["options"]);
+    if (req.contains("clock")) change.clock = readClock(req["clock"]);
+    zvhost::Host &host = session.host();
+    if (!host.locale(spec.locale, spec.items)) throw BadRequest{"locale: unknown locale \"" + spec.locale + "\""};
+    if (!host.transcoder(spec.encoding)) throw BadRequest{"encoding: unknown encoding \"" + spec.encoding + "\""};
+    Session::Guard guard;
+    std::string why;
+    if (!session.apply(change, guard, why)) throw BadRequest{why};
+
+    const zvhost::RoutineResult r = zvhost::runRoutine(host, routine, spec, input);
+    if (!r.error.empty()) throw BadRequest{std::string(inputField) + ": " + r.error};
+    answer["status"] = r.status;
+    switch (routine.answer) {
+    case zvhost::RoutineAnswer::Number: numberAnswer(answer, r.bits, r.untouched); break;
+    case zvhost::RoutineAnswer::Bytes:
+        answer["hex"] = hexBytes(r.bytes);
+        answer["outputLength"] = r.outputLength;
+        break;
+    case zvhost::RoutineAnswer::Text:
+        answer["text"] = r.utf8;
+        answer["outputLength"] = r.outputLength;
+        break;
+    }
+    if (r.overran) answer["overran"] = true;
+    if (!warnings.empty()) answer["warnings"] = warnings;
+    return answer;
+}
+
 Json serve(Session &session, const Json &req) {
     Json answer;
     if (req.contains("id")) answer["id"] = req["id"];
@@ -146,7 +219,9 @@ Json serve(Session &session, const Json &req) {
     if (!req.contains("name")) throw BadRequest{"name: missing (the row to call, e.g. \"NLDATE\")"};
     const std::string &name = stringField(req, "name");
     const FormatTableRow *row = session.row(name);
-    if (!row) throw BadRequest{"name: no row named \"" + name + "\""};
+    const zvhost::Routine *routine = row ? nullptr : zvhost::findRoutine(name);
+    if (!row && !routine) throw BadRequest{"name: no row or routine named \"" + name + "\""};
+    if (routine) return serveRoutine(session, req, *routine, std::move(answer), std::move(warnings));
     const std::string rowName = zvhost::rowName(*row);
     const bool informat = zvhost::isInformat(*row);
 
@@ -160,9 +235,10 @@ Json serve(Session &session, const Json &req) {
     spec.entry = base.byteEntry && !informat ? zvhost::Entry::Byte : zvhost::Entry::Wide;
     spec.width = static_cast<int32_t>(row->defaultWidth);
     spec.decimals = static_cast<int32_t>(row->defaultDecimals);
+    spec.exact = true;
 
-    if (req.contains("width")) spec.width = intField(req, "width", 0, kMaxUnits);
-    if (req.contains("decimals")) spec.decimals = intField(req, "decimals", 0, 99);
+    if (req.contains("width")) spec.width = intField(req, "width", INT32_MIN, INT32_MAX);
+    if (req.contains("decimals")) spec.decimals = intField(req, "decimals", INT32_MIN, INT32_MAX);
     if (req.contains("entry")) {
         const std::string &entry = stringField(req, "entry");
         if (entry == "wide") spec.entry = zvhost::Entry::Wide;
@@ -171,7 +247,7 @@ Json serve(Session &session, const Json &req) {
         if (informat && spec.entry == zvhost::Entry::Byte)
             throw BadRequest{"entry: " + rowName + " is an informat; informats have only the wide entry"};
     }
-    if (req.contains("locale")) spec.locale = stringField(req, "locale");
+    if (req.contains("locale")) spec.locale = hostLocaleName(stringField(req, "locale"));
     if (req.contains("items")) {
         for (auto &[n, text] : readItems(req["items"])) spec.items[n] = text;
     }
@@ -195,8 +271,9 @@ Json serve(Session &session, const Json &req) {
         if (!req.contains("text")) throw BadRequest{"text: missing (" + rowName + " reads a text)"};
         text = stringField(req, "text");
     } else {
-        if (req.contains("text"))
-            throw BadRequest{"text: " + rowName + " is a format; give value or bits"};
+        if (req.contains("text") || req.contains("hex"))
+            throw BadRequest{std::string(req.contains("text") ? "text" : "hex") + ": " + rowName +
+                             " is a format; give value or bits"};
         const bool hasValue = req.contains("value"), hasBits = req.contains("bits");
         if (hasValue && hasBits) throw BadRequest{"value, bits: give one of them, not both"};
         if (!hasValue && !hasBits) throw BadRequest{"value: missing (" + rowName + " needs value or bits)"};
@@ -234,25 +311,21 @@ Json serve(Session &session, const Json &req) {
     if (!session.apply(change, guard, why)) throw BadRequest{why};
 
     if (informat) {
-        const zvhost::ReadResult r = zvhost::runInformat(host, *row, spec, text);
+        const zvhost::ReadResult r = session.calls().read(*row, spec, text);
         if (!r.error.empty()) throw BadRequest{r.error};
-        const double got = zvfmt::fromBits(r.bits);
-        const std::string mark = missingMark(got);
         answer["status"] = r.status;
-        answer["bits"] = hex16(r.bits);
-        if (mark.empty() && std::isfinite(got)) answer["value"] = got;
-        else answer["value"] = nullptr;
-        if (!mark.empty()) answer["missing"] = mark;
-        answer["untouched"] = r.untouched;
+        numberAnswer(answer, r.bits, r.untouched);
         if (r.fieldsChanged) answer["fieldsChanged"] = true;
     } else {
-        const zvhost::FormatResult r = zvhost::runFormat(host, *row, spec, value);
+        const zvhost::FormatResult r = session.calls().format(*row, spec, value);
+        // (cut: the byte entry kept status 0 but lost more than blanks)
         if (!r.error.empty()) throw BadRequest{r.error};
         answer["status"] = r.status;
         answer["text"] = r.utf8;
         answer["outputLength"] = r.outputLength;
         if (spec.entry == zvhost::Entry::Byte) answer["hex"] = hexBytes(r.bytes);
         if (r.overran) answer["overran"] = true;
+        if (r.cut) answer["cut"] = true;
         if (r.fieldsChanged) answer["fieldsChanged"] = true;
     }
     if (!warnings.empty()) answer["warnings"] = warnings;
@@ -302,40 +375,18 @@ std::string answerLine(Session &session, std::string_view line) {
     }
 }
 
-int runJsonLines(Session &session, std::FILE *in, std::FILE *out) {
+int runJsonLines(Session &session, int in, std::FILE *out) {
+    static char buffer[1 << 16];
+    std::setvbuf(out, buffer, _IOFBF, sizeof buffer);
+    LineReader reader(in, out);
     std::string line;
-    bool tooLong = false;
-    size_t length = 0;
-    bool any = false;
-    for (;;) {
-        const int c = std::fgetc(in);
-        if (c == EOF && !any) break;
-        if (c == '\n' || c == EOF) {
-            const std::string answer =
-                tooLong ? errorLine("line too long: " + std::to_string(length) + " bytes, more than " +
-                                        std::to_string(kMaxRequestLine),
-                                    nullptr)
-                        : answerLine(session, line);
-            std::fputs(answer.c_str(), out);
-            std::fputc('\n', out);
-            std::fflush(out);
-            line.clear();
-            tooLong = false;
-            length = 0;
-            any = false;
-            if (c == EOF) break;
-            continue;
-        }
-        any = true;
-        ++length;
-        if (length > kMaxRequestLine) {
-            tooLong = true;
-            line.clear();
-            line.shrink_to_fit();
-        } else {
-            line.push_back(static_cast<char>(c));
-        }
+    size_t tooLong = 0;
+    while (reader.next(line, tooLong)) {
+        const std::string answer = tooLong ? errorLine(tooLongMessage(tooLong), nullptr) : answerLine(session, line);
+        std::fwrite(answer.data(), 1, answer.size(), out);
+        std::fputc('\n', out);
     }
+    std::fflush(out);
     return 0;
 }
 

@@ -9,15 +9,12 @@
 
 namespace zvfmt {
 
-// Longest request line that is read; a longer one is answered with an error
-// and skipped.
-constexpr size_t kMaxRequestLine = 1 << 20;
-
 // The answer to one request line, as one line of JSON without the newline.
 std::string answerLine(Session &session, std::string_view line);
 
-// Reads requests from `in` until its end and writes each answer to `out`,
-// flushed at once. Returns 0.
-int runJsonLines(Session &session, std::FILE *in, std::FILE *out);
+// Reads requests from the file descriptor `in` until its end and writes each
+// answer to `out`, flushed before the next request is awaited. Returns 0.
+// A line longer than kMaxLine is answered with an error and skipped.
+int runJsonLines(Session &session, int in, std::FILE *out);
 
 } // namespace zvfmt

@@ -14,9 +14,9 @@
 #include <nlohmann/json.hpp>
 
 #include "cldr.hpp"
-#include "locale/block.hpp"
 
 #include "jsonl.hpp"
+#include "lines.hpp"
 #include "session.hpp"
 #include "value.hpp"
 
@@ -32,6 +32,8 @@ constexpr const char *kMainHelp = R"TXT(zvfmt - the locale-sensitive formats and
 Usage:
   zvfmt [OPTIONS] NAME[W[.D]] [VALUE...]    write values with a format
   zvfmt [OPTIONS] @NAME[W[.D]] [TEXT...]    read texts with an informat
+  zvfmt [OPTIONS] ROUTINE[W[.D]] [TEXT...]  run a routine without a row
+                                            (readAnyDate, readHexNumber, ...)
   zvfmt list [LIST OPTIONS]                 the table: name, kind, widths, decimals, state
   zvfmt value VALUE...                      show the double a VALUE stands for
   zvfmt demo [-l LOCALE]                    a short tour of what exists
@@ -39,10 +41,12 @@ Usage:
   zvfmt items [LOCALE] [--header]           a locale's 189 items: number, width,
                                             raw text and the text as decoded
   zvfmt --jsonl [OPTIONS]                   JSON-lines protocol on stdin and stdout
-  zvfmt help [COMMAND]                      help on list, value, demo, jsonl or format
+  zvfmt help [COMMAND]                      help on a command: format, list, value,
+                                            demo, locales, items, jsonl
   zvfmt --version
 
-With no VALUE (or TEXT) the values are read from stdin, one a line.
+With no VALUE (or TEXT) the values are read from stdin, one a line, and one
+line is written for each line read.
 
 A VALUE is a number (12, -3.5, 1e6), an ISO date 2024-03-05 (a day count
 from 1 January 1960), an ISO datetime 2024-03-05T14:07:09.5 (a second count),
@@ -51,12 +55,18 @@ or .A to .Z, ._ (special missing values). Put '--' before values that begin
 with '-' and are not numbers.
 
 Options:
-  -l, --locale NAME        locale of the call (default en_US)
+  -l, --locale NAME        locale of the call (default: LC_ALL, then LANG,
+                           else en_US); en_US.UTF-8, de_DE@euro, C work
   -e, --encoding NAME      host encoding (default UTF-8); formats then run
-                           through their byte entry
+                           through their byte entry and widths count bytes
       --entry wide|byte    the entry of a format (default wide; byte with -e)
       --tz NAME            IANA time zone of the host (default UTC)
       --bytes              measure the width in bytes of the host encoding
+      --units              measure the width in UTF-16 units, also with -e
+      --raw                write the bytes of the -e encoding, not UTF-8
+      --width N, --decimals N
+                           width and decimals of the call, any 32-bit integer
+                           (outside the row's limits with --unchecked)
       --option NAME=VALUE  set an integer host option, e.g.
                            ZV_NAME_YEARCUTOFF=1920 (repeatable)
       --item N=TEXT        replace raw locale item N (0..188) before the
@@ -67,11 +77,23 @@ Options:
       --clock S[,SHIFT]    fix the host clock (a second count, and a shift)
       --validate           let the routine check width and decimals itself
       --unchecked          pass width and decimals outside the row's limits
+      --invalid MODE       a bad value (unreadable, or a status other than 0):
+                           abort   stop there, exit 2
+                           fail    write the input as it was, a message on
+                                   stderr, exit 2 at the end (the default)
+                           warn    the same, exit 0
+                           ignore  the same without the message, exit 0
+      --field FIELDS       convert only these fields of each line: 1-based,
+                           lists and ranges (2,4-5, 3-, -2); the rest of the
+                           line stays as it was
+  -d, --delimiter X        the field delimiter, one character (default: runs
+                           of blanks)
+      --header[=N]         pass the first N lines of stdin through (default 1)
   -v, --show-status        print the status after each result
   -h, --help               this text
 
-Exit status: 0 when every value was done with status 0, 1 when a value was
-bad or a routine answered another status, 2 for bad arguments.
+Exit status: 0 when every value was done with status 0 (or with --invalid
+warn or ignore), 2 for a bad value under fail or abort and for bad arguments.
 )TXT";
 
 constexpr const char *kFormatHelp = R"TXT(zvfmt NAME[W[.D]] [VALUE...]     zvfmt @NAME[W[.D]] [TEXT...]
@@ -83,20 +105,25 @@ with a note on stderr (the routines handle any width; a host may refuse it); a
 width above the most, or decimals outside the row's limits, is refused unless
 --unchecked is given.
 
-A format prints the text exactly as the routine wrote it, all outputLength
-units, blanks included, one line per value. With -v a tab and "status=N"
-follow. A nonzero status is also reported on stderr.
+A format prints the text the routine wrote, blanks included, one line per
+value. An informat prints the value it read as the shortest number that reads
+back the same, or the mark of a missing value (., .A, ._); "untouched" when
+the routine did not write its result. With -v a tab and "status=N" follow.
 
-An informat prints the value it read as the shortest number that reads back
-the same, or the mark of a missing value (., .A, ._); "untouched" when the
-routine did not write its result. A nonzero status follows after a tab as
-"status=N", and always with -v.
+A status other than 0 makes the value bad: the input is written as it was and
+stderr says why, e.g. "status -2143295481 (0x803fe807), the field is too
+small for UTF-8" (see --invalid).
+
+The routines without a row (zvfmt list --all) run the same way: the date
+guesses and number readers answer as informats, byte answers come as hex,
+the base-64 encoders as text. reverseBytes and encodeBase64Bytes take hex.
+Their width defaults to the length of the text.
 
 Statuses are signed; negative ones other than -1 also show their hex, e.g.
 "status=-2143295481 (0x803fe807)". See 'zvfmt --help' for the options.
 )TXT";
 
-constexpr const char *kListHelp = R"TXT(zvfmt list [--formats | --informats] [--pending | --ready] [--json] [--header]
+constexpr const char *kListHelp = R"TXT(zvfmt list [--formats | --informats] [--pending | --ready] [--all] [--json] [--header]
 
 Prints one line per row of the table, in table order:
   name, kind (format/informat), min, max and default width,
@@ -107,8 +134,25 @@ and --pending none. Both stay accepted for the scripts that give them.
   --formats     only the formats          --informats   only the informats
   --pending     only pending rows (none)  --ready       only ready rows (all)
   --json        one JSON object a row     --header      a header line first
+  --all         the routines without a row follow, kind "routine"; a "-"
+                stands for a limit they don't check (JSON null), and their
+                default width is the length of the text
 
 The count of rows goes to stderr, so 'zvfmt list | wc -l' counts rows.
+)TXT";
+
+constexpr const char *kLocalesHelp = R"TXT(zvfmt locales
+
+Prints the locales the host knows, one a line, sorted: every locale of ICU's
+CLDR data, with and without territory (fr, fr_FR, de_CH, ...).
+)TXT";
+
+constexpr const char *kItemsHelp = R"TXT(zvfmt items [LOCALE] [--header] [-e ENCODING] [--item N=TEXT] [--locale-file PATH]
+
+Prints the 189 items of a locale (default: -l, then LC_ALL, LANG, en_US), one
+a line: number, the width the module works out in the host encoding, the raw
+text (bytes outside printable ASCII as \xNN) and the text as decoded (a
+middle dot for control units). --header adds a header line.
 )TXT";
 
 constexpr const char *kValueHelp = R"TXT(zvfmt value VALUE...
@@ -137,14 +181,35 @@ Fields: name, width, decimals, value, bits, text, entry, locale, items,
 encoding, measureBytes, validate, fieldLimit, outputCapacity, timeZone,
 options, clock, id. A format answers status, text, outputLength (and hex for
 the byte entry); an informat answers status, bits, value, missing, untouched.
-A bad line is answered with {"error": "...", "id": ...} and the stream goes on.
--l, -e, --tz, --option, --item, --clock, --bytes and --validate set what a
-request starts from. The full reference is docs/zvfmt.md.
+A routine without a row takes text (hex for reverseBytes and
+encodeBase64Bytes) and answers as an informat (number), with hex (bytes) or
+with text. A bad line is answered with {"error": "...", "id": ...} and the
+stream goes on. -l, -e, --tz, --option, --item, --clock, --bytes and
+--validate set what a request starts from (locale en_US, widths in units
+unless --bytes). The full reference is docs/zvfmt.md.
 )TXT";
+
+enum class Invalid { Abort, Fail, Warn, Ignore };
+
+// Fields chosen by --field: 1-based ranges, inclusive.
+struct Fields {
+    std::vector<std::pair<int64_t, int64_t>> ranges;
+    bool chosen(int64_t n) const {
+        for (const auto &[lo, hi] : ranges)
+            if (n >= lo && n <= hi) return true;
+        return false;
+    }
+};
 
 struct Args {
     Baseline baseline;
     bool entryGiven = false;
+    bool units = false, raw = false, all = false;
+    Invalid invalid = Invalid::Fail;
+    std::optional<Fields> fields;
+    std::optional<char> delimiter;
+    int64_t headerLines = 0;
+    std::optional<int32_t> width, decimals;
     bool unchecked = false;
     bool showStatus = false;
     bool help = false;
@@ -168,6 +233,35 @@ bool startsNumber(const std::string &arg) {
         ((arg[1] >= '0' && arg[1] <= '9') || (arg[1] == '.' && arg.size() >= 3 && arg[2] >= '0' && arg[2] <= '9')))
         return true;
     return arg.size() >= 2 && arg[0] == '-' && arg[1] != '-' && zvfmt::parseValue(arg).has_value();
+}
+
+Fields parseFields(const std::string &text) {
+    Fields f;
+    size_t start = 0;
+    while (start <= text.size()) {
+        const size_t comma = std::min(text.find(',', start), text.size());
+        const std::string part = text.substr(start, comma - start);
+        const size_t dash = part.find('-');
+        auto number = [&](const std::string &digits, int64_t empty) -> int64_t {
+            if (digits.empty()) return empty;
+            int64_t v = 0;
+            const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), v);
+            if (ec != std::errc() || end != digits.data() + digits.size() || v < 1)
+                usageError("--field: \"" + text + "\" is not a list of fields and ranges (1-based: 2,4-5, 3-, -2)");
+            return v;
+        };
+        if (part.empty() || part == "-") usageError("--field: \"" + text + "\" is not a list of fields and ranges (1-based: 2,4-5, 3-, -2)");
+        if (dash == std::string::npos) {
+            const int64_t n = number(part, 0);
+            f.ranges.emplace_back(n, n);
+        } else {
+            const int64_t lo = number(part.substr(0, dash), 1), hi = number(part.substr(dash + 1), INT64_MAX);
+            if (lo > hi) usageError("--field: the range " + part + " runs backwards");
+            f.ranges.emplace_back(lo, hi);
+        }
+        start = comma + 1;
+    }
+    return f;
 }
 
 int64_t parseInteger(const std::string &text, const std::string &what) {
@@ -221,10 +315,30 @@ Args parseArgs(int argc, char **argv) {
         else if (name == "--jsonl") flag(a.jsonl);
         else if (name == "-v" || name == "--show-status") flag(a.showStatus);
         else if (name == "--bytes") flag(a.baseline.measureBytes);
+        else if (name == "--units") flag(a.units);
+        else if (name == "--raw") flag(a.raw);
+        else if (name == "--all") { flag(a.all); a.listOptions.push_back(name); }
+        else if (name == "--invalid") {
+            const std::string m = takeValue();
+            if (m == "abort") a.invalid = Invalid::Abort;
+            else if (m == "fail") a.invalid = Invalid::Fail;
+            else if (m == "warn") a.invalid = Invalid::Warn;
+            else if (m == "ignore") a.invalid = Invalid::Ignore;
+            else usageError("--invalid must be abort, fail, warn or ignore, not \"" + m + "\"");
+        } else if (name == "--field") a.fields = parseFields(takeValue());
+        else if (name == "-d" || name == "--delimiter") {
+            const std::string d = takeValue();
+            if (d.size() != 1) usageError("the delimiter must be one character, not \"" + d + "\"");
+            a.delimiter = d[0];
+        } else if (name == "--width" || name == "--decimals") {
+            const int64_t n = parseInteger(takeValue(), name);
+            if (n < INT32_MIN || n > INT32_MAX) usageError(name + ": " + std::to_string(n) + " is not a 32-bit integer");
+            (name == "--width" ? a.width : a.decimals) = static_cast<int32_t>(n);
+        }
         else if (name == "--validate") flag(a.baseline.validate);
         else if (name == "--unchecked") flag(a.unchecked);
         else if (name == "-l" || name == "--locale") {
-            a.baseline.locale = takeValue();
+            a.baseline.locale = zvfmt::hostLocaleName(takeValue());
             a.localeGiven = true;
         } else if (name == "-e" || name == "--encoding") {
             a.baseline.encoding = takeValue();
@@ -247,7 +361,10 @@ Args parseArgs(int argc, char **argv) {
             if (eq == std::string::npos || eq == 0) usageError("--item wants N=TEXT, not \"" + v + "\"");
             const int64_t n = parseInteger(v.substr(0, eq), "--item");
             if (n < 0 || n > 188) usageError("--item: item number " + std::to_string(n) + " is out of range (0..188)");
-            a.baseline.items[static_cast<int>(n)] = v.substr(eq + 1);
+            std::string raw, why;
+            if (!zvhost::rawItemText(v.substr(eq + 1), raw, why))
+                usageError("--item " + std::to_string(n) + ": the text " + why);
+            a.baseline.items[static_cast<int>(n)] = raw;
         } else if (name == "--clock") {
             const std::string v = takeValue();
             const size_t comma = v.find(',');
@@ -263,7 +380,11 @@ Args parseArgs(int argc, char **argv) {
         else if (name == "--ready") { flag(a.ready); a.listOptions.push_back(name); }
         else if (name == "--locale-file") a.localeFiles.push_back(takeValue());
         else if (name == "--json") { flag(a.json); a.listOptions.push_back(name); }
-        else if (name == "--header") { flag(a.header); a.listOptions.push_back(name); }
+        else if (name == "--header") {
+            a.header = true;
+            a.headerLines = hasInline ? parseInteger(inlineValue, "--header") : 1;
+            if (a.headerLines < 0) usageError("--header: the count of lines can't be negative");
+        }
         else usageError("unknown option " + name);
     }
     // Locale definition files lay their items over the locale; --item wins over them.
@@ -284,6 +405,13 @@ Args parseArgs(int argc, char **argv) {
     for (auto &[k, v] : a.baseline.items) fromFiles[k] = v;
     a.baseline.items = std::move(fromFiles);
     return a;
+}
+
+// The locale of the environment, as date and printf take it: LC_ALL, then LANG.
+void useEnvironmentLocale(Baseline &baseline) {
+    const char *all = std::getenv("LC_ALL"), *lang = std::getenv("LANG");
+    baseline.locale = zvfmt::hostLocaleName(all && *all ? all : lang && *lang ? lang : "");
+    baseline.localeFromEnvironment = true;
 }
 
 std::unique_ptr<Session> startSession(const Baseline &baseline) {
@@ -335,9 +463,38 @@ int runList(const Args &a) {
             printLine(line);
         }
     }
+    size_t routines = 0;
+    for (const zvhost::Routine &r : a.all && !a.formats && !a.informats && !a.pending ? zvhost::routines()
+                                                                                       : std::vector<zvhost::Routine>{}) {
+        ++routines;
+        const char *answer = r.answer == zvhost::RoutineAnswer::Number  ? "number"
+                             : r.answer == zvhost::RoutineAnswer::Bytes ? "bytes"
+                                                                        : "text";
+        if (a.json) {
+            nlohmann::ordered_json j;
+            j["name"] = r.name;
+            j["kind"] = "routine";
+            j["minWidth"] = r.checksLimits ? nlohmann::ordered_json(r.minWidth) : nullptr;
+            j["maxWidth"] = r.checksLimits ? nlohmann::ordered_json(r.maxWidth) : nullptr;
+            j["defaultWidth"] = nullptr;
+            j["minDecimals"] = 0;
+            j["maxDecimals"] = r.checksLimits ? nlohmann::ordered_json(r.maxDecimals) : nullptr;
+            j["defaultDecimals"] = 0;
+            j["state"] = "ready";
+            j["input"] = r.input == zvhost::RoutineInput::Hex ? "hex" : "text";
+            j["answer"] = answer;
+            printLine(j.dump());
+            continue;
+        }
+        auto limit = [&](int32_t v) { return r.checksLimits ? std::to_string(v) : std::string("-"); };
+        char line[200];
+        std::snprintf(line, sizeof line, "%-10s %-8s %4s %4s %4s %4s %4u %s", r.name, "routine", limit(r.minWidth).c_str(),
+                      limit(r.maxWidth).c_str(), "-", limit(r.maxDecimals).c_str(), 0u, "ready");
+        printLine(line);
+    }
     std::fflush(stdout);
-    std::fprintf(stderr, "%zu of %zu rows (%zu formats, %zu informats)\n", shown, rows.size(), formats,
-                 rows.size() - formats);
+    std::fprintf(stderr, "%zu of %zu rows (%zu formats, %zu informats)%s\n", shown, rows.size(), formats,
+                 rows.size() - formats, routines ? (", and " + std::to_string(routines) + " routines without a row").c_str() : "");
     return 0;
 }
 
@@ -366,122 +523,235 @@ int runValue(const Args &a) {
 
 // ---- format and read -----------------------------------------------------------
 
-struct Runner {
-    Session &session;
-    const FormatTableRow &row;
-    zvhost::CallSpec spec;
-    bool showStatus;
-    std::string label; // NAME[W[.D]] as given, for messages
+// What a status means for the call that got it.
+std::string statusReason(int32_t status, const zvhost::CallSpec &spec) {
+    if (status == int32_t(0x803fe807u) && spec.entry == zvhost::Entry::Byte)
+        return "the field is too small for " + spec.encoding;
+    const std::string meaning = zvfmt::statusMeaning(status);
+    return meaning.empty() ? "not a status the tool knows" : meaning;
+}
 
-    bool formatOne(const std::string &valueText) {
-        std::string why;
-        auto value = zvfmt::parseValue(valueText, &why);
-        if (!value) {
-            std::fprintf(stderr, "zvfmt: bad VALUE \"%s\": %s\n", valueText.c_str(), why.c_str());
-            return false;
-        }
-        const zvhost::FormatResult r = zvhost::runFormat(session.host(), row, spec, *value);
-        if (!r.error.empty()) {
-            std::fprintf(stderr, "zvfmt: %s %s: %s\n", label.c_str(), valueText.c_str(), r.error.c_str());
-            return false;
-        }
-        std::string line = r.utf8;
-        if (showStatus) line += "\tstatus=" + zvfmt::statusText(r.status);
-        printLine(line);
-        if (r.status != 0) {
-            const std::string meaning = zvfmt::statusMeaning(r.status);
-            std::fflush(stdout);
-            std::fprintf(stderr, "zvfmt: %s %s: status %s%s%s%s\n", label.c_str(), valueText.c_str(),
-                         zvfmt::statusText(r.status).c_str(), meaning.empty() ? "" : " (",
-                         meaning.c_str(), meaning.empty() ? "" : ")");
-            return false;
-        }
-        return true;
+// One row or routine, applied to one field at a time.
+struct Converter {
+    Session &session;
+    const FormatTableRow *row = nullptr;     // a format or informat,
+    const zvhost::Routine *routine = nullptr; // or a routine without a row
+    zvhost::CallSpec spec;
+    bool showStatus = false, raw = false;
+    std::string label; // NAME[W[.D]] as given, for messages
+    zvhost::FormatResult result{}; // kept from value to value
+
+    struct Answer {
+        bool good = false;
+        std::string text;              // what to write: the result, or the input as it was
+        std::optional<int32_t> status; // for -v; none when the VALUE could not be read
+        std::string message;           // why it is bad
+    };
+
+    Answer bad(std::string_view field, std::string message, std::optional<int32_t> status = std::nullopt) {
+        Answer a;
+        a.text = std::string(field);
+        a.status = status;
+        a.message = label + " \"" + std::string(field) + "\": " + message;
+        return a;
+    }
+    Answer badStatus(std::string_view field, int32_t status) {
+        return bad(field, "status " + zvfmt::statusText(status) + ", " + statusReason(status, spec), status);
+    }
+    static Answer good(std::string text, int32_t status) {
+        return Answer{true, std::move(text), status, {}};
     }
 
-    bool readOne(const std::string &text) {
-        const zvhost::ReadResult r = zvhost::runInformat(session.host(), row, spec, text);
-        if (!r.error.empty()) {
-            std::fprintf(stderr, "zvfmt: %s \"%s\": %s\n", label.c_str(), text.c_str(), r.error.c_str());
-            return false;
+    Answer convert(std::string_view field) {
+        if (routine) return runRoutine(field);
+        if (zvhost::isInformat(*row)) {
+            const zvhost::ReadResult r = session.calls().read(*row, spec, field);
+            if (!r.error.empty()) return bad(field, r.error);
+            if (r.status != 0) return badStatus(field, r.status);
+            return good(r.untouched ? std::string("untouched") : showDouble(zvfmt::fromBits(r.bits)), 0);
         }
-        std::string line = r.untouched ? "untouched" : showDouble(zvfmt::fromBits(r.bits));
-        if (showStatus || r.status != 0) line += "\tstatus=" + zvfmt::statusText(r.status);
-        printLine(line);
-        return r.status == 0;
+        std::string why;
+        const auto value = zvfmt::parseValue(field, &why);
+        if (!value) {
+            Answer a = bad(field, why);
+            a.message = "bad VALUE \"" + std::string(field) + "\": " + why;
+            return a;
+        }
+        session.calls().format(*row, spec, *value, result);
+        if (!result.error.empty()) return bad(field, result.error);
+        if (result.status != 0) return badStatus(field, result.status);
+        if (result.cut) return bad(field, "the text was cut to fit " + std::to_string(spec.width) + " bytes of " + spec.encoding, 0);
+        return good(raw ? result.bytes : result.utf8, 0);
+    }
+
+    Answer runRoutine(std::string_view field) {
+        const zvhost::RoutineResult r = zvhost::runRoutine(session.host(), *routine, spec, field);
+        if (!r.error.empty()) return bad(field, r.error);
+        if (r.status != 0) return badStatus(field, r.status);
+        if (r.overran) return bad(field, "the routine wrote past its target");
+        switch (routine->answer) {
+        case zvhost::RoutineAnswer::Number:
+            return good(r.untouched ? std::string("untouched") : showDouble(zvfmt::fromBits(r.bits)), 0);
+        case zvhost::RoutineAnswer::Bytes: return good(zvfmt::hexBytes(r.bytes), 0);
+        default: return good(r.utf8, 0);
+        }
+    }
+};
+
+// Lines in, lines out: the chosen fields of each line converted, the rest
+// as it was; a bad value as --invalid says.
+struct LineWriter {
+    Converter &converter;
+    const Args &args;
+    bool anyBad = false;
+    std::string out;
+
+    // Reports a bad value; false when the run must stop.
+    bool report(const std::string &message) {
+        anyBad = true;
+        if (args.invalid != Invalid::Ignore) {
+            std::fflush(stdout);
+            std::fprintf(stderr, "zvfmt: %s\n", message.c_str());
+        }
+        return args.invalid != Invalid::Abort;
+    }
+
+    bool line(std::string_view text) {
+        out.clear();
+        std::string statuses;
+        auto field = [&](std::string_view f) -> bool {
+            Converter::Answer a = converter.convert(f);
+            if (!a.good && !report(a.message)) return false;
+            out += a.text;
+            if (converter.showStatus) statuses += "\tstatus=" + (a.status ? zvfmt::statusText(*a.status) : "none");
+            return true;
+        };
+        if (!args.fields) {
+            if (!field(text)) return false;
+        } else {
+            int64_t n = 0;
+            size_t pos = 0;
+            while (pos <= text.size()) {
+                size_t start = pos, end;
+                if (args.delimiter) {
+                    end = std::min(text.find(*args.delimiter, pos), text.size());
+                    pos = end + 1;
+                } else { // runs of blanks: the blanks before a field stay with it
+                    while (start < text.size() && (text[start] == ' ' || text[start] == '\t')) ++start;
+                    out.append(text.substr(pos, start - pos));
+                    if (start == text.size()) break;
+                    end = start;
+                    while (end < text.size() && text[end] != ' ' && text[end] != '\t') ++end;
+                    pos = end;
+                }
+                if (args.delimiter && n > 0) out += *args.delimiter;
+                ++n;
+                const std::string_view f = text.substr(start, end - start);
+                if (args.fields->chosen(n)) {
+                    if (!field(f)) return false;
+                } else {
+                    out.append(f);
+                }
+                if (!args.delimiter && pos == text.size()) break;
+            }
+        }
+        if (converter.showStatus) out += statuses;
+        out += '\n';
+        std::fwrite(out.data(), 1, out.size(), stdout);
+        return true;
     }
 };
 
 int runConvert(const Args &a) {
     std::string why;
     const std::string &specText = a.positional[0];
-    auto fs = zvfmt::parseFormatSpec(specText, &why);
+    // A routine's name may hold digits (encodeBase64Units): its name is
+    // matched first, and what follows is the width and decimals.
+    const zvhost::Routine *routine = nullptr;
+    std::optional<zvfmt::FormatSpec> fs;
+    for (const zvhost::Routine &r : zvhost::routines()) {
+        const std::string n = r.name;
+        if (specText.size() >= n.size() && zvfmt::upper(specText.substr(0, n.size())) == zvfmt::upper(n)) {
+            auto rest = zvfmt::parseFormatSpec("X" + specText.substr(n.size()), &why);
+            if (!rest) usageError("bad routine \"" + specText + "\": " + why);
+            routine = &r;
+            fs = rest;
+            fs->name = r.name;
+        }
+    }
+    if (!routine) fs = zvfmt::parseFormatSpec(specText, &why);
     if (!fs) usageError("bad format \"" + specText + "\": " + why);
-    auto session = startSession(a.baseline);
-    const FormatTableRow *row = session->row(fs->name);
-    if (!row) usageError("no format or informat named " + fs->name + " (see 'zvfmt list')");
-    const bool informat = zvhost::isInformat(*row);
-    const std::string name = zvhost::rowName(*row);
+    Baseline baseline = a.baseline;
+    if (!a.localeGiven) useEnvironmentLocale(baseline);
+    auto session = startSession(baseline);
+    const FormatTableRow *row = routine ? nullptr : session->row(fs->name);
+    if (!row && !routine) usageError("no format, informat or routine named " + fs->name + " (see 'zvfmt list --all')");
+    const bool informat = row && zvhost::isInformat(*row);
+    const std::string name = row ? zvhost::rowName(*row) : routine->name;
 
     zvhost::CallSpec spec;
-    spec.locale = a.baseline.locale;
-    spec.items = a.baseline.items;
-    spec.encoding = a.baseline.encoding;
-    spec.measureBytes = a.baseline.measureBytes;
-    spec.validate = a.baseline.validate;
-    spec.entry = a.baseline.byteEntry ? zvhost::Entry::Byte : zvhost::Entry::Wide;
-    spec.width = fs->width ? *fs->width : static_cast<int32_t>(row->defaultWidth);
-    spec.decimals = fs->decimals ? *fs->decimals : static_cast<int32_t>(row->defaultDecimals);
-    if (informat && spec.entry == zvhost::Entry::Byte) {
-        if (a.entryGiven) usageError(name + " is an informat; informats have only the wide entry");
+    spec.locale = session->baseline().locale;
+    spec.items = baseline.items;
+    spec.encoding = baseline.encoding;
+    spec.validate = baseline.validate;
+    spec.entry = baseline.byteEntry ? zvhost::Entry::Byte : zvhost::Entry::Wide;
+    spec.exact = true;
+    if (a.width) fs->width = a.width;
+    if (a.decimals) fs->decimals = a.decimals;
+    if ((informat || routine) && spec.entry == zvhost::Entry::Byte) {
+        if (a.entryGiven) usageError(name + " reads text; only the formats have a byte entry");
         spec.entry = zvhost::Entry::Wide;
     }
-    if (!a.unchecked) {
-        if (spec.width >= 1 && spec.width < static_cast<int32_t>(row->minWidth))
-            std::fprintf(stderr, "zvfmt: note: %s: width %d is below the row's least width %u, which a host may refuse\n",
-                         name.c_str(), int(spec.width), unsigned(row->minWidth));
-        else if (spec.width < 1 || spec.width > static_cast<int32_t>(row->maxWidth))
-            usageError(name + ": width " + std::to_string(spec.width) + " is out of range (" +
-                       std::to_string(row->minWidth) + ".." + std::to_string(row->maxWidth) +
-                       "; --unchecked passes it on)");
-        if (spec.decimals > static_cast<int32_t>(row->maxDecimals))
-            usageError(name + ": decimals " + std::to_string(spec.decimals) + " is out of range (0.." +
-                       std::to_string(row->maxDecimals) + "; --unchecked passes it on)");
-    } else if (spec.width > 65536) {
-        usageError(name + ": width " + std::to_string(spec.width) + " is too large (at most 65536)");
-    } else if (spec.decimals > 99) {
-        usageError(name + ": decimals " + std::to_string(spec.decimals) + " is too large (at most 99)");
-    }
-    if (!session->host().locale(spec.locale, spec.items)) usageError("unknown locale \"" + spec.locale + "\"");
-    if (!session->host().transcoder(spec.encoding)) usageError("unknown encoding \"" + spec.encoding + "\"");
-
-    Runner runner{*session, *row, spec, a.showStatus, specText};
-    bool ok = true;
-    auto one = [&](const std::string &item) {
-        ok = (informat ? runner.readOne(item) : runner.formatOne(item)) && ok;
-    };
-    if (a.positional.size() > 1) {
-        for (size_t i = 1; i < a.positional.size(); ++i) one(a.positional[i]);
+    // With the byte entry the field is measured in bytes of the encoding, so
+    // what is written fits it whole; --units measures UTF-16 units.
+    spec.measureBytes = baseline.measureBytes || (spec.entry == zvhost::Entry::Byte && !a.units);
+    if (a.raw && spec.entry != zvhost::Entry::Byte) usageError("--raw writes the bytes of a format's byte entry; give -e ENCODING");
+    if (routine) {
+        spec.width = fs->width ? *fs->width : -1;
+        spec.decimals = fs->decimals ? *fs->decimals : 0;
+        spec.exact = fs->width.has_value();
     } else {
+        spec.width = fs->width ? *fs->width : static_cast<int32_t>(row->defaultWidth);
+        spec.decimals = fs->decimals ? *fs->decimals : static_cast<int32_t>(row->defaultDecimals);
+        if (!a.unchecked) {
+            if (spec.width >= 1 && spec.width < static_cast<int32_t>(row->minWidth))
+                std::fprintf(stderr, "zvfmt: note: %s: width %d is below the row's least width %u, which a host may refuse\n",
+                             name.c_str(), int(spec.width), unsigned(row->minWidth));
+            else if (spec.width < 1 || spec.width > static_cast<int32_t>(row->maxWidth))
+                usageError(name + ": width " + std::to_string(spec.width) + " is out of range (" +
+                           std::to_string(row->minWidth) + ".." + std::to_string(row->maxWidth) +
+                           "; --unchecked passes it on)");
+            if (spec.decimals < 0 || spec.decimals > static_cast<int32_t>(row->maxDecimals))
+                usageError(name + ": decimals " + std::to_string(spec.decimals) + " is out of range (0.." +
+                           std::to_string(row->maxDecimals) + "; --unchecked passes it on)");
+        }
+    }
+
+    Converter converter{*session, row, routine, spec, a.showStatus, a.raw, specText};
+    LineWriter writer{converter, a, false, {}};
+    static char buffer[1 << 16];
+    std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
+    if (a.positional.size() > 1) {
+        for (size_t i = 1; i < a.positional.size(); ++i)
+            if (!writer.line(a.positional[i])) return 2;
+    } else {
+        zvfmt::LineReader reader(0, stdout);
         std::string line;
-        int c;
-        bool any = false;
-        while ((c = std::fgetc(stdin)) != EOF || any) {
-            if (c == '\n' || c == EOF) {
-                if (!line.empty() && line.back() == '\r') line.pop_back();
-                one(line);
-                std::fflush(stdout);
-                line.clear();
-                any = false;
-                if (c == EOF) break;
-                continue;
+        size_t tooLong = 0;
+        for (int64_t n = 0; reader.next(line, tooLong); ++n) {
+            if (n < a.headerLines) {
+                line += '\n';
+                std::fwrite(line.data(), 1, line.size(), stdout);
+            } else if (tooLong) {
+                if (!writer.report(zvfmt::tooLongMessage(tooLong))) return 2;
+                std::fputc('\n', stdout); // the line keeps its place
+            } else if (!writer.line(line)) {
+                return 2;
             }
-            any = true;
-            if (line.size() < zvfmt::kMaxRequestLine) line.push_back(static_cast<char>(c));
         }
     }
     std::fflush(stdout);
-    return ok ? 0 : 1;
+    return writer.anyBad && a.invalid == Invalid::Fail ? 2 : 0;
 }
 
 // ---- demo ----------------------------------------------------------------------
@@ -594,6 +864,15 @@ int runDemo(const Args &a) {
         }
     }
 
+    std::printf("\nRoutines without a row (zvfmt list --all):\n");
+    for (const auto &[name, text] : {std::pair{"readAnyDate", "12/25/2024"}, std::pair{"readHexNumber", "FF"},
+                                     std::pair{"encodeBase64Units", "Man"}}) {
+        const zvhost::Routine &r = *zvhost::findRoutine(name);
+        const zvhost::RoutineResult out = zvhost::runRoutine(host, r, zvhost::CallSpec{}, text);
+        demoLine(std::string(name) + " \"" + text + "\"",
+                 r.answer == zvhost::RoutineAnswer::Number ? showDouble(zvfmt::fromBits(out.bits)) : out.utf8);
+    }
+
     std::printf("\nHost encodings through the byte entry (bytes in hex):\n");
     for (const Example &e : kTranscoderCandidates) {
         auto p = prepare(*session, e, "");
@@ -631,24 +910,21 @@ int runLocales(const Args &a) {
 // decodes from it for the host encoding, with the widths it works out.
 int runItems(const Args &a) {
     if (a.positional.size() > 2) usageError("items takes one locale, got \"" + a.positional[2] + "\"");
-    const std::string locale = a.positional.size() > 1 ? a.positional[1] : a.baseline.locale;
-    auto session = startSession(a.baseline);
-    zvhost::Host &host = session->host();
-    HostLocale *l = host.locale(locale, a.baseline.items);
-    if (!l) usageError("unknown locale \"" + locale + "\"");
-    HostTranscoder *t = host.transcoder(a.baseline.encoding);
-    if (!t) usageError("unknown encoding \"" + a.baseline.encoding + "\"");
+    Baseline baseline = a.baseline;
+    if (a.positional.size() > 1) baseline.locale = zvfmt::hostLocaleName(a.positional[1]);
+    else if (!a.localeGiven) useEnvironmentLocale(baseline);
+    auto session = startSession(baseline);
+    zvhost::CallSpec spec;
+    spec.locale = session->baseline().locale;
+    spec.items = baseline.items;
+    spec.encoding = baseline.encoding;
+    HostLocale *l = session->host().locale(spec.locale, spec.items);
     const uint8_t *table = nullptr;
-    if (l->ops->localeTextTable(l, 0, &table) != 0 || !table) usageError("no text table for \"" + locale + "\"");
-
-    FormatCall call;
-    std::memset(&call, 0, sizeof call);
-    call.locale = l;
-    call.transcoder = t;
-    call.services = host.services();
-    const int32_t status = zv::buildLocaleBlock(&call, host.instance());
-    if (status != 0) {
-        std::fprintf(stderr, "zvfmt: the locale block could not be built (status %s)\n", zvfmt::statusText(status).c_str());
+    if (l->ops->localeTextTable(l, 0, &table) != 0 || !table) usageError("no text table for \"" + spec.locale + "\"");
+    std::string error;
+    const LocaleBlock *block = session->calls().localeBlock(spec, error);
+    if (!block) {
+        std::fprintf(stderr, "zvfmt: %s\n", error.c_str());
         return 1;
     }
     if (a.header) printLine("ITEM\tWIDTH\tRAW\tDECODED");
@@ -666,7 +942,7 @@ int runItems(const Args &a) {
                 raw += esc;
             }
         }
-        const LocaleItem &item = call.localeBlock->items[k];
+        const LocaleItem &item = block->items[k];
         std::u16string decoded(item.text, size_t(item.length));
         for (char16_t &c : decoded)
             if (c < 0x20) c = u'\u00b7'; // control units (the currency mark 1) shown as a middle dot
@@ -675,15 +951,23 @@ int runItems(const Args &a) {
     return 0;
 }
 
+const char *helpOn(const std::string &topic) {
+    if (topic.empty() || topic == "help") return kMainHelp;
+    if (topic == "list") return kListHelp;
+    if (topic == "value") return kValueHelp;
+    if (topic == "demo") return kDemoHelp;
+    if (topic == "locales") return kLocalesHelp;
+    if (topic == "items") return kItemsHelp;
+    if (topic == "jsonl" || topic == "--jsonl") return kJsonlHelp;
+    if (topic == "format" || topic == "read" || topic == "routine") return kFormatHelp;
+    return nullptr;
+}
+
 int runHelp(const Args &a) {
     const std::string topic = a.positional.size() > 1 ? a.positional[1] : "";
-    if (topic.empty()) std::fputs(kMainHelp, stdout);
-    else if (topic == "list") std::fputs(kListHelp, stdout);
-    else if (topic == "value") std::fputs(kValueHelp, stdout);
-    else if (topic == "demo") std::fputs(kDemoHelp, stdout);
-    else if (topic == "jsonl" || topic == "--jsonl") std::fputs(kJsonlHelp, stdout);
-    else if (topic == "format" || topic == "read") std::fputs(kFormatHelp, stdout);
-    else usageError("no help on \"" + topic + "\" (try list, value, demo, jsonl or format)");
+    const char *text = helpOn(topic);
+    if (!text) usageError("no help on \"" + topic + "\" (try format, list, value, demo, locales, items or jsonl)");
+    std::fputs(text, stdout);
     return 0;
 }
 
@@ -697,20 +981,16 @@ int main(int argc, char **argv) {
         return 0;
     }
     if (a.help) {
-        if (a.jsonl) std::fputs(kJsonlHelp, stdout);
-        else if (command == "list") std::fputs(kListHelp, stdout);
-        else if (command == "value") std::fputs(kValueHelp, stdout);
-        else if (command == "demo") std::fputs(kDemoHelp, stdout);
-        else if (command.empty() || command == "help") std::fputs(kMainHelp, stdout);
-        else std::fputs(kFormatHelp, stdout);
+        const char *text = a.jsonl ? kJsonlHelp : helpOn(command);
+        std::fputs(text ? text : kFormatHelp, stdout);
         return 0;
     }
-    if (command != "list" && !a.listOptions.empty() && !(command == "items" && a.header && a.listOptions.size() == 1))
+    if (command != "list" && !a.listOptions.empty())
         usageError("option " + a.listOptions.front() + " belongs to 'zvfmt list'");
     if (a.jsonl) {
         if (!a.positional.empty()) usageError("--jsonl reads its requests from stdin; unexpected \"" + command + "\"");
         auto session = startSession(a.baseline);
-        return zvfmt::runJsonLines(*session, stdin, stdout);
+        return zvfmt::runJsonLines(*session, 0, stdout);
     }
     if (command.empty()) usageError("no command; give a format such as NLDATE20, or list, demo, value, --jsonl");
     if (command == "help") return runHelp(a);

@@ -4,7 +4,9 @@ namespace zvfmt {
 
 Session::Session(Baseline baseline) : baseline_(std::move(baseline)) {}
 
-Session::~Session() = default;
+Session::~Session() {
+    calls_.reset(); // gives its blocks back to the host's pool while the host stands
+}
 
 bool Session::start(std::string &error) {
     zvhost::HostConfig config;
@@ -18,6 +20,19 @@ bool Session::start(std::string &error) {
     setClock(baseline_.clock);
     if (!host_->loadModule()) {
         error = "the module could not be loaded into the host";
+        return false;
+    }
+    calls_ = std::make_unique<zvhost::Session>(*host_);
+    if (!host_->transcoder(baseline_.encoding)) {
+        error = "unknown encoding \"" + baseline_.encoding + "\"";
+        return false;
+    }
+    // A locale of the environment that the host doesn't know leaves en_US, as
+    // date and printf fall back to C.
+    if (baseline_.localeFromEnvironment && !host_->locale(baseline_.locale, baseline_.items))
+        baseline_.locale = "en_US";
+    if (!host_->locale(baseline_.locale, baseline_.items)) {
+        error = "unknown locale \"" + baseline_.locale + "\"";
         return false;
     }
     return true;

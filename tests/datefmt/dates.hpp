@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <ctime>
 #include <map>
 #include <string>
 
@@ -21,10 +22,7 @@ inline int64_t civilDays(int64_t y, int64_t m, int64_t d) {
     return era * 146097 + yoe * 365 + yoe / 4 - yoe / 100 + doy - 719468 + 3653;
 }
 
-struct Civil {
-    int64_t y;
-    int m, d;
-};
+struct Civil { int64_t y; int m, d; };
 inline Civil civilFromDays(int64_t z) {
     z += 719468 - 3653;
     const int64_t era = (z >= 0 ? z : z - 146096) / 146097, doe = z - era * 146097;
@@ -43,12 +41,20 @@ inline double moduleDays(int64_t y, int m, int d) {
 // 0 Sunday .. 6 Saturday.
 inline int civilWeekday(int64_t days) { return int(((days + 5) % 7 + 7) % 7); }
 
+// The civil fields of a day count and a second of the day, for strftime.
+inline std::tm tmOf(int64_t day, int64_t second = 0) {
+    const Civil c = civilFromDays(day);
+    std::tm tm{};
+    tm.tm_year = int(c.y - 1900), tm.tm_mon = c.m - 1, tm.tm_mday = c.d, tm.tm_yday = int(day - civilDays(c.y, 1, 1));
+    tm.tm_wday = civilWeekday(day), tm.tm_hour = int(second / 3600), tm.tm_min = int(second / 60 % 60), tm.tm_sec = int(second % 60);
+    return tm;
+}
+
 using Items = std::map<int, std::string>;
 
 inline Items englishItems() {
     Items it;
-    const char *months[12] = {"January", "February", "March",     "April",   "May",      "June",
-                              "July",    "August",   "September", "October", "November", "December"};
+    const char *months[12] = {"January", "February", "March", "April", "May", "June", "July", "August", "September", "October", "November", "December"};
     const char *days[7] = {"Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday"};
     for (int m = 0; m < 12; ++m) {
         it[71 + m] = it[95 + m] = months[m];
@@ -63,14 +69,12 @@ inline Items englishItems() {
         it[135 + q] = it[143 + q] = "Q" + std::to_string(q + 1);
     }
     it[151] = "AM", it[152] = "PM", it[172] = ".", it[6] = "MDY", it[153] = "/", it[58] = "%x %X";
-    it[28] = it[31] = "%B %#d, %Y", it[29] = it[30] = "%b %#d, %Y";
-    it[32] = "%A, %B %#d, %Y", it[33] = "%a, %b %#d, %Y";
+    it[28] = it[31] = "%B %#d, %Y", it[29] = it[30] = "%b %#d, %Y", it[32] = "%A, %B %#d, %Y", it[33] = "%a, %b %#d, %Y";
     it[34] = "%B %Y", it[35] = "%b %Y", it[36] = "%B %#d", it[37] = "%b %#d";
     it[38] = "%Y", it[39] = "%y", it[40] = "%Q %Y", it[41] = "%q %Y", it[42] = "%Y-W%U", it[43] = "%y-%U";
-    it[44] = "%B %#d, %Y %I:%M:%S %p", it[46] = it[49] = "%B %#d, %Y %H:%M:%S";
-    it[47] = "%m/%d/%Y %H:%M:%S", it[48] = "%b %#d, %Y %H:%M:%S";
-    it[50] = "%A, %B %#d, %Y %H:%M:%S", it[51] = "%a, %b %#d, %Y %H:%M", it[52] = "%I:%M:%S %p";
-    it[53] = "%H:%M:%S";
+    it[44] = "%B %#d, %Y %I:%M:%S %p", it[46] = it[49] = "%B %#d, %Y %H:%M:%S", it[47] = "%m/%d/%Y %H:%M:%S";
+    it[48] = "%b %#d, %Y %H:%M:%S", it[50] = "%A, %B %#d, %Y %H:%M:%S", it[51] = "%a, %b %#d, %Y %H:%M";
+    it[52] = "%I:%M:%S %p", it[53] = "%H:%M:%S";
     return it;
 }
 
@@ -78,19 +82,15 @@ class Module : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_NE(host.loadModule(), nullptr); }
 
-    zvhost::FormatResult call(const std::string &row, double value, int width, int decimals = 0,
-                              const Items &items = englishItems(), const std::string &locale = "en_US") {
+    zvhost::FormatResult call(const std::string &row, double value, int width, int decimals = 0, const Items &items = englishItems(),
+                              const std::string &locale = "en_US") {
         zvhost::CallSpec spec;
-        spec.locale = locale;
-        spec.items = items;
-        spec.width = width;
-        spec.decimals = decimals;
+        spec.locale = locale, spec.items = items, spec.width = width, spec.decimals = decimals;
         const FormatTableRow *r = zvhost::findRow(host.instance()->formatTable, row);
         EXPECT_NE(r, nullptr) << row;
         return r ? zvhost::runFormat(host, *r, spec, value) : zvhost::FormatResult{};
     }
-    std::string text(const std::string &row, double value, int width, int decimals = 0,
-                     const Items &items = englishItems()) {
+    std::string text(const std::string &row, double value, int width, int decimals = 0, const Items &items = englishItems()) {
         return call(row, value, width, decimals, items).utf8;
     }
 

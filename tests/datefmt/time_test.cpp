@@ -112,11 +112,9 @@ TEST_F(Times, ZoneFormsShowIcusOffsets) {
 // Week dates of every fifth day against strftime's week numbers.
 TEST_F(Times, WeekFormsAgreeWithStrftime) {
     for (int64_t day = dt::civilDays(1999, 12, 20); day < dt::civilDays(2031, 1, 10); day += 5) {
-        const dt::Civil c = dt::civilFromDays(day);
-        std::tm tm{};
-        tm.tm_year = int(c.y - 1900), tm.tm_yday = int(day - dt::civilDays(c.y, 1, 1)), tm.tm_wday = dt::civilWeekday(day);
+        const std::tm tm = dt::tmOf(day);
         char u[64], v[16], w[16], yu[16], yv[16], yw[16];
-        std::snprintf(u, sizeof u, "%04d-W%02d-%02d", int(c.y), int((tm.tm_yday + 7 - tm.tm_wday) / 7), tm.tm_wday + 1);
+        std::snprintf(u, sizeof u, "%04d-W%02d-%02d", tm.tm_year + 1900, int((tm.tm_yday + 7 - tm.tm_wday) / 7), tm.tm_wday + 1);
         std::strftime(v, sizeof v, "%G-W%V-0%u", &tm);
         std::strftime(w, sizeof w, "%Y-W%W-0%u", &tm);
         std::strftime(yu, sizeof yu, "%Y-W%U", &tm), std::strftime(yv, sizeof yv, "%G-W%V", &tm), std::strftime(yw, sizeof yw, "%Y-W%W", &tm);

@@ -140,29 +140,34 @@ TEST_F(Forms, EveryFormTakesTheFirstCandidateThatFits) {
         for (const Walk &walk : walks) {
             const bool datetime = std::string(walk.row).rfind("NLDATM", 0) == 0, checksWidth = walk.rungs[0] != '!';
             for (double value : datetime ? std::vector<double>{day * 86400 + 50829.25, day * 86400 + 86399.7} : std::vector<double>{day, 23440})
+            {
+                // Each candidate's width known in advance and its texts at each number of decimals.
+                std::vector<std::pair<int, std::vector<std::string>>> candidates;
+                std::istringstream rungs(walk.rungs + !checksWidth);
+                for (std::string r; rungs >> r;) {
+                    const std::string p = r[0] == '%' ? r : r == "uw" ? (items.at(42).find('U') != std::string::npos ? "%u" : "%w")
+                                                                      : items.at(std::stoi(r));
+                    dt::Items one = items;
+                    one[datetime ? 46 : 34] = p;
+                    std::vector<std::string> texts;
+                    for (int k = walk.decimals; k >= 0; --k) {
+                        const std::string t = text(datetime ? "NLDATM" : "NLDATEYM", value, 200, k, one);
+                        texts.push_back(t.substr(0, t.find_last_not_of(' ') + 1));
+                    }
+                    candidates.push_back({!checksWidth ? 0 : r == "%o" ? 2 : r == "uw" ? 1 : widest(p, items), texts});
+                }
                 for (int w = 1; w <= 45; ++w) {
                     const bool ofDay = datetime && walk.end && std::string(walk.end) == "NLDATES";
                     std::string expected = walk.end ? text(walk.end, ofDay ? std::floor(value / 86400) : value, w, walk.decimals, items)
                                                     : std::string(size_t(w), '*');
-                    std::istringstream rungs(walk.rungs + !checksWidth);
-                    for (std::string r; rungs >> r && expected.substr(0, 1) != "\1";) {
-                        std::string p = r[0] == '%' ? r : r == "uw" ? (items.at(42).find('U') != std::string::npos ? "%u" : "%w")
-                                                                    : items.at(std::stoi(r));
-                        const int rowWidth = r == "%o" ? 2 : r == "uw" ? 1 : widest(p, items);
-                        for (int k = walk.decimals; k >= 0 && !(checksWidth && rowWidth > w); --k) {
-                            dt::Items one = items;
-                            one[datetime ? 46 : 34] = p;
-                            const std::string t = text(datetime ? "NLDATM" : "NLDATEYM", value, 200, k, one);
-                            if (t.find_last_not_of(' ') >= size_t(w)) continue;
-                            expected = "\1" + dt::pad(t.substr(0, t.find_last_not_of(' ') + 1), size_t(w));
-                            break;
-                        }
-                    }
-                    if (expected.substr(0, 1) == "\1") expected.erase(0, 1);
+                    for (auto it = candidates.rbegin(); it != candidates.rend(); ++it)
+                        for (auto t = it->second.rbegin(); t != it->second.rend(); ++t)
+                            if (it->first <= w && t->size() <= size_t(w)) expected = dt::pad(*t, size_t(w));
                     zvhost::FormatResult r = call(walk.row, value, w, walk.decimals, items);
                     ASSERT_TRUE(r.utf8 == expected && r.status == 0) << walk.row << " width " << w << " value " << value << " item 6 "
                                                                      << items.at(6) << ": [" << r.utf8 << "], expected [" << expected << "]";
                 }
+            }
         }
 }
 
@@ -187,7 +192,13 @@ TEST_F(Forms, EdgesOfTheWalks) {
                                                          std::string(row) == "NLDATM" ? 23440 * 86400.0 : 23440);
         EXPECT_EQ(r.utf8, expected) << row;
     }
-    spec.encoding = "ISO-8859-1";
+    for (auto [row, value, expected] : {std::tuple{"NLSTRMON", 12.0, "December"}, std::tuple{"NLSTRMON", 9.0, "********"},
+                                        std::tuple{"NLSTRMON", 12.5, "        "}, std::tuple{"NLSTRWK", 0.99, "        "},
+                                        std::tuple{"NLSTRWK", 7.9, "Saturday"}, std::tuple{"NLSTRQTR", 5.0, "        "}})
+        EXPECT_EQ(text(row, value, 8), expected) << row << " " << value;
+    spec.width = 4; // "März" is 5 bytes
+    EXPECT_EQ(zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, "NLSTRMON"), spec, 3).utf8, "****");
+    spec.width = 11, spec.encoding = "ISO-8859-1";
     EXPECT_EQ(zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, "NLDATE"), spec, 23440).utf8, "M\xc3\xa4r 5, 2024");
 }
 

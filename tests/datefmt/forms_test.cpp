@@ -46,10 +46,7 @@ std::string without(std::string order, char c) {
 }
 
 TEST_F(Forms, NumericDatesFollowTheirRules) {
-    struct Day {
-        int64_t y;
-        int m, d;
-    };
+    struct Day { int64_t y; int m, d; };
     for (Day day : {Day{2024, 3, 5}, Day{11980, 11, 17}, Day{1582, 12, 31}})
         for (const char *order : {"MDY", "dmy", "YMD", "YDM", "MYD", "DYM"})
             for (const char *sep : {"/", "", "--"}) {

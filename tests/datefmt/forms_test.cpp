@@ -195,6 +195,10 @@ TEST_F(Forms, EdgesOfTheWalks) {
         EXPECT_EQ(text(row, value, 8), expected) << row << " " << value;
     spec.width = 4; // "März" is 5 bytes
     EXPECT_EQ(zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, "NLSTRMON"), spec, 3).utf8, "****");
+    spec.width = 12; // the measure takes the text, not the blanks behind it
+    for (const char *row : {"NLDATE", "NLDATEYM", "NLDATEL"})
+        EXPECT_EQ(zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, row), spec, 23440).utf8,
+                  std::string(row) == "NLDATEYM" ? "M\xc3\xa4rz 2024   " : std::string(row) == "NLDATE" ? "M\xc3\xa4r 5, 2024 " : "03/05/2024  ");
     spec.width = 11, spec.encoding = "ISO-8859-1";
     EXPECT_EQ(zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, "NLDATE"), spec, 23440).utf8, "M\xc3\xa4r 5, 2024");
 }

@@ -91,6 +91,11 @@ TEST_F(Times, ZoneFormsShowIcusOffsets) {
     EXPECT_EQ(text("NLDATMTZ", t + 0.25, 22, 2, items), dt::pad("14:07:09.25 +0530", 22));
     EXPECT_EQ(text("NLDATMTM", t - 36846, 16, 0, items), dt::pad("03:53:03", 16));
     EXPECT_EQ(text("NLDATMTM", t, 16), dt::pad("14:07:09", 16));
+    zvhost::CallSpec spec; // "14:07:09 äää +0530" fits 20 characters, not 20 bytes
+    spec.measureBytes = true, spec.width = 20, spec.items = dt::englishItems(), spec.items[53] = "%H:%M:%S <U00E4><U00E4><U00E4>";
+    for (const char *row : {"NLDATMTZ", "NLDATMTM"})
+        EXPECT_EQ(zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, row), spec, t).utf8,
+                  std::string(row) == "NLDATMTZ" ? dt::pad("14:07:09 +0530", 20) : "14:07:09 \xc3\xa4\xc3\xa4\xc3\xa4" + std::string(8, ' '));
     items[46] = items[47] = "%A %A %A %A";
     EXPECT_EQ(text("NLDATMZ", 3700000.0 * 86400, 26, 0, items), std::string(26, '*'));
 }

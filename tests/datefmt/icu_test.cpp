@@ -145,8 +145,7 @@ TEST_F(AgainstIcu, LocaleFormsAndNamesMatchIcu) {
         using S = icu::DateFormatSymbols;
         struct List { const char *row; int count, skip; };
         for (List list : {List{"NLSTRMON", 12, 0}, List{"NLSTRWK", 7, 1}, List{"NLSTRQTR", 4, 0}})
-            if (li % 3 == 0)
-            for (int v = 1; v <= list.count; ++v) {
+            for (int v = 1; li % 3 == 0 && v <= list.count; ++v) {
                 const int decimals = int((li + size_t(v)) % 4);
                 const S::DtWidthType width = decimals & 1 ? S::ABBREVIATED : S::WIDE;
                 int32_t n = 0;

@@ -195,6 +195,9 @@ TEST_F(Forms, EdgesOfTheWalks) {
         EXPECT_EQ(text(row, value, 8), expected) << row << " " << value;
     spec.width = 4; // "März" is 5 bytes
     EXPECT_EQ(zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, "NLSTRMON"), spec, 3).utf8, "****");
+    spec.measureBytes = false; // without the measure a name of width characters fits
+    EXPECT_EQ(zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, "NLSTRMON"), spec, 3).utf8, "M\xc3\xa4rz");
+    spec.measureBytes = true;
     spec.width = 12; // the measure takes the text, not the blanks behind it
     for (const char *row : {"NLDATE", "NLDATEYM", "NLDATEL"})
         EXPECT_EQ(zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, row), spec, 23440).utf8,

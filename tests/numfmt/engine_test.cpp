@@ -71,7 +71,7 @@ class Engine : public Numbers {};
 TEST_F(Engine, AgreesWithTheRulesAtEveryWidth) {
     std::mt19937_64 rng(20240611);
     int compared = 0;
-    for (int i = 0; i < 160; ++i) {
+    for (int i = 0; i < 72; ++i) {
         const Shape s = randomShape(rng);
         const double v = randomValue(rng, i);
         const int decimals = int(rng() % 6);
@@ -107,7 +107,7 @@ TEST_F(Engine, AgreesWithTheRulesAtEveryWidth) {
             ++compared;
         }
     }
-    EXPECT_EQ(compared, 160 * 32);
+    EXPECT_EQ(compared, 72 * 32);
 }
 
 // The members keep the locale's shape for the first locale of an instance, so
@@ -115,7 +115,7 @@ TEST_F(Engine, AgreesWithTheRulesAtEveryWidth) {
 TEST(Members, AgreeWithTheRulesAtEveryWidth) {
     std::mt19937_64 rng(77);
     const char *codes[] = {"EUR", "USD", "JPY", "CHF"};
-    for (int i = 0; i < 24; ++i) {
+    for (int i = 0; i < 12; ++i) {
         zvhost::Host host;
         ASSERT_NE(host.loadModule(), nullptr);
         const Shape s = randomShape(rng);

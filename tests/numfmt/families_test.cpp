@@ -1,6 +1,4 @@
 // NLPCTN and NLPCTP, NLBEST and NLD, and the symbols of NLMNL<code>.
-#include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <random>
 
@@ -10,74 +8,55 @@ namespace {
 
 using namespace numtest;
 
-class Families : public Numbers {};
-
-TEST_F(Families, FixedPercentForms) {
+TEST_F(Numbers, FixedPercentForms) {
     const Items comma = {{172, ","}}, twoUnits = {{172, "::"}};
-    struct Case {
-        const char *row;
-        double value;
-        int width, decimals;
-        Items changes;
-        const char *want;
-    } const cases[] = {
-        {"NLPCTP", 0.125, 8, 1, {}, "  12.5% "},         {"NLPCTP", -0.125, 8, 1, {}, "( 12.5%)"},
-        {"NLPCTN", -0.125, 8, 1, {}, " -12.5% "},        {"NLPCTN", 0.125, 8, 1, {}, "  12.5% "},
-        {"NLPCTN", -0.0, 8, 1, {}, "   0.0% "},          {"NLPCTP", 0.125, 8, 1, comma, "  12,5% "},
-        {"NLPCTN", -0.125, 8, 1, comma, " -12,5% "},     {"NLPCTP", 0.125, 8, 1, twoUnits, "  12.5% "},
-        {"NLPCTP", 123.456, 6, 2, {}, " ***% "},         {"NLPCTN", -1.23456, 8, 2, {}, "-123.5% "},
-        {"NLPCTN", -1.23456, 5, 2, {}, "-**% "},
+    struct Case { const char *row; double value; int width, decimals; Items changes; const char *want; } const cases[] = {
+        {"NLPCTP", 0.125, 8, 1, {}, "  12.5% "},     {"NLPCTP", -0.125, 8, 1, {}, "( 12.5%)"},
+        {"NLPCTN", -0.125, 8, 1, {}, " -12.5% "},    {"NLPCTN", 0.125, 8, 1, {}, "  12.5% "},
+        {"NLPCTN", -0.0, 8, 1, {}, "   0.0% "},      {"NLPCTP", 0.125, 8, 1, comma, "  12,5% "},
+        {"NLPCTN", -0.125, 8, 1, comma, " -12,5% "}, {"NLPCTP", 0.125, 8, 1, twoUnits, "  12.5% "},
+        {"NLPCTP", 123.456, 6, 2, {}, " ***% "},     {"NLPCTN", -1.23456, 8, 2, {}, "-123.5% "},
+        {"NLPCTN", -1.23456, 5, 2, {}, "-**% "},     {"NLPCTN", zvhost::missingValue('.'), 8, 1, comma, "     .  "},
+        {"NLD", zvhost::missingValue('.'), 8, 0, comma, "       ."},
     };
-    for (const Case &c : cases)
-        EXPECT_EQ(run(c.row, c.value, c.width, c.decimals, c.changes), c.want) << c.row << " " << c.value;
-    // A missing value's point is its mark, not a decimal point.
-    EXPECT_EQ(run("NLPCTN", zvhost::missingValue('.'), 8, 1, comma), "     .  ");
-    EXPECT_EQ(run("NLD", zvhost::missingValue('.'), 8, 0, comma), "       .");
+    for (const Case &c : cases) EXPECT_EQ(run(c.row, c.value, c.width, c.decimals, c.changes), c.want) << c.row << c.value;
 }
 
-// NLD: the decimals that keep the significant digits asked for (3 when
-// none are), worked out from the value's exponent and the field's room.
+// NLD: the decimals that keep the significant digits asked for (3 when none
+// are), from the value's exponent and the field's room; else the best fit,
+// a short one filled with zeros to the whole field.
 std::string significantModel(double v, int width, int decimals, std::string bestFit) {
     int x = 0;
-    bool best = false;
-    if (v != 0) {
-        const int s = decimals > 0 ? decimals : 3, b = width - s - 1;
-        if (b < 2 || !std::isfinite(v)) {
-            best = true;
-        } else {
-            x = s + b / 2 - 1;
-            int m = width - x - 2;
-            const int t = width - 2;
-            const int e = int(std::floor(std::log10(std::fabs(v)) + 1e-12));
-            if (e < 0 && s - e - 1 > x) {
-                if (s - e - 1 <= width - 3) x = width - 3;
-                else best = true;
-            } else if (e > t) {
-                best = true;
-            }
-            while (e >= 0 && !best && x > 0 &&
-                   !(e < m && (e < m - 1 || std::pow(10.0, m) - 0.5 * std::pow(10.0, m - t) > std::fabs(v)))) {
-                const int r = s - m, step = r > 0 ? x - r : x;
-                m += step;
-                x -= step;
-            }
+    const int s = decimals > 0 ? decimals : 3, b = width - s - 1;
+    bool best = v != 0 && (b < 2 || !std::isfinite(v));
+    if (v != 0 && !best) {
+        x = s + b / 2 - 1;
+        int m = width - x - 2;
+        const int t = width - 2, e = int(std::floor(std::log10(std::fabs(v)) + 1e-12));
+        if (e < 0 && s - e - 1 > x) {
+            if (s - e - 1 <= width - 3) x = width - 3;
+            else best = true;
+        }
+        best = best || e > t;
+        while (e >= 0 && !best && x > 0 &&
+               !(e < m && (e < m - 1 || std::pow(10.0, m) - 0.5 * std::pow(10.0, m - t) > std::fabs(v)))) {
+            const int step = s - m > 0 ? x - (s - m) : x;
+            m += step;
+            x -= step;
         }
     }
     if (!best && decimals < 10) {
         const std::string t = plainForm(v, width, x).first;
         return std::string(size_t(width) - t.size(), ' ') + t;
     }
-    // A short best fit takes the whole field: digits to the left, zeros behind.
     const bool point = bestFit.find('.') != std::string::npos;
     if (best && bestFit.find('E') == std::string::npos && bestFit[0] == ' ' && (point || bestFit[1] == ' ')) {
-        bestFit.erase(0, bestFit.find_first_not_of(' '));
-        if (!point) bestFit += '.';
-        bestFit.resize(size_t(width), '0');
+        bestFit.erase(0, bestFit.find_first_not_of(' ')).append(point ? "" : ".").resize(size_t(width), '0');
     }
     return bestFit;
 }
 
-TEST_F(Families, BestFitAndSignificantDigits) {
+TEST_F(Numbers, BestFitAndSignificantDigits) {
     std::mt19937_64 rng(4711);
     for (int i = 0; i < 300; ++i) {
         double v = (rng() % 2 ? -1 : 1) * double(rng() % 1000000007) * std::pow(10.0, int(rng() % 26) - 16);
@@ -87,43 +66,37 @@ TEST_F(Families, BestFitAndSignificantDigits) {
         const std::string best = run("NLBEST", v, width, 0);
         ASSERT_EQ(best.size(), size_t(width)) << v;
         if (width <= 32) {
-            EXPECT_EQ(run("NLD", v, width, decimals), significantModel(v, width, decimals, best))
-                << v << " w" << width << " d" << decimals;
+            EXPECT_EQ(run("NLD", v, width, decimals), significantModel(v, width, decimals, best)) << v << " w" << width;
         }
-        // The best fit is the value to the digits it shows, with the locale's point.
         if (best.find('*') != std::string::npos) {
             EXPECT_EQ(best, std::string(size_t(width), '*')) << v;
             continue;
         }
-        if (width > 32) {
-            EXPECT_EQ(best.substr(0, size_t(width) - 32).find_first_not_of(' '), std::string::npos);
-        }
+        // The value to the digits shown, in at most 32 places, with the locale's point.
+        EXPECT_LE(std::max(width - 32, 0), int(best.find_first_not_of(' ')));
         std::string comma = best;
         if (const size_t p = comma.find('.'); p != std::string::npos) comma[p] = ',';
         EXPECT_EQ(run("NLBEST", v, width, 0, {{172, ","}}), comma);
-        const size_t e = best.find('E'), point = best.find('.');
-        const int places = point == std::string::npos ? 0 : int((e == std::string::npos ? best.size() : e) - point - 1);
-        const int exponent = e == std::string::npos ? 0 : std::atoi(best.c_str() + e + 1);
-        EXPECT_LE(std::fabs(std::strtod(best.c_str(), nullptr) - v),
-                  0.5000001 * std::pow(10.0, exponent - places)) << best << " for " << v;
+        const size_t e = std::min(best.find('E'), best.size()), point = std::min(best.find('.'), e - 1);
+        const int exponent = e < best.size() ? std::atoi(best.c_str() + e + 1) : 0;
+        EXPECT_LE(std::fabs(std::strtod(best.c_str(), nullptr) - v), 0.5000001 * std::pow(10.0, exponent - int(e - point - 1)))
+            << best << " for " << v;
     }
     EXPECT_EQ(run("NLD", 1234.5678, 12, 0), " 1234.567800");
     EXPECT_EQ(run("NLD", 99999.9, 12, 0), "      100000");
     EXPECT_EQ(run("NLD", 0.00012, 12, 0, {{172, ","}}), "    0,000120");
     EXPECT_EQ(run("NLD", 12.5, 8, 6), "12.50000");
+    EXPECT_EQ(run("NLD", std::pow(10.0, 4) - 0.5 * std::pow(10.0, -6), 12, 0), "       10000");
 }
 
-TEST_F(Families, SymbolsTheHostCannotShowGiveTheCode) {
-    zvhost::CallSpec latin1, latin2;
-    latin1.encoding = "ISO-8859-1";
-    latin2.encoding = "ISO-8859-2";
+TEST_F(Numbers, SymbolsTheHostCannotShowGiveTheCode) {
+    zvhost::CallSpec latin1, latin2, bytes;
+    latin1.encoding = "ISO-8859-1", latin2.encoding = "ISO-8859-2", bytes.measureBytes = true;
     EXPECT_EQ(run("NLMNLEUR", 1234.5, 12, 2), "   \u20ac1,234.50");
     EXPECT_EQ(run("NLMNLEUR", 1234.5, 12, 2, {}, latin1), " EUR1,234.50");
     EXPECT_EQ(run("NLMNLCZK", 1234.5, 12, 2, {}, latin1), " CZK1,234.50");
     EXPECT_EQ(run("NLMNLCZK", 1234.5, 12, 2, {}, latin2), "  K\u010d1,234.50");
     EXPECT_EQ(run("NLMNLUSD", -1234.5, 13, 2, {}, latin1), " -US$1,234.50");
-    zvhost::CallSpec bytes;
-    bytes.measureBytes = true;
     EXPECT_EQ(run("NLMNLEUR", 1234.5, 10, 2, {}, bytes), "  \u20ac1234.50");
 }
 

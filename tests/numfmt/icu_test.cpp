@@ -15,8 +15,7 @@ using namespace icu::number;
 
 // Blanks of every kind alike, leading ones and marks of direction gone.
 std::string same(std::string s) {
-    const std::pair<std::string, std::string> swaps[] = {
-        {"\u00a0", " "}, {"\u202f", " "}, {"\u200f", ""}, {"\u200e", ""}};
+    const std::pair<std::string, std::string> swaps[] = {{"\u00a0", " "}, {"\u202f", " "}, {"\u200f", ""}, {"\u200e", ""}};
     for (const auto &[from, to] : swaps)
         for (size_t at = s.find(from); at != std::string::npos; at = s.find(from)) s.replace(at, from.size(), to);
     return s.erase(0, std::min(s.find_first_not_of(' '), s.size()));
@@ -29,67 +28,53 @@ std::string icuText(const LocalizedNumberFormatter &f, double v) {
     return same(out);
 }
 
-// ICU's currency spacing puts a blank between a symbol that ends in a
-// letter and the digits, and some patterns a sign between symbol and blank;
-// the placement figures have neither.
-bool sameMoney(const std::string &ours, const std::string &icu) {
-    if (ours == icu) return true;
-    for (size_t at = icu.find(' '); at != std::string::npos; at = icu.find(' ', at + 1)) {
-        std::string t = icu;
-        if (at > 0 && t[at - 1] == '-') t.replace(at - 1, 2, " -");
-        else t.erase(at, 1);
-        if (t == ours) return true;
-    }
-    return false;
+// ICU's currency spacing puts a blank between a symbol that ends in a letter
+// and the digits, and some patterns a sign between symbol and blank; the
+// placement figures have neither: money compares without blanks.
+std::string unspaced(std::string s) {
+    std::erase(s, ' ');
+    return s;
 }
 
 TEST(AgainstIcu, EveryLatinLocale) {
     std::mt19937_64 rng(5);
-    int compared = 0, moneyEqual = 0, moneyCompared = 0;
+    int compared = 0;
     for (const std::string &name : testsupport::latinLocales()) {
-        zvhost::Host host;
+        zvhost::Host host; // a member reads the placement of an instance's first locale
         ASSERT_NE(host.loadModule(), nullptr);
         const icu::Locale loc(name.c_str());
         UErrorCode status = U_ZERO_ERROR;
         std::unique_ptr<icu::NumberFormat> pattern(icu::NumberFormat::createInstance(loc, status));
         const auto *decimal = dynamic_cast<icu::DecimalFormat *>(pattern.get());
-        // The module groups by the first size throughout: compare without
-        // groups where the locale's sizes differ (12,34,567).
+        // The module groups by the first size throughout: no groups where the sizes differ (12,34,567).
         const bool evenGroups = decimal && decimal->getSecondaryGroupingSize() < 1;
         UChar currency[4] = {};
         ucurr_forLocale(name.c_str(), currency, 4, &status);
         std::string code;
         icu::UnicodeString(currency).toUTF8String(code);
-        const auto number = NumberFormatter::withLocale(loc).precision(Precision::fixedFraction(2))
-                                .grouping(evenGroups ? UNUM_GROUPING_ON_ALIGNED : UNUM_GROUPING_OFF);
+        const auto number = NumberFormatter::withLocale(loc).precision(Precision::fixedFraction(2)).grouping(
+            evenGroups ? UNUM_GROUPING_ON_ALIGNED : UNUM_GROUPING_OFF);
         const auto money = number.unit(icu::CurrencyUnit(currency, status));
         zvhost::CallSpec spec;
-        spec.locale = name;
-        spec.width = 32;
-        spec.decimals = 2;
+        spec.locale = name, spec.width = 32, spec.decimals = 2;
         if (!evenGroups) spec.items = {{174, "0"}, {159, "0"}};
         auto ours = [&](const std::string &row, double v) {
-            const FormatTableRow *r = zvhost::findRow(host.instance()->formatTable, row);
-            return r ? same(zvhost::runFormat(host, *r, spec, v).utf8) : std::string("no row");
+            return same(zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, row), spec, v).utf8);
         };
-        for (int i = 0; i < 2; ++i) {
+        for (int i = 0; i < 2; ++i, ++compared) {
             const double v = (rng() % 2 ? -1 : 1) * double(rng() % 100000000000ull) / 997.0;
             EXPECT_EQ(ours("NLNUM", v), icuText(number, v)) << name;
             EXPECT_EQ(ours("NLPCT", v / 100.0), icuText(number, v / 100.0 * 100.0) + "%") << name;
-            ++compared;
             if (U_FAILURE(status) || code.size() != 3) continue;
-            const std::string icu = icuText(money, v);
-            moneyEqual += sameMoney(ours("NLMNY", v), icu);
-            ++moneyCompared;
+            EXPECT_EQ(unspaced(ours("NLMNY", v)), unspaced(icuText(money, v))) << name;
             // A member shows the code in the place of the locale's symbol.
             const std::string intl = icuText(money.unitWidth(UNUM_UNIT_WIDTH_ISO_CODE), v);
             if (zvhost::findRow(host.instance()->formatTable, "NLMNI" + code)) {
-                EXPECT_TRUE(sameMoney(ours("NLMNI" + code, v), intl)) << name << " " << intl;
+                EXPECT_EQ(unspaced(ours("NLMNI" + code, v)), unspaced(intl)) << name;
             }
         }
     }
     EXPECT_GT(compared, 500);
-    EXPECT_GT(moneyEqual, moneyCompared * 9 / 10);
 }
 
 } // namespace

@@ -8,8 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
-#include <utility>
+#include <numeric>
 
 #include "numfmt/fixture.hpp"
 
@@ -47,9 +46,7 @@ inline std::pair<std::string, bool> plainForm(double v, int width, int decimals)
 }
 
 inline size_t utf8Bytes(const std::u16string &s) {
-    size_t n = 0;
-    for (char16_t c : s) n += c < 0x80 ? 1 : c < 0x800 ? 2 : 3;
-    return n;
+    return std::accumulate(s.begin(), s.end(), size_t(0), [](size_t n, char16_t c) { return n + 1 + (c >= 0x80) + (c >= 0x800); });
 }
 
 // The host's digits rebuilt: the integer part grouped (size 0: not), the
@@ -81,10 +78,10 @@ inline std::pair<std::u16string, bool> dress(const Context &c, double v, const s
     return {r, size > 0 && whole.size() > size_t(size)};
 }
 
+// The measure (UTF-8 bytes where asked and the units fit); the text right-aligned in the field.
 inline long measure(const Context &c, const std::u16string &r, int width) {
     return long(c.bytes && r.size() <= size_t(width) ? utf8Bytes(r) : r.size());
 }
-
 inline std::u16string rightAligned(const std::u16string &text, int width) {
     return std::u16string(size_t(width) - text.size(), u' ') + text;
 }
@@ -92,26 +89,37 @@ inline std::u16string rightAligned(const std::u16string &text, int width) {
 // The locale number engine: thousands separators go first, then decimals one
 // by one (a text that begins "0." first gets one try a place narrower), then
 // the host is asked for a field narrower by the excess, and by one more each
-// time; stars at the end.
-inline std::u16string renderModel(const Context &c, double v, int width, int decimals) {
+// time; stars at the end. The per-currency core (`member`): the separators
+// go, then the symbol, then the host's field narrows by the excess once, and
+// last the host's plain number stands.
+inline std::u16string renderModel(const Context &c, double v, int width, int decimals, bool member = false) {
     const std::u16string stars(size_t(width), u'*');
     const size_t pointMeasure = c.bytes ? utf8Bytes(c.point) : c.point.size();
-    if (c.point.empty()) decimals = 0;
-    bool grouping = true, used = false, zeroPoint = false;
+    if (c.point.empty() && !member) decimals = 0;
+    bool grouping = true, used = false, zeroPoint = false, symbol = true;
     for (int narrowing = 0;;) {
-        auto [t, gaveUp] = plainForm(v, width - narrowing, decimals);
-        if ((gaveUp && t.find('*') != std::string::npos) || width - narrowing < 1) return stars;
+        auto [t, gaveUp] = plainForm(v, member ? width : width - narrowing, decimals);
+        if (member && int(t.size()) >= width) t = plainForm(v, width - narrowing, decimals).first;
+        if (!member && gaveUp && t.find('*') != std::string::npos) return stars;
         if (decimals > 0 && t.rfind("0.", 0) == 0) zeroPoint = true;
         if (t[0] == '-') t.erase(0, 1);
         const size_t e = t.find('E'), point = t.find('.');
         const bool split = point != std::string::npos && (e != std::string::npos || decimals > 0);
-        if (!split && decimals > 0) grouping = false;
-        const auto [r, groups] = dress(c, v, t.substr(0, point), split ? t.substr(point + 1) : "",
-                                       grouping && e == std::string::npos ? c.size : 0, true);
+        if (!split && decimals > 0 && !member) grouping = false;
+        const auto [r, groups] = dress(c, v, split ? t.substr(0, point) : t, split ? t.substr(point + 1) : "",
+                                       grouping && e == std::string::npos ? c.size : 0, symbol);
         used = used || groups;
         const long m = measure(c, r, width);
         if (m <= width) return rightAligned(r, width);
-        if (grouping && used) {
+        if (member) {
+            if (grouping || symbol) {
+                symbol = grouping && symbol;
+                grouping = false;
+            } else if (narrowing > 0 || (narrowing = std::min(int(m - width), width - 1)) < 1) {
+                const std::string plain = plainForm(v, width, decimals).first;
+                return rightAligned(std::u16string(plain.begin(), plain.end()), width);
+            }
+        } else if (grouping && used) {
             grouping = false;
         } else if (decimals > 0) {
             if (zeroPoint && narrowing == 0) narrowing = 1;
@@ -123,33 +131,6 @@ inline std::u16string renderModel(const Context &c, double v, int width, int dec
             return stars;
         }
     }
-}
-
-// The per-currency core: the separators go, then the symbol, then the host's
-// field narrows by the excess once, and last the host's plain number stands.
-inline std::u16string memberModel(const Context &c, double v, int width, int decimals) {
-    bool grouping = true, symbol = true;
-    for (int narrowing = 0;;) {
-        std::string t = plainForm(v, width, decimals).first;
-        if (int(t.size()) >= width) t = plainForm(v, width - narrowing, decimals).first;
-        if (t[0] == '-') t.erase(0, 1);
-        const size_t e = t.find('E'), point = t.find('.');
-        const bool split = point != std::string::npos && ((e != std::string::npos && e > 0) || decimals != 0);
-        const std::u16string r = dress(c, v, split ? t.substr(0, point) : t, split ? t.substr(point + 1) : "",
-                                       grouping && e == std::string::npos ? c.size : 0, symbol).first;
-        const long m = measure(c, r, width);
-        if (m <= width) return rightAligned(r, width);
-        if (grouping || symbol) {
-            symbol = grouping && symbol;
-            grouping = false;
-        } else if (narrowing == 0 && (narrowing = std::min(int(m - width), width - 1)) >= 1) {
-            continue;
-        } else {
-            break;
-        }
-    }
-    const std::string plain = plainForm(v, width, decimals).first;
-    return rightAligned(std::u16string(plain.begin(), plain.end()), width);
 }
 
 } // namespace numtest

@@ -15,12 +15,14 @@
 namespace numtest {
 
 // A number context as the engine should see it.
+// Placement trios: symbol precedes, symbol spaced, sign position. `size`:
+// the first group size; `bytes`: the measure is in UTF-8 bytes.
 struct Context {
     std::u16string symbol, point, group;
-    int size = 0; // the first group size
+    int size = 0;
     std::u16string plus, minus;
-    std::array<int, 3> positive{}, negative{}; // symbol precedes, symbol spaced, sign position
-    bool bytes = false;                        // measured in UTF-8 bytes
+    std::array<int, 3> positive{}, negative{};
+    bool bytes = false;
 };
 
 // The host's plain form in `width` places: the digits with `decimals`

@@ -14,10 +14,7 @@ namespace {
 using namespace numtest;
 
 // Item texts and what the engine should make of them.
-struct Choice {
-    const char *raw;
-    std::u16string units;
-};
+using Choice = std::pair<const char *, std::u16string>;
 const Choice kPoints[] = {{".", u"."}, {",", u","}, {"", u""}, {"::", u"::"}, {"<U066B>", u"\u066b"}};
 const Choice kGroups[] = {{",", u","}, {".", u"."}, {"", u""}, {"<U00A0>", u"\u00a0"}, {"''", u"''"}};
 const Choice kSizes[] = {{"3", u"3"}, {"0", u""}, {"", u""}, {"2", u"2"}, {"3;2", u"3"}};
@@ -40,13 +37,13 @@ TEST(Engine, AgreesWithTheRulesAtEveryWidth) {
         int trio[6]; // precedes, spaced, sign position; positive then negative
         for (int k = 0; k < 6; ++k) trio[k] = int(rng() % (k % 3 == 2 ? 5 : 2));
         zvhost::CallSpec spec;
-        spec.items = baseItems({{172, point.raw}, {173, group.raw}, {174, size.raw}, {175, plus.raw}, {176, minus.raw},
-                                {157, point.raw}, {158, group.raw}, {159, size.raw}, {160, plus.raw}, {161, minus.raw},
-                                {156, symbol.raw}, {155, intl.raw}});
+        spec.items = baseItems({{172, point.first}, {173, group.first}, {174, size.first}, {175, plus.first}, {176, minus.first},
+                                {157, point.first}, {158, group.first}, {159, size.first}, {160, plus.first}, {161, minus.first},
+                                {156, symbol.first}, {155, intl.first}});
         const int numberItems[6] = {177, 178, 181, 179, 180, 182}, moneyItems[6] = {164, 165, 168, 166, 167, 169};
         for (int k = 0; k < 6; ++k) spec.items[numberItems[k]] = spec.items[moneyItems[k]] = std::to_string(trio[k]);
-        Context c{u"", point.units, group.units, size.units.empty() ? 0 : size.units[0] - u'0', plus.units,
-                  minus.units, {trio[0], trio[1], trio[2]}, {trio[3], trio[4], trio[5]}, rng() % 3 == 0};
+        Context c{u"", point.second, group.second, size.second.empty() ? 0 : size.second[0] - u'0', plus.second,
+                  minus.second, {trio[0], trio[1], trio[2]}, {trio[3], trio[4], trio[5]}, rng() % 3 == 0};
         spec.measureBytes = c.bytes;
         const std::string row = rows[i % 6];
         const bool percent = row.rfind("NLPCT", 0) == 0;
@@ -55,7 +52,7 @@ TEST(Engine, AgreesWithTheRulesAtEveryWidth) {
         member.symbol = std::u16string(code.begin(), code.end());
         if (row == "NLNUMI" || row == "NLPCTI") c.point = u".", c.group = u",", c.size = 3;
         if (percent) c.symbol = u"%", c.positive = c.negative = {0, 0, 1};
-        if (row == "NLMNY" || row == "NLMNYI") c.symbol = row == "NLMNY" ? symbol.units : intl.units;
+        if (row == "NLMNY" || row == "NLMNYI") c.symbol = row == "NLMNY" ? symbol.second : intl.second;
         const double v = i % 4 ? (rng() % 2 ? -1 : 1) * std::uniform_real_distribution<double>(1, 10)(rng) *
                                      std::pow(10.0, int(rng() % 20) - 8) : kSpecial[(i / 4) % std::size(kSpecial)];
         spec.decimals = int(rng() % 6);
@@ -69,7 +66,6 @@ TEST(Engine, AgreesWithTheRulesAtEveryWidth) {
             const size_t digits = size_t(std::count_if(want.begin(), std::find(want.begin(), want.end(), u'E'),
                                                        [](char16_t u) { return u >= u'0' && u <= u'9'; }));
             EXPECT_GE(digits, std::exchange(lastDigits, digits)) << what;
-            if (spec.width < 8) continue;
             const zvhost::FormatResult m =
                 zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, "NLMNI" + code), spec, v);
             ASSERT_EQ(zvhost::utf8(m.wide), zvhost::utf8(renderModel(member, v, spec.width, spec.decimals, true))) << code << what;

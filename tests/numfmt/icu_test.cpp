@@ -23,9 +23,7 @@ std::string same(std::string s) {
 
 std::string icuText(const LocalizedNumberFormatter &f, double v) {
     UErrorCode status = U_ZERO_ERROR;
-    std::string out;
-    f.formatDouble(v, status).toString(status).toUTF8String(out);
-    return same(out);
+    return same(f.formatDouble(v, status).toString(status).toUTF8String(*std::make_unique<std::string>()));
 }
 
 // ICU's currency spacing puts a blank between a symbol that ends in a letter

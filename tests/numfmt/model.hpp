@@ -80,10 +80,7 @@ inline std::pair<std::u16string, bool> dress(const Context &c, double v, const s
     return {r, size > 0 && whole.size() > size_t(size)};
 }
 
-// The measure (UTF-8 bytes where asked and the units fit); the text right-aligned in the field.
-inline long measure(const Context &c, const std::u16string &r, int width) {
-    return long(c.bytes && r.size() <= size_t(width) ? utf8Bytes(r) : r.size());
-}
+// The text right-aligned in the field.
 inline std::u16string rightAligned(const std::u16string &text, int width) {
     return std::u16string(size_t(width) - text.size(), u' ') + text;
 }
@@ -111,7 +108,7 @@ inline std::u16string renderModel(const Context &c, double v, int width, int dec
         const auto [r, groups] = dress(c, v, split ? t.substr(0, point) : t, split ? t.substr(point + 1) : "",
                                        grouping && e == std::string::npos ? c.size : 0, symbol);
         used = used || groups;
-        const long m = measure(c, r, width);
+        const long m = long(c.bytes && r.size() <= size_t(width) ? utf8Bytes(r) : r.size()); // UTF-8 bytes where asked
         if (m <= width) return rightAligned(r, width);
         if (member) {
             if (grouping || symbol) {

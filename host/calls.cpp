@@ -61,6 +61,16 @@ std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec,
     return {};
 }
 
+// Runs an entry; a per-currency row runs under the instance's lock, and the
+// snapshot it leaves is no column's.
+template <typename Run>
+int32_t runEntry(Host &host, const FormatTableRow &row, Run run) {
+    if (!sharesInstance(row)) return run();
+    std::lock_guard<std::mutex> guard(host.instanceLock());
+    host.snapshotOwner() = nullptr;
+    return run();
+}
+
 // What the call left in formatPool (its locale block; a byte entry's block
 // never even comes back to the caller's record) is given back once the record
 // is gone.
@@ -98,6 +108,12 @@ std::vector<const FormatTableRow *> tableRows(const FormatTableRow *table) {
 
 bool isInformat(const FormatTableRow &row) { return row.name[0] == u'@' || row.sourceKind == ZV_KIND_TEXT; }
 
+bool sharesInstance(const FormatTableRow &row) {
+    const std::string name = rowName(row);
+    const std::string_view bare = std::string_view(name).substr(name.starts_with('@') ? 1 : 0);
+    return bare.starts_with("NLMNI") || bare.starts_with("NLMNL");
+}
+
 FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &spec, double value) {
     FormatResult result;
     if ((spec.entry == Entry::Wide && !row.wideEntry) || (spec.entry == Entry::Byte && !row.byteEntry)) {
@@ -119,7 +135,7 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
         std::vector<char16_t> out(size_t(capacity) + kGuard, kWideSentinel);
         call.output = out.data();
         const FormatCall before = call;
-        result.status = row.wideEntry(&call, nullptr);
+        result.status = runEntry(host, row, [&] { return row.wideEntry(&call, nullptr); });
         result.fieldsChanged = !onlyResultsChanged(before, call);
         result.outputLength = call.outputLength;
         for (size_t i = size_t(capacity); i < out.size(); ++i) result.overran |= out[i] != kWideSentinel;
@@ -136,7 +152,7 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
     std::vector<uint8_t> out(room, kByteSentinel);
     call.output = out.data();
     const FormatCall before = call;
-    result.status = row.byteEntry(&call, nullptr, nullptr);
+    result.status = runEntry(host, row, [&] { return row.byteEntry(&call, nullptr, nullptr); });
     result.fieldsChanged = !onlyResultsChanged(before, call);
     result.outputLength = call.outputLength;
     for (size_t i = size_t(capacity); i < out.size(); ++i) result.overran |= out[i] != kByteSentinel;
@@ -174,7 +190,7 @@ ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &sp
     call.outputCapacity = spec.outputCapacity < 0 ? 0 : spec.outputCapacity;
     const FormatCall before = call;
     const int64_t mark = host.formatPool().serial();
-    result.status = row.wideEntry(&call, nullptr);
+    result.status = runEntry(host, row, [&] { return row.wideEntry(&call, nullptr); });
     result.fieldsChanged = !onlyResultsChanged(before, call);
     result.bits = std::bit_cast<uint64_t>(output);
     result.value = output;

@@ -12,7 +12,8 @@ job="${1:-demo}"
 JOBS="${JOBS:-2}"
 
 packages=(cmake ninja-build g++ clang libclang-rt-14-dev libicu-dev libgtest-dev libgmock-dev
-          libbenchmark-dev nlohmann-json3-dev llvm-14)
+          libbenchmark-dev nlohmann-json3-dev llvm-14 python3-dev python3-numpy python3-pandas pybind11-dev
+          python3-pytest python3-babel python3-dask python3-distributed)
 
 install_missing() {
     local missing=()

@@ -2,7 +2,7 @@
 # Sets up a Debian machine for zvlocfmt, builds it and runs one job:
 #   ./dev.sh demo    release build, then a tour of zvfmt
 #   ./dev.sh test    debug and ASan+UBSan builds, the whole test suite, short fuzz runs
-#   ./dev.sh bench   release build, then the benchmarks
+#   ./dev.sh bench   release build, then the benchmarks (C++, then Python beside Babel and pandas)
 #   ./dev.sh coverage  clang source-based coverage of the suite: lines and branches of src/ and host/
 #   ./dev.sh stats   lines of product and of tests (non-blank, non-comment) and their ratio
 set -euo pipefail
@@ -97,8 +97,10 @@ case "$job" in
         echo "== all tests passed"
         ;;
     bench)
-        build release --target zvbench
+        build release --target zvbench --target zvpython
         ./build/release/zvbench "${@:2}"
+        echo "== the Python module beside Babel and pandas"
+        PYTHONPATH="$PWD/build/release/python" /usr/bin/python3 bench/python_bench.py
         ;;
     coverage)
         coverage

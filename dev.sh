@@ -2,7 +2,7 @@
 # Sets up a Debian machine for zvlocfmt, builds it and runs one job:
 #   ./dev.sh demo    release build, then a tour of zvfmt
 #   ./dev.sh test    debug and ASan+UBSan builds, the whole test suite, short fuzz runs
-#   ./dev.sh bench   release build, then the benchmarks
+#   ./dev.sh bench   release build, then the benchmarks (C++, then Python beside Babel and pandas)
 #   ./dev.sh coverage  clang source-based coverage of the suite: lines and branches of src/ and host/
 #   ./dev.sh stats   lines of product and of tests (non-blank, non-comment) and their ratio
 set -euo pipefail
@@ -12,7 +12,8 @@ job="${1:-demo}"
 JOBS="${JOBS:-2}"
 
 packages=(cmake ninja-build g++ clang libclang-rt-14-dev libicu-dev libgtest-dev libgmock-dev
-          libbenchmark-dev nlohmann-json3-dev llvm-14 pkgconf)
+          libbenchmark-dev nlohmann-json3-dev llvm-14 pkgconf python3-dev python3-numpy python3-pandas
+          pybind11-dev python3-pytest python3-babel python3-dask python3-distributed)
 
 install_missing() {
     local missing=()
@@ -96,8 +97,10 @@ case "$job" in
         echo "== all tests passed"
         ;;
     bench)
-        build release --target zvbench
+        build release --target zvbench --target zvpython
         ./build/release/zvbench "${@:2}"
+        echo "== the Python module beside Babel and pandas"
+        PYTHONPATH="$PWD/build/release/python" /usr/bin/python3 bench/python_bench.py
         ;;
     coverage)
         coverage

@@ -84,6 +84,16 @@ std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec,
     return {};
 }
 
+// Runs an entry; a per-currency row runs under the instance's lock, and the
+// snapshot it leaves is no column's.
+template <typename Run>
+int32_t runEntry(Host &host, const FormatTableRow &row, Run run) {
+    if (!sharesInstance(row)) return run();
+    std::lock_guard<std::mutex> guard(host.instanceLock());
+    host.snapshotOwner() = nullptr;
+    return run();
+}
+
 // What the call left in formatPool (its locale block; a byte entry's block
 // never even comes back to the caller's record) is given back once the record
 // is gone.
@@ -121,38 +131,13 @@ std::vector<const FormatTableRow *> tableRows(const FormatTableRow *table) {
 
 bool isInformat(const FormatTableRow &row) { return row.name[0] == u'@' || row.sourceKind == ZV_KIND_TEXT; }
 
-namespace {
-
-// UTF-16 to UTF-8 without a detour; a lone surrogate becomes U+FFFD.
-void appendUtf8(std::string &out, std::u16string_view text) {
-    const size_t start = out.size();
-    out.resize(start + text.size() * 3);
-    char *p = out.data() + start;
-    for (size_t i = 0; i < text.size(); ++i) {
-        char32_t c = text[i];
-        if (c < 0x80) {
-            *p++ = char(c);
-            continue;
-        }
-        if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF)
-            c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
-        else if (c >= 0xD800 && c <= 0xDFFF)
-            c = 0xFFFD;
-        if (c < 0x800) {
-            *p++ = char(0xC0 | (c >> 6));
-        } else {
-            if (c < 0x10000) {
-                *p++ = char(0xE0 | (c >> 12));
-            } else {
-                *p++ = char(0xF0 | (c >> 18));
-                *p++ = char(0x80 | ((c >> 12) & 0x3F));
-            }
-            *p++ = char(0x80 | ((c >> 6) & 0x3F));
-        }
-        *p++ = char(0x80 | (c & 0x3F)); // a pair of surrogates took 6 of the room and gives 4
-    }
-    out.resize(size_t(p - out.data()));
+bool sharesInstance(const FormatTableRow &row) {
+    const std::string name = rowName(row);
+    const std::string_view bare = std::string_view(name).substr(name.starts_with('@') ? 1 : 0);
+    return bare.starts_with("NLMNI") || bare.starts_with("NLMNL");
 }
+
+namespace {
 
 // How a call's target is read back.
 struct Target {
@@ -188,14 +173,14 @@ void formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, dou
         out.assign(size_t(capacity) + kGuard, kWideSentinel);
         call.output = out.data();
         const FormatCall before = call;
-        result.status = row.wideEntry(&call, nullptr);
+        result.status = runEntry(host, row, [&] { return row.wideEntry(&call, nullptr); });
         result.fieldsChanged = !onlyResultsChanged(before, call);
         result.outputLength = call.outputLength;
         result.overran = std::find_if(out.begin() + capacity, out.end(), [](char16_t c) { return c != kWideSentinel; }) != out.end();
         size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
         if (target.onlyWritten) n = writtenUnits(out.data(), n);
         result.wide.assign(out.data(), n);
-        appendUtf8(result.utf8, result.wide);
+        appendUtf8(result.wide, result.utf8);
         reclaim(host, mark);
         return;
     }
@@ -207,7 +192,7 @@ void formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, dou
     out.assign(room, kByteSentinel);
     call.output = out.data();
     const FormatCall before = call;
-    result.status = row.byteEntry(&call, nullptr, nullptr);
+    result.status = runEntry(host, row, [&] { return row.byteEntry(&call, nullptr, nullptr); });
     result.fieldsChanged = !onlyResultsChanged(before, call);
     result.outputLength = call.outputLength;
     result.overran = std::find_if(out.begin() + capacity, out.end(), [](uint8_t c) { return c != kByteSentinel; }) != out.end();
@@ -231,7 +216,7 @@ void formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, dou
             result.wide.assign(wide.data(), size_t(produced / 2));
         }
     }
-    appendUtf8(result.utf8, result.wide);
+    appendUtf8(result.wide, result.utf8);
     if (target.onlyWritten && result.status == 0 && row.wideEntry) {
         // The byte entry cuts a date that doesn't fit at what fitted and
         // says 0: the wide text of the same call shows what was meant.
@@ -262,7 +247,7 @@ ReadResult readWith(Host &host, const CallSpec &spec, const FormatTableRow &row,
     call.outputLength = 0;
     const FormatCall before = call;
     const int64_t mark = host.formatPool().serial();
-    result.status = row.wideEntry(&call, nullptr);
+    result.status = runEntry(host, row, [&] { return row.wideEntry(&call, nullptr); });
     result.fieldsChanged = !onlyResultsChanged(before, call);
     result.bits = std::bit_cast<uint64_t>(output);
     result.value = output;

@@ -13,7 +13,9 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <atomic>
 #include <cstring>
+#include <mutex>
 #include <set>
 #include <unordered_map>
 
@@ -293,6 +295,13 @@ struct FaultClock {
 
 char chrtabHandle = 0;
 
+// The most entries the events log keeps.
+constexpr size_t kMostEvents = size_t(1) << 16;
+
+// Counters are bumped from whatever thread runs a call; a column on one thread
+// and a column on another may both ask for character classes at once.
+void bump(int64_t &counter) { std::atomic_ref<int64_t>(counter).fetch_add(1, std::memory_order_relaxed); }
+
 } // namespace
 
 // ---------------------------------------------------------------------------
@@ -335,6 +344,14 @@ struct Host::Impl {
     HostCounters counters;
     std::vector<std::string> events; // releases and teardowns, in order
 
+    // Guards the caches (locales, transcoders) and the events: the module may
+    // open a locale or a transcoder in the middle of a call on any thread.
+    std::mutex cacheLock;
+    // Guards what the module's instance shares between calls, for callers on
+    // several threads; and who last filled the instance's item snapshot.
+    std::mutex instanceLock;
+    const void *snapshotOwner = nullptr;
+
     static Impl *of(HostAnchor *a) { return a ? reinterpret_cast<AnchorRecord *>(a)->host : nullptr; }
     static Impl *of(NlsServices *n) { return n ? reinterpret_cast<NlsRecord *>(n)->host : nullptr; }
 
@@ -368,7 +385,7 @@ struct Host::Impl {
                               int64_t *size) {
         Impl *h = of(a);
         if (!h) return kBadRequest;
-        ++h->counters.optionReads;
+        bump(h->counters.optionReads);
         if (type != 3 || !value || (size && *size < 8)) return kBadRequest;
         auto it = h->options.find(narrow(name, length));
         if (it == h->options.end()) return kOptionNotSet;
@@ -380,7 +397,7 @@ struct Host::Impl {
     static int32_t readClock(HostAnchor *a, int32_t size, double *clock, uint32_t) {
         Impl *h = of(a);
         if (!h || !clock || size < 16) return kBadRequest;
-        ++h->counters.clockReads;
+        bump(h->counters.clockReads);
         if (h->fixedClock) {
             clock[0] = h->fixedClock->first;
             clock[1] = h->fixedClock->second;
@@ -402,18 +419,21 @@ struct Host::Impl {
     static void *loadModule(HostAnchor *a, const char *name, int64_t length, int32_t) {
         Impl *h = of(a);
         if (!h || !name || length != 8 || std::memcmp(name, "zvchrtab", 8) != 0) return nullptr;
-        ++h->counters.charModuleLoads;
+        bump(h->counters.charModuleLoads);
         return &chrtabHandle;
     }
 
     // ---- NLS operations
     HostTranscoder *newTranscoder(uint32_t from, uint32_t to) {
+        std::lock_guard<std::mutex> guard(cacheLock);
         if (transcoderClock.tick(faults.failCreateTranscoder)) return nullptr;
         HostTranscoder *t = makeTranscoder(from, to, [this](HostTranscoder *gone) {
             if (dying) return;
+            std::lock_guard<std::mutex> guard(cacheLock);
             madeTranscoders.erase(gone);
             ++counters.transcodersReleased;
-            events.push_back("transcoderRelease " + std::to_string(gone->sourceEncodingId) + ">" +
+            // Calls that make a transcoder each would grow the log without end; tests look at the start.
+            if (events.size() < kMostEvents) events.push_back("transcoderRelease " + std::to_string(gone->sourceEncodingId) + ">" +
                              std::to_string(gone->encodingId));
         });
         if (!t) return nullptr;
@@ -431,7 +451,9 @@ struct Host::Impl {
     }
     static HostLocale *openLocale(NlsServices *n, const ZvChar *name, int64_t length) {
         Impl *h = of(n);
-        if (!h || h->localeClock.tick(h->faults.failOpenLocale)) return nullptr;
+        if (!h) return nullptr;
+        std::lock_guard<std::mutex> guard(h->cacheLock);
+        if (h->localeClock.tick(h->faults.failOpenLocale)) return nullptr;
         LocaleImpl *l = h->findLocale(narrow(name, length < 0 ? 0 : length), {});
         if (!l) return nullptr;
         ++h->counters.localesOpened;
@@ -440,20 +462,21 @@ struct Host::Impl {
     static HostLocale *currentLocale(NlsServices *n) {
         Impl *h = of(n);
         if (!h) return nullptr;
+        std::lock_guard<std::mutex> guard(h->cacheLock);
         LocaleImpl *l = h->findLocale(h->config.currentLocale, {});
         return l ? &l->base : nullptr;
     }
     static int32_t charClass(NlsServices *n, uint32_t c, uint32_t mask) {
-        if (Impl *h = of(n)) ++h->counters.charServiceCalls;
+        if (Impl *h = of(n)) bump(h->counters.charServiceCalls);
         if (c > 0x10FFFF) return 0;
         return int32_t((1u << categoryBit(u_charType(UChar32(c)))) & mask);
     }
     static uint32_t charUpper(NlsServices *n, uint32_t c, int32_t) {
-        if (Impl *h = of(n)) ++h->counters.charServiceCalls;
+        if (Impl *h = of(n)) bump(h->counters.charServiceCalls);
         return c > 0x10FFFF ? c : uint32_t(u_toupper(UChar32(c)));
     }
     static uint32_t charLower(NlsServices *n, uint32_t c, int32_t) {
-        if (Impl *h = of(n)) ++h->counters.charServiceCalls;
+        if (Impl *h = of(n)) bump(h->counters.charServiceCalls);
         return c > 0x10FFFF ? c : uint32_t(u_tolower(UChar32(c)));
     }
 
@@ -490,6 +513,7 @@ struct Host::Impl {
     }
     static void localeRelease(HostLocale *l) {
         if (l && localeOf(l)->host) {
+            std::lock_guard<std::mutex> guard(localeOf(l)->host->cacheLock);
             ++localeOf(l)->host->counters.localesReleased;
             localeOf(l)->host->events.push_back("localeRelease " + localeOf(l)->name);
         }
@@ -556,7 +580,7 @@ const HostLocaleOps Host::Impl::kLocaleOps = {Impl::localeTextTable, Impl::forma
 int32_t Host::Impl::formatText(HostAnchor *a, void *, const ZvChar *format, int64_t formatLength,
                                ZvChar *target, int64_t capacity, int64_t *produced, int32_t,
                                const int64_t *values) {
-    if (Impl *h = of(a)) ++h->counters.formatTextCalls;
+    if (Impl *h = of(a)) bump(h->counters.formatTextCalls);
     int64_t written = 0;
     bool cut = false;
     if (!target || capacity < 0) capacity = 0;
@@ -728,6 +752,7 @@ HostJournal *Host::errorJournal() { return &impl_->errorJournal.base; }
 const JournalRecord &Host::errorJournalRecord() const { return impl_->errorJournal.record; }
 
 HostTranscoder *Host::transcoder(const std::string &encoding) {
+    std::lock_guard<std::mutex> guard(impl_->cacheLock);
     if (auto it = impl_->namedTranscoders.find(encoding); it != impl_->namedTranscoders.end()) return it->second;
     const std::optional<uint32_t> id = encodingIdOf(encoding);
     if (!id) return nullptr;
@@ -737,6 +762,7 @@ HostTranscoder *Host::transcoder(const std::string &encoding) {
 }
 
 HostLocale *Host::locale(const std::string &name, const std::map<int, std::string> &items) {
+    std::lock_guard<std::mutex> guard(impl_->cacheLock);
     LocaleImpl *l = impl_->findLocale(name, items);
     return l ? &l->base : nullptr;
 }
@@ -768,5 +794,18 @@ void Host::unloadModule() {
 }
 
 ExtensionInstance *Host::instance() { return impl_->instance; }
+
+std::mutex &Host::instanceLock() { return impl_->instanceLock; }
+const void *&Host::snapshotOwner() { return impl_->snapshotOwner; }
+
+void Host::loadCharModule() {
+    // The module stores the handle by a plain store at its first need; made
+    // here, before columns run on several threads, that store never happens.
+    NlsServices *n = nls();
+    std::lock_guard<std::mutex> guard(impl_->instanceLock);
+    if (n && !n->charModule) n->charModule = Impl::loadModule(anchor(), "zvchrtab", 8, 0);
+}
+
+std::unique_ptr<Pool> makePool(const std::string &name) { return std::make_unique<PoolImpl>(name, nullptr); }
 
 } // namespace zvhost

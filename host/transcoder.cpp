@@ -361,7 +361,8 @@ HostTranscoder *makeTranscoder(uint32_t from, uint32_t to, std::function<void(Ho
     bool ok = true;
     if (from != ZV_ENCODING_UTF16 && from != ZV_ENCODING_LOCALE_TEXT) ok = (t->decoder = openStopping(from));
     if (ok && to != ZV_ENCODING_UTF16 && to != ZV_ENCODING_LOCALE_TEXT) ok = (t->encoder = openStopping(to));
-    t->utf8Target = to == encodingIdOf("UTF-8").value_or(0);
+    static const uint32_t utf8 = encodingIdOf("UTF-8").value_or(0); // transcoders come and go per call
+    t->utf8Target = to == utf8;
     if (!ok) {
         release(&t->base);
         return nullptr;

@@ -12,6 +12,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -175,6 +176,15 @@ public:
     void unloadModule();
     ExtensionInstance *instance();
 
+    // What the module's instance shares between calls (the per-currency rows'
+    // snapshot of locale items and money record) is guarded by this lock for
+    // callers on several threads; snapshotOwner names the column whose block
+    // the snapshot was last filled from (null: a single call's).
+    std::mutex &instanceLock();
+    const void *&snapshotOwner();
+    // Loads the character module now rather than at the module's first need.
+    void loadCharModule();
+
     struct Impl;
 
 private:
@@ -192,6 +202,8 @@ std::string rowName(const FormatTableRow &row);
 // Rows of the table up to the closing blank row.
 std::vector<const FormatTableRow *> tableRows(const FormatTableRow *table);
 bool isInformat(const FormatTableRow &row);
+// The per-currency rows, which share the instance's snapshot of locale items.
+bool sharesInstance(const FormatTableRow &row);
 
 // ---------------------------------------------------------------------------
 // Calls
@@ -319,6 +331,79 @@ private:
 };
 
 // ---------------------------------------------------------------------------
+// Columns: one row run over many values with one call record, so the locale
+// block is built once. A column has its own transcoders, pool and services
+// record; distinct threads may run distinct columns of one host at once (the
+// module must be loaded first, and the host's options, clock and time zone
+// left alone meanwhile). The column must not outlive the loaded module.
+
+class ColumnFormatter {
+public:
+    // row: a row name, any case. spec: as for runFormat/runInformat
+    // (outputCapacity, fieldLimit and entry apply to every value).
+    ColumnFormatter(Host &host, std::string_view row, const CallSpec &spec);
+    ~ColumnFormatter();
+    ColumnFormatter(const ColumnFormatter &) = delete;
+    ColumnFormatter &operator=(const ColumnFormatter &) = delete;
+
+    // Why the column can't run ("unknown locale \"xx\"", ...); empty when it can.
+    const std::string &error() const { return error_; }
+    const FormatTableRow *row() const { return row_; }
+    bool informat() const { return informat_; }
+    int32_t width() const { return call_.width; }
+    // The most UTF-16 units a field can hold, and the most UTF-8 bytes.
+    int32_t fieldUnits() const { return fieldUnits_; }
+    int32_t fieldBytes() const { return 3 * fieldUnits_; }
+    // The locale block of the column, once built.
+    const LocaleBlock *block() const { return call_.localeBlock; }
+
+    // Formats one value; the text stays in text() (and, for the byte entry,
+    // the bytes as written in bytes()) until the next call.
+    int32_t format(double value);
+    std::u16string_view text() const { return {wide_.data(), textUnits_}; }
+    std::string_view bytes() const { return {reinterpret_cast<const char *>(narrow_.data()), byteCount_}; }
+    // Reads one text into value. A text that is not read leaves the plain
+    // missing value (the status says why).
+    int32_t read(std::u16string_view text, double &value);
+    int32_t read(std::string_view utf8Text, double &value);
+
+private:
+    int32_t call(void *output, int32_t capacity, bool byte);
+    Host &host_;
+    const FormatTableRow *row_ = nullptr;
+    std::string error_;
+    bool informat_ = false, byteEntry_ = false, sharesInstance_ = false;
+    FormatCall call_{};
+    HostServices services_{};
+    std::unique_ptr<Pool> pool_;
+    HostTranscoder *encoder_ = nullptr, *decoder_ = nullptr;
+    int32_t fieldUnits_ = 0;
+    std::vector<char16_t> wide_;
+    std::vector<uint8_t> narrow_;
+    size_t textUnits_ = 0, byteCount_ = 0;
+    std::u16string readBuffer_;
+};
+
+// A column of doubles formatted in one call. Fixed fields: `stride` bytes of
+// UTF-8 for each value, padded with NUL bytes, lengths[i] the bytes in use; a
+// text longer than the stride is cut at a whole character and its status is
+// ZV_TARGET_TOO_SMALL. Strings: offsets has count + 1 entries into bytes.
+// statuses may be null. The result is the column's error() (empty: done).
+std::string formatColumn(Host &host, std::string_view row, const CallSpec &spec, const double *values,
+                         size_t count, char *fields, size_t stride, int32_t *lengths, int32_t *statuses);
+std::string formatColumn(Host &host, std::string_view row, const CallSpec &spec, const double *values,
+                         size_t count, std::string &bytes, std::vector<int64_t> &offsets,
+                         std::vector<int32_t> &statuses);
+// A column of UTF-8 texts (count of them: text i is bytes[offsets[i], offsets[i+1]))
+// read in one call: values get the doubles, marks the missing marks ('.',
+// 'A'..'Z', '_', or 0 when the value is not missing); marks and statuses may be null.
+std::string readColumn(Host &host, std::string_view row, const CallSpec &spec, const char *bytes,
+                       const int64_t *offsets, size_t count, double *values, char *marks, int32_t *statuses);
+
+// UTF-16 to UTF-8 appended to out; lone surrogates become U+FFFD.
+void appendUtf8(std::u16string_view text, std::string &out);
+
+// ---------------------------------------------------------------------------
 // Values
 
 // A missing value: '.' plain, 'A'..'Z', '_' special.
@@ -348,5 +433,7 @@ inline constexpr int32_t kBadRequest = int32_t(0x803fe80cu);
 // an unknown id. Its transcoderRelease calls onRelease (if any) and frees it.
 HostTranscoder *makeTranscoder(uint32_t from, uint32_t to,
                                std::function<void(HostTranscoder *)> onRelease = {});
+// A counting pool of one's own, outside any host.
+std::unique_ptr<Pool> makePool(const std::string &name);
 
 } // namespace zvhost

@@ -639,8 +639,14 @@ private:
             if (U_FAILURE(digitStatus) || digits < 0) digits = 2;
         }
         putText(cldritem::currencySymbol, local);
-        putText(cldritem::monetaryDecimal, symbol(D::kMonetarySeparatorSymbol));
-        putText(cldritem::monetaryGroup, symbol(D::kMonetaryGroupingSeparatorSymbol));
+        // A few currencies have marks of their own (the escudo's "$" point):
+        // ICU's symbols for the locale with its currency carry them.
+        UErrorCode moneyStatus = U_ZERO_ERROR;
+        const icu::DecimalFormatSymbols moneySymbols(moneyLocale, moneyStatus);
+        const D &monetary = U_SUCCESS(moneyStatus) ? moneySymbols : symbols;
+        putText(cldritem::monetaryDecimal, twoUnits(u16(monetary.getConstSymbol(D::kMonetarySeparatorSymbol))));
+        putText(cldritem::monetaryGroup,
+                twoUnits(u16(monetary.getConstSymbol(D::kMonetaryGroupingSeparatorSymbol))));
         put(cldritem::monetaryGrouping, groupingOf(dynamic_cast<icu::DecimalFormat *>(money.get())));
         put(cldritem::monetaryPositiveSign, "");
         putText(cldritem::monetaryNegativeSign, symbol(D::kMinusSignSymbol));

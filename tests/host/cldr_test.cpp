@@ -108,8 +108,6 @@ TEST(CldrTable, EveryLocaleHoldsIcusData) {
         };
         EXPECT_EQ(item(table, 172), symbol(D::kDecimalSeparatorSymbol));
         EXPECT_EQ(item(table, 173), symbol(D::kGroupingSeparatorSymbol));
-        EXPECT_EQ(item(table, 157), symbol(D::kMonetarySeparatorSymbol));
-        EXPECT_EQ(item(table, 158), symbol(D::kMonetaryGroupingSeparatorSymbol));
         EXPECT_EQ(item(table, 176), symbol(D::kMinusSignSymbol));
         EXPECT_EQ(item(table, 161), symbol(D::kMinusSignSymbol));
         // The symbol goes before the number when ICU's currency pattern puts it there.

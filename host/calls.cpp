@@ -70,12 +70,13 @@ void setCallPart(FormatCall &call, const FormatTableRow &row, const CallSpec &sp
 }
 
 // Common preparation of a call; an error text when it can't be made.
-std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec, FormatCall &call) {
+std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec, FormatCall &call, LocaleHold &hold) {
     std::memset(&call, 0, sizeof call);
     if (!host.instance()) return "the module is not loaded";
     HostTranscoder *transcoder = host.transcoder(spec.encoding);
     if (!transcoder) return "unknown encoding " + spec.encoding;
-    HostLocale *locale = host.locale(spec.locale, spec.items);
+    hold = LocaleHold(host, spec.locale, spec.items);
+    HostLocale *locale = hold.get();
     if (!locale) return "unknown locale " + spec.locale;
     call.locale = locale;
     call.transcoder = transcoder;
@@ -273,7 +274,8 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
     result.error = entryError(row, spec, false);
     if (!result.error.empty()) return result;
     FormatCall call;
-    result.error = prepare(host, row, spec, call);
+    LocaleHold hold;
+    result.error = prepare(host, row, spec, call, hold);
     if (!result.error.empty()) return result;
     std::vector<char16_t> wide;
     std::vector<uint8_t> bytes;
@@ -286,7 +288,8 @@ ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &sp
     result.error = entryError(row, spec, true);
     if (!result.error.empty()) return result;
     FormatCall call;
-    result.error = prepare(host, row, spec, call);
+    LocaleHold hold;
+    result.error = prepare(host, row, spec, call, hold);
     if (!result.error.empty()) return result;
     return readWith(host, spec, row, utf8Text, call);
 }
@@ -296,6 +299,7 @@ ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &sp
 struct Session::Kept {
     std::string locale, encoding;
     std::map<int, std::string> items;
+    LocaleHold hold;      // the locale stays while the record does
     FormatCall call;      // locale, transcoder, services and the block
     LocaleBlock *block = nullptr;
 };
@@ -325,12 +329,14 @@ Session::Kept *Session::kept(const CallSpec &spec, std::string &error) {
         error = "unknown encoding " + spec.encoding;
         return nullptr;
     }
-    HostLocale *locale = host_.locale(spec.locale, spec.items);
+    LocaleHold hold(host_, spec.locale, spec.items);
+    HostLocale *locale = hold.get();
     if (!locale) {
         error = "unknown locale " + spec.locale;
         return nullptr;
     }
     auto k = std::make_unique<Kept>();
+    k->hold = std::move(hold);
     k->locale = spec.locale;
     k->encoding = spec.encoding;
     k->items = spec.items;

@@ -107,7 +107,8 @@ ColumnFormatter::ColumnFormatter(Host &host, std::string_view rowName, const Cal
         error_ = zvhost::rowName(*row_) + " is not built yet";
         return;
     }
-    HostLocale *locale = host.locale(spec.locale, spec.items);
+    hold_ = LocaleHold(host, spec.locale, spec.items);
+    HostLocale *locale = hold_.get();
     if (!locale) {
         error_ = "unknown locale \"" + spec.locale + "\"";
         return;

@@ -216,7 +216,14 @@ struct LocaleImpl {
     std::map<int, std::string> items;
     std::vector<uint8_t> table; // built on first use when empty
     bool built = false;
+    int64_t holds = 0;    // who may still use it: the cache never frees it meanwhile
+    uint64_t lastUse = 0; // the cache's clock at the latest request for it
 };
+
+// Locales the host keeps at most, with or without item overrides; beyond that
+// the least recently used one that nothing holds goes first. Each costs its
+// table of some 40 kB.
+constexpr size_t kMostLocales = 128;
 
 struct TimeZoneImpl {
     HostTimeZone base;
@@ -333,6 +340,7 @@ struct Host::Impl {
     bool dying = false;
 
     std::map<std::pair<std::string, std::map<int, std::string>>, std::unique_ptr<LocaleImpl>> locales;
+    uint64_t useClock = 0;
     std::unique_ptr<LocaleImpl> numberFormatter;
     std::map<std::string, std::unique_ptr<TimeZoneImpl>> zones;
 
@@ -457,6 +465,7 @@ struct Host::Impl {
         LocaleImpl *l = h->findLocale(narrow(name, length < 0 ? 0 : length), {});
         if (!l) return nullptr;
         ++h->counters.localesOpened;
+        ++l->holds; // until localeRelease
         return &l->base;
     }
     static HostLocale *currentLocale(NlsServices *n) {
@@ -464,6 +473,7 @@ struct Host::Impl {
         if (!h) return nullptr;
         std::lock_guard<std::mutex> guard(h->cacheLock);
         LocaleImpl *l = h->findLocale(h->config.currentLocale, {});
+        if (l && l->holds == 0) l->holds = 1; // a call may use it at any time: it stays
         return l ? &l->base : nullptr;
     }
     static int32_t charClass(NlsServices *n, uint32_t c, uint32_t mask) {
@@ -514,6 +524,7 @@ struct Host::Impl {
     static void localeRelease(HostLocale *l) {
         if (l && localeOf(l)->host) {
             std::lock_guard<std::mutex> guard(localeOf(l)->host->cacheLock);
+            if (localeOf(l)->holds > 0) --localeOf(l)->holds;
             ++localeOf(l)->host->counters.localesReleased;
             localeOf(l)->host->events.push_back("localeRelease " + localeOf(l)->name);
         }
@@ -532,15 +543,44 @@ struct Host::Impl {
         return l;
     }
 
+    // The cached locale of that name and items, made on first request; the
+    // caller holds cacheLock.
     LocaleImpl *findLocale(const std::string &name, const std::map<int, std::string> &items) {
         auto key = std::make_pair(name, items);
-        if (auto it = locales.find(key); it != locales.end()) return it->second.get();
+        if (auto it = locales.find(key); it != locales.end()) {
+            it->second->lastUse = ++useClock;
+            return it->second.get();
+        }
         if (name.empty() || name.size() > 100) return nullptr;
         auto l = newLocale(name, items);
-        if (!ensureTable(l.get())) return nullptr;
+        if (items.empty()) {
+            if (!ensureTable(l.get())) return nullptr;
+        } else {
+            // Overrides go over a copy of the plain locale's table, built once.
+            LocaleImpl *plain = findLocale(name, {});
+            if (!plain) return nullptr;
+            l->table = plain->table;
+            for (auto &[item, raw] : items) setRawItem(l->table, item, raw);
+            l->built = true;
+        }
+        l->lastUse = ++useClock;
         LocaleImpl *raw = l.get();
         locales.emplace(std::move(key), std::move(l));
+        evictLocales(raw);
         return raw;
+    }
+
+    // Frees least recently used locales that nothing holds, down to the limit.
+    void evictLocales(const LocaleImpl *keep) {
+        while (locales.size() > kMostLocales) {
+            auto oldest = locales.end();
+            for (auto it = locales.begin(); it != locales.end(); ++it)
+                if (it->second.get() != keep && it->second->holds == 0 &&
+                    (oldest == locales.end() || it->second->lastUse < oldest->second->lastUse))
+                    oldest = it;
+            if (oldest == locales.end()) return; // all held: the cache waits for a release
+            locales.erase(oldest);
+        }
     }
 
     TimeZoneImpl *findZone(const std::string &iana) {
@@ -759,6 +799,31 @@ HostTranscoder *Host::transcoder(const std::string &encoding) {
     HostTranscoder *t = makeTranscoder(ZV_ENCODING_UTF16, *id);
     if (t) impl_->namedTranscoders[encoding] = t;
     return t;
+}
+
+void Host::holdLocale(HostLocale *locale) {
+    if (!locale) return;
+    std::lock_guard<std::mutex> guard(impl_->cacheLock);
+    ++Impl::localeOf(locale)->holds;
+}
+
+HostLocale *Host::heldLocale(const std::string &name, const std::map<int, std::string> &items) {
+    std::lock_guard<std::mutex> guard(impl_->cacheLock);
+    LocaleImpl *l = impl_->findLocale(name, items);
+    if (!l) return nullptr;
+    ++l->holds;
+    return &l->base;
+}
+
+void Host::dropLocale(HostLocale *locale) {
+    if (!locale) return;
+    std::lock_guard<std::mutex> guard(impl_->cacheLock);
+    if (Impl::localeOf(locale)->holds > 0) --Impl::localeOf(locale)->holds;
+}
+
+size_t Host::localesKept() const {
+    std::lock_guard<std::mutex> guard(impl_->cacheLock);
+    return impl_->locales.size();
 }
 
 HostLocale *Host::locale(const std::string &name, const std::map<int, std::string> &items) {

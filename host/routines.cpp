@@ -123,7 +123,8 @@ RoutineResult runRoutine(Host &host, const Routine &routine, const CallSpec &spe
     }
     FormatCall call;
     std::memset(&call, 0, sizeof call);
-    call.locale = host.locale(spec.locale, spec.items);
+    const LocaleHold hold(host, spec.locale, spec.items);
+    call.locale = hold.get();
     call.transcoder = host.transcoder(spec.encoding);
     if (!call.locale || !call.transcoder) {
         result.error = call.locale ? "unknown encoding " + spec.encoding : "unknown locale " + spec.locale;

@@ -167,7 +167,17 @@ public:
     // A locale owned by the host, cached by name and items. `items` replace
     // raw items of the table (item number to raw text, <Uxxxx> escapes
     // allowed) before any block is built from it. Null if unknown.
+    // The cache keeps at most 128 locales: the least recently asked for that
+    // nothing holds is freed first. A locale used beyond the next few
+    // requests, or on another thread meanwhile, must be held (LocaleHold).
+    // The module's own opens and the current locale are held by the host.
     HostLocale *locale(const std::string &name, const std::map<int, std::string> &items = {});
+    // The same, held for the caller until dropLocale (see LocaleHold).
+    HostLocale *heldLocale(const std::string &name, const std::map<int, std::string> &items = {});
+    void holdLocale(HostLocale *locale);
+    void dropLocale(HostLocale *locale);
+    // Locales in the cache now.
+    size_t localesKept() const;
 
     // The module: zvextent, then zvlocfmt with the error journal, then the
     // instance joins extensionList. Null (and nothing listed) on failure.
@@ -189,6 +199,35 @@ public:
 
 private:
     std::unique_ptr<Impl> impl_;
+};
+
+// Holds a locale of the host's cache for as long as it lives.
+class LocaleHold {
+public:
+    LocaleHold() = default;
+    // Holds the locale of that name and items; null (get()) if unknown.
+    LocaleHold(Host &host, const std::string &name, const std::map<int, std::string> &items = {})
+        : host_(&host), locale_(host.heldLocale(name, items)) {}
+    HostLocale *get() const { return locale_; }
+    ~LocaleHold() { reset(); }
+    LocaleHold(const LocaleHold &) = delete;
+    LocaleHold &operator=(const LocaleHold &) = delete;
+    LocaleHold(LocaleHold &&other) noexcept : host_(other.host_), locale_(other.locale_) { other.locale_ = nullptr; }
+    LocaleHold &operator=(LocaleHold &&other) noexcept {
+        if (this != &other) {
+            reset();
+            host_ = other.host_, locale_ = other.locale_, other.locale_ = nullptr;
+        }
+        return *this;
+    }
+    void reset() {
+        if (host_ && locale_) host_->dropLocale(locale_);
+        locale_ = nullptr;
+    }
+
+private:
+    Host *host_ = nullptr;
+    HostLocale *locale_ = nullptr;
 };
 
 // ---------------------------------------------------------------------------
@@ -370,6 +409,7 @@ public:
 private:
     int32_t call(void *output, int32_t capacity, bool byte);
     Host &host_;
+    LocaleHold hold_; // the column's locale stays while the column does
     const FormatTableRow *row_ = nullptr;
     std::string error_;
     bool informat_ = false, byteEntry_ = false, sharesInstance_ = false;

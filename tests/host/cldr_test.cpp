@@ -24,7 +24,9 @@ namespace {
 using S = icu::DateFormatSymbols;
 using D = icu::DecimalFormatSymbols;
 
-std::u16string fromIcu(const icu::UnicodeString &s) { return std::u16string(s.getBuffer(), size_t(s.length())); }
+std::u16string fromIcu(const icu::UnicodeString &s) {
+    return s.isEmpty() ? std::u16string() : std::u16string(s.getBuffer(), size_t(s.length()));
+}
 
 std::u16string item(const std::vector<uint8_t> &table, int k) {
     return zvhost::unescapeTableText(zvhost::rawItem(table, k));

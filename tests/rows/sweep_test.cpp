@@ -87,13 +87,14 @@ std::vector<double> rangeEnds(Fam f) {
 // The text in a host encoding, one string per whole character; nullopt when
 // the encoding can't show one of them.
 std::optional<std::vector<std::string>> encodeChars(const std::string &encoding, const std::u16string &s) {
-    static std::map<std::string, UConverter *> converters;
+    static std::map<std::string, icu::LocalUConverterPointer> converters;
     UErrorCode e = U_ZERO_ERROR;
-    UConverter *&c = converters[encoding];
-    if (!c) {
-        c = ucnv_open(encoding.c_str(), &e);
-        ucnv_setFromUCallBack(c, UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &e);
+    icu::LocalUConverterPointer &kept = converters[encoding];
+    if (!kept.isValid()) {
+        kept.adoptInstead(ucnv_open(encoding.c_str(), &e));
+        ucnv_setFromUCallBack(kept.getAlias(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &e);
     }
+    UConverter *c = kept.getAlias();
     std::vector<std::string> out;
     for (size_t i = 0; i < s.size();) {
         const size_t n = (s[i] >= 0xD800 && s[i] < 0xDC00 && i + 1 < s.size()) ? 2 : 1;

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Sets up a Debian machine for zvlocfmt, builds it and runs one job:
 #   ./dev.sh demo    release build, then a tour of zvfmt
-#   ./dev.sh test    debug and ASan+UBSan builds, the whole test suite, short fuzz runs
+#   ./dev.sh test    debug, ASan+UBSan and TSan builds, the whole test suite, short fuzz runs
 #   ./dev.sh bench   release build, then the benchmarks (C++, then Python beside Babel and pandas)
 #   ./dev.sh coverage  clang source-based coverage of the suite: lines and branches of src/ and host/
 #   ./dev.sh stats   lines of product and of tests (non-blank, non-comment) and their ratio
@@ -93,6 +93,9 @@ case "$job" in
         ctest --preset dev -j "$JOBS"
         build asan
         ctest --preset asan -j "$JOBS"
+        # The host's tests, its threads among them, under ThreadSanitizer.
+        build tsan --target test_host
+        ctest --preset tsan -j "$JOBS"
         fuzz_short
         echo "== all tests passed"
         ;;

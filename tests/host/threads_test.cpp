@@ -1,0 +1,61 @@
+// Many threads on one host: each with calls of its own, over every row, in
+// several locales and encodings, while another thread opens locales enough to
+// make the cache evict. Every answer equals the one a single thread gets.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "zvhost.hpp"
+
+namespace {
+
+constexpr int kThreads = 8;
+const char *const kLocales[] = {"en_US", "de_DE", "fr_FR", "ja_JP", "ar_EG", "hi_IN", "ru_RU", "zh_TW", "pt_BR", "sv_SE",
+                                "he_IL", "th_TH", "ko_KR", "es_MX", "de_CH", "en_ZA", "fa_IR", "pl_PL", "tr_TR", "nl_NL"};
+const char *const kEncodings[] = {"UTF-8", "Shift_JIS", "ISO-8859-1"};
+
+// One call of a row in the thread's own column: the text written, or the bits read.
+std::string answer(zvhost::Host &host, const FormatTableRow &row, int pick) {
+    zvhost::CallSpec spec;
+    spec.locale = kLocales[pick % 20];
+    spec.encoding = kEncodings[pick % 3];
+    spec.entry = zvhost::isInformat(row) || pick % 2 ? zvhost::Entry::Wide : zvhost::Entry::Byte;
+    zvhost::ColumnFormatter column(host, zvhost::rowName(row), spec);
+    if (!column.error().empty()) return column.error();
+    if (column.informat()) {
+        double value = 0;
+        const int32_t status = column.read(std::string_view("25.12.2024 14:07:09"), value);
+        return std::to_string(status) + " " + std::to_string(std::bit_cast<uint64_t>(value));
+    }
+    const int32_t status = column.format(23440.25);
+    return std::to_string(status) + " " + zvhost::utf8(column.text());
+}
+
+TEST(Threads, EveryRowFromEightThreadsWhileLocalesComeAndGo) {
+    zvhost::Host host;
+    ASSERT_NE(host.loadModule(), nullptr);
+    const auto rows = zvhost::tableRows(host.instance()->formatTable);
+    std::vector<std::vector<std::string>> alone(kThreads, std::vector<std::string>(rows.size()));
+    for (int t = 0; t < kThreads; ++t)
+        for (size_t r = 0; r < rows.size(); ++r) alone[size_t(t)][r] = answer(host, *rows[r], t + int(r));
+    std::atomic<bool> done{false};
+    std::thread churn([&] {
+        for (int i = 0; !done; ++i) host.locale(kLocales[i % 20], {{28, "%d.%m.%Y #" + std::to_string(i)}});
+    });
+    std::vector<std::thread> threads;
+    std::vector<std::vector<std::string>> together(kThreads, std::vector<std::string>(rows.size()));
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&, t] {
+            for (size_t r = 0; r < rows.size(); ++r) together[size_t(t)][r] = answer(host, *rows[r], t + int(r));
+        });
+    for (std::thread &t : threads) t.join();
+    done = true;
+    churn.join();
+    for (int t = 0; t < kThreads; ++t)
+        for (size_t r = 0; r < rows.size(); ++r)
+            EXPECT_EQ(together[size_t(t)][r], alone[size_t(t)][r]) << zvhost::rowName(*rows[r]) << " thread " << t;
+    EXPECT_LE(host.localesKept(), 128u);
+}
+
+} // namespace

@@ -1,5 +1,6 @@
 // Rows of the format table and calls through them: the host fills a
 // FormatCall, runs the wide or byte entry, and checks what came back.
+#include <array>
 #include <bit>
 #include <cstring>
 
@@ -43,8 +44,12 @@ HostTranscoder *decoderFrom(uint32_t encoding) {
 
 std::string notBuilt(const FormatTableRow &row) { return "row " + rowName(row) + " is not built yet"; }
 
+// The record behind callPool: the key "ZVRG" in its first eight bytes, the pool in word 9.
+using PoolRecord = std::array<uint64_t, 10>;
+
 // Common preparation of a call; an error text when it can't be made.
-std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec, FormatCall &call) {
+std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec, FormatCall &call,
+                    PoolRecord &poolRecord) {
     std::memset(&call, 0, sizeof call);
     if (!host.instance()) return "the module is not loaded";
     HostTranscoder *transcoder = host.transcoder(spec.encoding);
@@ -58,6 +63,12 @@ std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec,
     call.transcoder = transcoder;
     call.measureBytes = spec.measureBytes ? 1 : 0;
     call.services = host.services();
+    if (spec.callPool) {
+        std::memcpy(poolRecord.data(), u"ZVRG", 8);
+        HostPool *pool = spec.callPool->raw();
+        std::memcpy(&poolRecord[9], &pool, sizeof pool);
+        call.callPool = poolRecord.data();
+    }
     return {};
 }
 
@@ -105,7 +116,8 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
         return result;
     }
     FormatCall call;
-    result.error = prepare(host, row, spec, call);
+    PoolRecord poolRecord{};
+    result.error = prepare(host, row, spec, call, poolRecord);
     if (!result.error.empty()) return result;
     call.outputCapacity = spec.outputCapacity == -1 ? std::max(call.width, 0) : spec.outputCapacity;
     // A negative capacity goes to the routine as it is; the buffer has none.
@@ -163,7 +175,8 @@ ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &sp
         return result;
     }
     FormatCall call;
-    result.error = prepare(host, row, spec, call);
+    PoolRecord poolRecord{};
+    result.error = prepare(host, row, spec, call, poolRecord);
     if (!result.error.empty()) return result;
     const std::u16string text = utf16(utf8Text);
     call.input = text.data();

@@ -8,9 +8,10 @@
 
 #include <algorithm>
 #include <climits>
+#include <functional>
 #include <set>
-#include <tuple>
 #include <string>
+#include <tuple>
 
 #include "rows/rows.hpp"
 #include "zvhost.hpp"
@@ -22,11 +23,7 @@ using zvhost::Faults;
 using zvhost::HostCounters;
 using zvhost::kHostFault;
 
-struct Op {
-    const char *name;
-    int64_t Faults::*fault;
-    int64_t HostCounters::*calls;
-};
+struct Op { const char *name; int64_t Faults::*fault; int64_t HostCounters::*calls; };
 const Op kOps[] = {{"transcode", &Faults::failTranscode, &HostCounters::transcodes},
                    {"localeTextTable", &Faults::failLocaleTextTable, &HostCounters::textTables},
                    {"readOption", &Faults::failReadOption, &HostCounters::optionReads},
@@ -103,65 +100,55 @@ TEST_F(Faulted, EveryHostOperationOfEveryRow) {
         for (bool byte : {false, true}) {
             if (byte && f >= Fam::RDate) continue;
             zvhost::Pool *pools[] = {&host.formatPool(), callPool, instancePool};
+            // Each place a fault can be set: its name, the calls a clean run makes, the setter.
+            struct Point { std::string name; int64_t calls; std::function<void(int64_t)> set; };
+            std::vector<Point> points;
+            const HostCounters start = host.counters();
             int64_t before[3];
             for (int i = 0; i < 3; ++i) before[i] = reached(*pools[i]);
-            const HostCounters start = host.counters();
             const Outcome clean = run(*row, byte);
-            const HostCounters end = host.counters();
-            int64_t allocations[3];
-            for (int i = 0; i < 3; ++i) allocations[i] = reached(*pools[i]) - before[i];
-            // Fails the n-th call of something and checks what always holds.
-            auto faulted = [&](const std::string &what, auto &&arm) {
-                const int64_t blocks = host.formatPool().stats().allocations;
-                arm();
-                const Outcome o = run(*row, byte);
-                const std::string where = n + (byte ? " byte, " : ", ") + what;
-                EXPECT_FALSE(o.broken) << where;
-                EXPECT_EQ(callPool->stats().liveBlocks, 0) << where;
-                EXPECT_LE(host.formatPool().stats().allocations - blocks, 1) << where;
-                ++checked;
-                return std::pair{o, where};
-            };
             for (int i = 0; i < 3; ++i)
-                for (int64_t k = 1; k <= allocations[i]; ++k) {
-                    const auto [o, where] = faulted(pools[i]->name() + " allocation " + std::to_string(k),
-                                                    [&] { pools[i]->failAt(k); });
-                    pools[i]->failAt(0);
-                    // The first block of formatPool is the locale block.
-                    if (i == 0 && k == 1 && f < Fam::RDate && !byte) {
-                        EXPECT_EQ(o.status, blockFailure(n, f)) << where;
-                        EXPECT_EQ(o.text, std::string(size_t(widthFor(*row, f)), '*')) << where;
-                    }
-                }
-            const bool first = swept.insert({f, byte}).second;
+                points.push_back({pools[i]->name() + " allocation", reached(*pools[i]) - before[i],
+                                  [p = pools[i]](int64_t k) { p->failAt(k); }});
             for (const Op &op : kOps)
-                for (int64_t k = op.fault == &Faults::failTranscode && !first ? blockTranscodes + 1 : 1;
-                     k <= end.*op.calls - start.*op.calls; ++k) {
-                    const auto [o, where] = faulted(op.name + std::string(" call ") + std::to_string(k),
-                                                    [&] { host.faults().*op.fault = k; });
-                    host.faults().*op.fault = 0;
-                    const std::string name = op.name;
-                    const bool last = k == end.*op.calls - start.*op.calls;
+                points.push_back({op.name, host.counters().*op.calls - start.*op.calls,
+                                  [this, op](int64_t k) { host.faults().*op.fault = k; }});
+            const bool first = swept.insert({f, byte}).second;
+            for (const Point &at : points)
+                for (int64_t k = at.name == "transcode" && !first ? blockTranscodes + 1 : 1; k <= at.calls; ++k) {
+                    const int64_t blocks = host.formatPool().stats().allocations;
+                    at.set(k);
+                    const Outcome o = run(*row, byte);
+                    at.set(0);
+                    const std::string where = n + (byte ? " byte, " : ", ") + at.name + " " + std::to_string(k);
+                    EXPECT_FALSE(o.broken) << where;
+                    EXPECT_EQ(callPool->stats().liveBlocks, 0) << where;
+                    EXPECT_LE(host.formatPool().stats().allocations - blocks, 1) << where;
+                    ++checked;
+                    const bool last = k == at.calls, wideFormat = f < Fam::RDate && !byte;
+                    const std::string stars(size_t(widthFor(*row, f)), '*');
+                    // The first block of formatPool is the locale block.
+                    if (at.name == "formatPool allocation" && k == 1 && wideFormat) {
+                        EXPECT_EQ(std::tie(o.status, o.text), std::tuple(blockFailure(n, f), stars)) << where;
+                    }
+                    if (at.name == "localeTextTable" && wideFormat) {
+                        EXPECT_EQ(std::tie(o.status, o.text), std::tuple(blockFailure(n, f) ? kHostFault : 0, stars)) << where;
+                    }
                     // An unset option and an option that can't be read are the same.
-                    if (name == "readOption") { EXPECT_EQ(std::tie(o.status, o.text), std::tie(clean.status, clean.text)) << where; }
+                    if (at.name == "readOption") { EXPECT_EQ(std::tie(o.status, o.text), std::tie(clean.status, clean.text)) << where; }
                     // The byte entry's own transcoding is the last, and its failure is the call's.
-                    if (name == "transcode" && byte && last && clean.status == 0) { EXPECT_EQ(o.status, kHostFault) << where; }
-                    if (name == "localeTextTable" && f < Fam::RDate && !byte) {
-                        EXPECT_EQ(o.status, blockFailure(n, f) ? kHostFault : 0) << where;
-                        EXPECT_EQ(o.text, std::string(size_t(widthFor(*row, f)), '*')) << where;
-                    }
+                    if (at.name == "transcode" && byte && last && clean.status == 0) { EXPECT_EQ(o.status, kHostFault) << where; }
                     // The host's text can't be had: stars, or an empty percent field.
-                    if (name == "formatNumber" && !byte && renderedNumber(n)) {
-                        EXPECT_EQ(std::tie(o.status, o.text), std::tuple(0, std::string(size_t(widthFor(*row, f)), '*'))) << where;
+                    if (at.name == "formatNumber" && wideFormat && renderedNumber(n)) {
+                        EXPECT_EQ(std::tie(o.status, o.text), std::tuple(0, stars)) << where;
                     }
-                    if (name == "formatNumber" && !byte && (n == "NLPCTN" || n == "NLPCTP")) {
+                    if (at.name == "formatNumber" && wideFormat && (n == "NLPCTN" || n == "NLPCTP")) {
                         EXPECT_EQ(std::tie(o.status, o.outputLength), std::tuple(0, 0)) << where;
                     }
                     // A number that can't be parsed reads as missing; only the locale
                     // number readers say so.
-                    if (name == "parseDouble" && last && (f == Fam::RNumber || f == Fam::RCurrency)) {
-                        EXPECT_EQ(o.status, f == Fam::RNumber ? 1 : 0) << where;
-                        EXPECT_EQ(o.text, std::to_string(ZV_MISSING_BITS)) << where;
+                    if (at.name == "parseDouble" && last && (f == Fam::RNumber || f == Fam::RCurrency)) {
+                        EXPECT_EQ(std::tie(o.status, o.text), std::tuple(f == Fam::RNumber ? 1 : 0, std::to_string(ZV_MISSING_BITS))) << where;
                     }
                 }
         }

@@ -3,6 +3,7 @@
 #   ./dev.sh demo    release build, then a tour of zvfmt
 #   ./dev.sh test    debug, ASan+UBSan and TSan builds, the whole test suite, short fuzz runs
 #   ./dev.sh bench   release build, then the benchmarks (C++, then Python beside Babel and pandas)
+#   ./dev.sh fuzz [SECONDS]  every fuzz target for SECONDS each (default 60), from its seed corpus
 #   ./dev.sh coverage  clang source-based coverage of the suite: lines and branches of src/ and host/
 #   ./dev.sh stats   lines of product and of tests (non-blank, non-comment) and their ratio
 set -euo pipefail
@@ -34,13 +35,17 @@ build() {
     cmake --build --preset "$1" -j "$JOBS" "${@:2}"
 }
 
-fuzz_short() {
+# Every target for $1 seconds; new inputs go to build/fuzz/corpus/NAME, seeds come from fuzz/corpus/NAME.
+fuzz_all() {
     build fuzz
-    local seconds="${FUZZ_SECONDS:-20}"
+    local seconds="$1" target name
     for target in build/fuzz/fuzz_*; do
-        [ -x "$target" ] || continue
-        echo "== $(basename "$target") for ${seconds}s"
-        "$target" -max_total_time="$seconds" -artifact_prefix=build/fuzz/ -print_final_stats=0 2>&1 | tail -n 3
+        [ -f "$target" ] && [ -x "$target" ] || continue
+        name=$(basename "$target")
+        mkdir -p "build/fuzz/corpus/$name" "fuzz/corpus/$name"
+        echo "== $name for ${seconds}s"
+        "$target" "build/fuzz/corpus/$name" "fuzz/corpus/$name" -max_total_time="$seconds" \
+            -artifact_prefix="build/fuzz/$name-" -print_final_stats=0 2>&1 | tail -n 3
     done
 }
 
@@ -96,7 +101,7 @@ case "$job" in
         # The host's tests, its threads among them, under ThreadSanitizer.
         build tsan --target test_host
         ctest --preset tsan -j "$JOBS"
-        fuzz_short
+        fuzz_all "${FUZZ_SECONDS:-20}"
         echo "== all tests passed"
         ;;
     bench)
@@ -108,8 +113,11 @@ case "$job" in
     coverage)
         coverage
         ;;
+    fuzz)
+        fuzz_all "${2:-60}"
+        ;;
     *)
-        echo "usage: ./dev.sh demo|test|bench|coverage|stats" >&2
+        echo "usage: ./dev.sh demo|test|bench|coverage|fuzz [SECONDS]|stats" >&2
         exit 2
         ;;
 esac

@@ -1,6 +1,7 @@
 // Rows of the format table and calls through them: the host fills a
 // FormatCall, runs the wide or byte entry, and checks what came back.
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstring>
@@ -69,8 +70,12 @@ void setCallPart(FormatCall &call, const FormatTableRow &row, const CallSpec &sp
     call.measureBytes = spec.measureBytes ? 1 : 0;
 }
 
+// The record behind callPool: the key "ZVRG" in its first eight bytes, the pool in word 9.
+using PoolRecord = std::array<uint64_t, 10>;
+
 // Common preparation of a call; an error text when it can't be made.
-std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec, FormatCall &call, LocaleHold &hold) {
+std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec, FormatCall &call, LocaleHold &hold,
+                    PoolRecord &poolRecord) {
     std::memset(&call, 0, sizeof call);
     if (!host.instance()) return "the module is not loaded";
     HostTranscoder *transcoder = host.transcoder(spec.encoding);
@@ -82,6 +87,12 @@ std::string prepare(Host &host, const FormatTableRow &row, const CallSpec &spec,
     call.transcoder = transcoder;
     call.services = host.services();
     setCallPart(call, row, spec);
+    if (spec.callPool) {
+        std::memcpy(poolRecord.data(), u"ZVRG", 8);
+        HostPool *pool = spec.callPool->raw();
+        std::memcpy(&poolRecord[9], &pool, sizeof pool);
+        call.callPool = poolRecord.data();
+    }
     return {};
 }
 
@@ -275,7 +286,8 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
     if (!result.error.empty()) return result;
     FormatCall call;
     LocaleHold hold;
-    result.error = prepare(host, row, spec, call, hold);
+    PoolRecord poolRecord{};
+    result.error = prepare(host, row, spec, call, hold, poolRecord);
     if (!result.error.empty()) return result;
     std::vector<char16_t> wide;
     std::vector<uint8_t> bytes;
@@ -289,7 +301,8 @@ ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &sp
     if (!result.error.empty()) return result;
     FormatCall call;
     LocaleHold hold;
-    result.error = prepare(host, row, spec, call, hold);
+    PoolRecord poolRecord{};
+    result.error = prepare(host, row, spec, call, hold, poolRecord);
     if (!result.error.empty()) return result;
     return readWith(host, spec, row, utf8Text, call);
 }

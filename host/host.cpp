@@ -225,14 +225,24 @@ struct LocaleImpl {
 // table of some 40 kB.
 constexpr size_t kMostLocales = 128;
 
+// Counts a call of an operation; true when the fault set for it strikes now.
+// Faults are for tests on one thread; the count may come from any.
+bool strikes(int64_t &fault, int64_t &calls) {
+    std::atomic_ref<int64_t>(calls).fetch_add(1, std::memory_order_relaxed);
+    return fault > 0 && --fault == 0;
+}
+
 struct TimeZoneImpl {
     HostTimeZone base;
     std::unique_ptr<icu::BasicTimeZone> zone;
+    int64_t *fault = nullptr, *calls = nullptr; // the host's, for timeZoneOffset
 };
 
 double zoneOffset(HostTimeZone *t, double seconds, int32_t) {
-    if (!t || !std::isfinite(seconds)) return 0;
+    if (!t) return 0;
     auto *self = reinterpret_cast<TimeZoneImpl *>(t);
+    if (self->fault && strikes(*self->fault, *self->calls)) return std::nan("");
+    if (!std::isfinite(seconds)) return 0;
     const UDate local = (seconds - kEpochShift) * 1000.0;
     int32_t raw = 0, dst = 0;
     UErrorCode err = U_ZERO_ERROR;
@@ -285,21 +295,6 @@ int categoryBit(int8_t type) {
     }
 }
 
-// Counts of calls to a factory since its fault was last set.
-struct FaultClock {
-    int64_t setting = 0;
-    int64_t calls = 0;
-    // True when this call is the one the fault names.
-    bool tick(int64_t wanted) {
-        if (wanted != setting) {
-            setting = wanted;
-            calls = 0;
-        }
-        ++calls;
-        return wanted > 0 && calls == wanted;
-    }
-};
-
 char chrtabHandle = 0;
 
 // The most entries the events log keeps.
@@ -348,7 +343,7 @@ struct Host::Impl {
     std::optional<std::pair<double, double>> fixedClock;
 
     Faults faults;
-    FaultClock poolClock, journalClock, transcoderClock, localeClock;
+    int64_t factoryCalls = 0; // createPool, createJournal, openLocale: only their faults count them
     HostCounters counters;
     std::vector<std::string> events; // releases and teardowns, in order
 
@@ -366,7 +361,7 @@ struct Host::Impl {
     // ---- anchor operations
     static HostPool *createPool(HostAnchor *a, const void *, HostJournal *, const char *name) {
         Impl *h = of(a);
-        if (!h || h->poolClock.tick(h->faults.failCreatePool)) return nullptr;
+        if (!h || strikes(h->faults.failCreatePool, h->factoryCalls)) return nullptr;
         auto pool = std::make_unique<PoolImpl>(name ? std::string(name) : std::string(),
                                                [h] { ++h->counters.poolsDestroyed; });
         if (h->faults.newPoolFailAt > 0) pool->failAt(h->faults.newPoolFailAt);
@@ -378,7 +373,7 @@ struct Host::Impl {
 
     static HostJournal *createJournal(HostAnchor *a, const void *, int32_t, const ZvChar *name) {
         Impl *h = of(a);
-        if (!h || h->journalClock.tick(h->faults.failCreateJournal)) return nullptr;
+        if (!h || strikes(h->faults.failCreateJournal, h->factoryCalls)) return nullptr;
         auto j = std::make_unique<JournalImpl>();
         j->base.ops = &kJournalOps;
         j->events = &h->events;
@@ -393,7 +388,7 @@ struct Host::Impl {
                               int64_t *size) {
         Impl *h = of(a);
         if (!h) return kBadRequest;
-        bump(h->counters.optionReads);
+        if (strikes(h->faults.failReadOption, h->counters.optionReads)) return kHostFault;
         if (type != 3 || !value || (size && *size < 8)) return kBadRequest;
         auto it = h->options.find(narrow(name, length));
         if (it == h->options.end()) return kOptionNotSet;
@@ -405,7 +400,7 @@ struct Host::Impl {
     static int32_t readClock(HostAnchor *a, int32_t size, double *clock, uint32_t) {
         Impl *h = of(a);
         if (!h || !clock || size < 16) return kBadRequest;
-        bump(h->counters.clockReads);
+        if (strikes(h->faults.failReadClock, h->counters.clockReads)) return kHostFault;
         if (h->fixedClock) {
             clock[0] = h->fixedClock->first;
             clock[1] = h->fixedClock->second;
@@ -432,18 +427,25 @@ struct Host::Impl {
     }
 
     // ---- NLS operations
+    std::function<bool()> transcodeFault() {
+        return [this] { return strikes(faults.failTranscode, counters.transcodes); };
+    }
     HostTranscoder *newTranscoder(uint32_t from, uint32_t to) {
         std::lock_guard<std::mutex> guard(cacheLock);
-        if (transcoderClock.tick(faults.failCreateTranscoder)) return nullptr;
-        HostTranscoder *t = makeTranscoder(from, to, [this](HostTranscoder *gone) {
-            if (dying) return;
-            std::lock_guard<std::mutex> guard(cacheLock);
-            madeTranscoders.erase(gone);
-            ++counters.transcodersReleased;
-            // Calls that make a transcoder each would grow the log without end; tests look at the start.
-            if (events.size() < kMostEvents) events.push_back("transcoderRelease " + std::to_string(gone->sourceEncodingId) + ">" +
-                             std::to_string(gone->encodingId));
-        });
+        if (strikes(faults.failCreateTranscoder, factoryCalls)) return nullptr;
+        HostTranscoder *t = makeTranscoder(
+            from, to,
+            [this](HostTranscoder *gone) {
+                if (dying) return;
+                std::lock_guard<std::mutex> guard(cacheLock);
+                madeTranscoders.erase(gone);
+                ++counters.transcodersReleased;
+                // Calls that make a transcoder each would grow the log without end; tests look at the start.
+                if (events.size() < kMostEvents)
+                    events.push_back("transcoderRelease " + std::to_string(gone->sourceEncodingId) + ">" +
+                                     std::to_string(gone->encodingId));
+            },
+            transcodeFault());
         if (!t) return nullptr;
         madeTranscoders.insert(t);
         ++counters.transcodersCreated;
@@ -461,7 +463,7 @@ struct Host::Impl {
         Impl *h = of(n);
         if (!h) return nullptr;
         std::lock_guard<std::mutex> guard(h->cacheLock);
-        if (h->localeClock.tick(h->faults.failOpenLocale)) return nullptr;
+        if (strikes(h->faults.failOpenLocale, h->factoryCalls)) return nullptr;
         LocaleImpl *l = h->findLocale(narrow(name, length < 0 ? 0 : length), {});
         if (!l) return nullptr;
         ++h->counters.localesOpened;
@@ -472,6 +474,7 @@ struct Host::Impl {
         Impl *h = of(n);
         if (!h) return nullptr;
         std::lock_guard<std::mutex> guard(h->cacheLock);
+        if (strikes(h->faults.failCurrentLocale, h->counters.currentLocales)) return nullptr;
         LocaleImpl *l = h->findLocale(h->config.currentLocale, {});
         if (l && l->holds == 0) l->holds = 1; // a call may use it at any time: it stays
         return l ? &l->base : nullptr;
@@ -506,19 +509,38 @@ struct Host::Impl {
     static int32_t localeTextTable(HostLocale *l, int32_t, const uint8_t **table) {
         if (!l || !table) return kBadRequest;
         LocaleImpl *self = localeOf(l);
+        if (self->host && strikes(self->host->faults.failLocaleTextTable, self->host->counters.textTables))
+            return kHostFault;
         if (!ensureTable(self)) return kBadRequest;
         *table = self->table.data();
         return 0;
     }
-    static int32_t formatNumber(HostLocale *, double value, int32_t width, int32_t decimals, uint32_t flags,
+    // True when a test asked this call of a locale's operation to fail.
+    static bool localeFault(HostLocale *l, int64_t Faults::*fault, int64_t HostCounters::*calls) {
+        Impl *h = l ? localeOf(l)->host : nullptr;
+        return h && strikes(h->faults.*fault, h->counters.*calls);
+    }
+    static int32_t formatNumber(HostLocale *l, double value, int32_t width, int32_t decimals, uint32_t flags,
                                 ZvChar *target, int64_t capacity, int64_t *produced) {
+        if (localeFault(l, &Faults::failFormatNumber, &HostCounters::numberFormats)) {
+            if (produced) *produced = 0;
+            return kHostFault;
+        }
         return formatNumberText(value, width, decimals, flags, target, capacity, produced);
     }
-    static int32_t parseDouble(HostLocale *, const ZvChar *text, int64_t length, double *value, int64_t *used) {
+    static int32_t parseDouble(HostLocale *l, const ZvChar *text, int64_t length, double *value, int64_t *used) {
+        if (localeFault(l, &Faults::failParseDouble, &HostCounters::doubleParses)) {
+            if (used) *used = 0;
+            return kHostFault;
+        }
         return parseDoubleText(text, length, value, used);
     }
-    static int32_t parseInteger(HostLocale *, const ZvChar *text, int64_t length, int32_t, int64_t *value,
+    static int32_t parseInteger(HostLocale *l, const ZvChar *text, int64_t length, int32_t, int64_t *value,
                                 int64_t *used) {
+        if (localeFault(l, &Faults::failParseInteger, &HostCounters::integerParses)) {
+            if (used) *used = 0;
+            return kHostFault;
+        }
         return parseIntegerText(text, length, value, used);
     }
     static void localeRelease(HostLocale *l) {
@@ -599,6 +621,8 @@ struct Host::Impl {
         auto z = std::make_unique<TimeZoneImpl>();
         z->base.ops = &kZoneOps;
         z->zone.reset(basic);
+        z->fault = &faults.failTimeZoneOffset;
+        z->calls = &counters.zoneOffsets;
         TimeZoneImpl *raw = z.get();
         zones.emplace(iana, std::move(z));
         return raw;
@@ -796,7 +820,7 @@ HostTranscoder *Host::transcoder(const std::string &encoding) {
     if (auto it = impl_->namedTranscoders.find(encoding); it != impl_->namedTranscoders.end()) return it->second;
     const std::optional<uint32_t> id = encodingIdOf(encoding);
     if (!id) return nullptr;
-    HostTranscoder *t = makeTranscoder(ZV_ENCODING_UTF16, *id);
+    HostTranscoder *t = makeTranscoder(ZV_ENCODING_UTF16, *id, {}, impl_->transcodeFault());
     if (t) impl_->namedTranscoders[encoding] = t;
     return t;
 }

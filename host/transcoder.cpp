@@ -129,6 +129,7 @@ struct TranscoderImpl {
     UConverter *encoder = nullptr; // target side, ICU encodings only
     bool utf8Target = false;       // UTF-8 is written by hand: every character can be shown
     std::function<void(HostTranscoder *)> onRelease;
+    std::function<bool()> fails;
 };
 
 TranscoderImpl *self(HostTranscoder *t) { return reinterpret_cast<TranscoderImpl *>(t); }
@@ -299,6 +300,7 @@ int32_t transcode(HostTranscoder *h, const void *source, int64_t bytes, void *ta
     if (!h || bytes < 0 || (!source && bytes > 0)) return kBadRequest;
     if (!target || capacity < 0) capacity = 0;
     TranscoderImpl *t = self(h);
+    if (t->fails && t->fails()) return kHostFault;
 
     Scratch<UChar, 512> midBuf;
     // Units the source can give: one per two bytes of UTF-16, one per byte of
@@ -352,7 +354,8 @@ std::string encodingName(uint32_t id) {
     return icu;
 }
 
-HostTranscoder *makeTranscoder(uint32_t from, uint32_t to, std::function<void(HostTranscoder *)> onRelease) {
+HostTranscoder *makeTranscoder(uint32_t from, uint32_t to, std::function<void(HostTranscoder *)> onRelease,
+                               std::function<bool()> fails) {
     if (!knownId(from) || !knownId(to)) return nullptr;
     auto *t = new TranscoderImpl;
     t->base.ops = &kOps;
@@ -368,6 +371,7 @@ HostTranscoder *makeTranscoder(uint32_t from, uint32_t to, std::function<void(Ho
         return nullptr;
     }
     t->onRelease = std::move(onRelease);
+    t->fails = std::move(fails);
     return &t->base;
 }
 

@@ -74,14 +74,21 @@ struct JournalRecord {
 };
 
 // ---------------------------------------------------------------------------
-// Faults a test can ask of the host's factories. Counts are 1-based over the
-// calls that follow the setting; 0 means no fault.
+// Faults a test can ask of the host. Each count names the n-th call of the
+// operation from the setting on (1 = the next one); the fault strikes once,
+// after which the count reads 0 again. 0 means no fault.
 
 struct Faults {
     int64_t failCreatePool = 0;        // n-th createPool answers null
     int64_t failCreateJournal = 0;     // n-th createJournal answers null
-    int64_t failCreateTranscoder = 0;  // n-th createTranscoder answers null
+    int64_t failCreateTranscoder = 0;  // n-th createTranscoder or transcoderForEncoding answers null
     int64_t failOpenLocale = 0;        // n-th openLocale answers null
+    int64_t failCurrentLocale = 0;     // n-th currentLocale answers null
+    // The n-th call answers kHostFault and writes nothing. transcode counts
+    // over every transcoder the host made (for the module or for a call).
+    int64_t failTranscode = 0, failLocaleTextTable = 0, failReadOption = 0, failReadClock = 0;
+    int64_t failFormatNumber = 0, failParseDouble = 0, failParseInteger = 0;
+    int64_t failTimeZoneOffset = 0;    // n-th timeZoneOffset answers NaN
     // Pools made by createPool from now on fail their n-th allocation (once).
     int64_t newPoolFailAt = 0;
 };
@@ -95,6 +102,8 @@ struct HostCounters {
     int64_t charModuleLoads = 0;  // loadModule("zvchrtab")
     int64_t charServiceCalls = 0; // charClass, charUpper, charLower
     int64_t optionReads = 0, clockReads = 0, formatTextCalls = 0;
+    int64_t transcodes = 0, textTables = 0, zoneOffsets = 0, currentLocales = 0;
+    int64_t numberFormats = 0, doubleParses = 0, integerParses = 0;
 };
 
 // ---------------------------------------------------------------------------
@@ -261,6 +270,7 @@ struct CallSpec {
     int32_t fieldLimit = -1;          // -1: the text's length
     int32_t outputCapacity = -1;      // -1: the width
     Entry entry = Entry::Wide;
+    Pool *callPool = nullptr;         // set: the call's temporary memory comes from it
 };
 
 struct FormatResult {
@@ -468,11 +478,16 @@ inline constexpr int32_t kCannotShow = int32_t(0x803fe80au);
 inline constexpr int32_t kOptionNotSet = int32_t(0x803fe80bu);
 // An operation called with arguments it does not take (null record, bad size).
 inline constexpr int32_t kBadRequest = int32_t(0x803fe80cu);
+// An operation that a test told to fail (Faults).
+inline constexpr int32_t kHostFault = int32_t(0x803fe80du);
 // A transcoder between two encodings the host knows, outside any host: 25 ->
 // anything, anything -> 25, 62 -> 25, and any pair through UTF-16. Null for
 // an unknown id. Its transcoderRelease calls onRelease (if any) and frees it.
+// Each transcode first asks `fails` (if any): true makes it answer kHostFault
+// with nothing written.
 HostTranscoder *makeTranscoder(uint32_t from, uint32_t to,
-                               std::function<void(HostTranscoder *)> onRelease = {});
+                               std::function<void(HostTranscoder *)> onRelease = {},
+                               std::function<bool()> fails = {});
 // A counting pool of one's own, outside any host.
 std::unique_ptr<Pool> makePool(const std::string &name);
 

@@ -1,0 +1,88 @@
+// Drives every informat row and the readers without a row (pattern rows,
+// locale forms, the ANY-date guesses, binary, hex, size, quoted text, UUID)
+// with arbitrary texts, widths, decimals, field limits and capacities, in
+// any CLDR locale with items from the input. A run fails on any crash,
+// sanitizer report, write past a target or changed call field.
+#include "dateread/dateread.hpp"
+#include "fuzz_support.hpp"
+#include "wide/binary.hpp"
+
+namespace {
+
+using zvfuzz::host;
+using Reader = int32_t (*)(FormatCall *, void *);
+
+const std::vector<std::u16string> kPieces = {u"JAN", u"2021", u"W01", u"12:30:59", u"PM", u"1,234.5", u"%d",
+                                             u"%B", u"%Y", u"%H:%M", u"-", u"$", u"'", u"0x", u"E-3", u" "};
+// Readers beside the rows, with the bytes of one unit of their target (0: a double).
+const std::pair<Reader, int> kMore[] = {{zv::readAnyDate, 0},      {zv::readAnyTime, 0},   {zv::readAnyDateTime, 0},
+                                        {zv::readBinaryNumber, 0}, {zv::readHexNumber, 0}, {zv::readSizeNumber, 0},
+                                        {zv::readHexBytes, 1},     {zv::readBitBytes, 1},  {zv::readQuotedText, 2},
+                                        {zv::readUuid, 1}};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    zvfuzz::Input in{data, size};
+    static const auto rows = [] {
+        std::vector<const FormatTableRow *> r;
+        for (const FormatTableRow *row : zvhost::tableRows(host().instance()->formatTable))
+            if (zvhost::isInformat(*row)) r.push_back(row);
+        return r;
+    }();
+    const uint8_t mode = in.take<uint8_t>();
+    const size_t pick = in.take<uint16_t>() % (rows.size() + std::size(kMore) + 5);
+    const std::string &localeName = zvfuzz::allLocales()[in.take<uint16_t>() % zvfuzz::allLocales().size()];
+    std::map<int, std::string> items;
+    for (int k = in.take<uint8_t>() % 4; k > 0; --k) items[in.take<uint8_t>() % 189] = zvhost::utf8(in.wide(30, kPieces));
+    HostLocale *locale = host().locale(localeName, zvfuzz::admit(localeName, items) ? items : decltype(items){});
+    if (!locale) return 0;
+    const std::u16string pattern = in.wide(40, kPieces), text = in.wide(300, kPieces);
+
+    FormatCall c{};
+    c.width = int32_t(in.take<uint16_t>() % 320) - 8;
+    c.decimals = int32_t(in.take<uint8_t>() % 40) - 4;
+    c.fieldLimit = (mode & 1) ? int32_t(in.take<uint16_t>() % 320) - 8 : int32_t(text.size());
+    c.outputCapacity = int32_t(in.take<uint16_t>() % 300);
+    c.flags = (mode & 2) ? ZV_FLAG_CHECK_LIMITS : 0;
+    c.input = text.data();
+    c.inputLength = int32_t(text.size());
+    c.locale = locale;
+    c.transcoder = host().transcoder((mode & 4) ? "ISO-8859-1" : "UTF-8");
+    c.services = host().services();
+    const int unit = pick < rows.size() ? 0 : pick < rows.size() + std::size(kMore) ? kMore[pick - rows.size()].second : 0;
+    const size_t bound = unit ? size_t(c.outputCapacity) * size_t(unit) : 8;
+    std::vector<uint8_t> target(std::max<size_t>(bound, 8) + 16, 0xA5);
+    c.output = target.data();
+    const FormatCall before = c;
+    const int64_t mark = host().formatPool().serial();
+    double value = 0, time = 0;
+    int32_t kind = 0;
+    const int64_t n = int64_t(text.size()), pn = int64_t(pattern.size());
+    const ZvChar *t = text.data(), *p = pattern.data();
+    const size_t other = pick - rows.size() - std::size(kMore);
+    if (pick < rows.size()) rows[pick]->wideEntry(&c, nullptr);
+    else if (pick < rows.size() + std::size(kMore)) kMore[pick - rows.size()].first(&c, nullptr);
+    else if (other == 0) {
+        const auto *row = (mode & 8) ? &zv::datePatternTable[in.take<uint8_t>() % zv::kDatePatternRowCount] : nullptr;
+        zv::readByPattern(p, row ? 0 : pn, row, t, n, &value, &kind, mode & 16);
+    } else if (other == 1) {
+        std::u16string copy = text;
+        if (zv::cleanDateText(copy.data(), n) > n) std::abort();
+    } else if (other == 2) zv::readLocaleForm(&c, t, n, p, pn, &value, &time);
+    else if (other == 3) zv::readDateTimeForm(&c, t, n, p, pn, &value);
+    else {
+        std::vector<uint8_t> bytes(size_t(n + 1) / 2 + 16, 0xA5);
+        uint8_t *at = bytes.data();
+        zv::hexToBytes(t, n, &at);
+        zvfuzz::checkGuard(bytes, size_t(n + 1) / 2);
+        ZvChar *base64 = nullptr;
+        int64_t produced = 0;
+        if (zv::encodeBase64Units(host().formatPool().raw(), t, n, &base64, &produced) == 0 &&
+            (produced != (n + 2) / 3 * 4 || base64[produced] != 0)) std::abort();
+    }
+    zvfuzz::checkGuard(target, bound);
+    zvfuzz::checkFields(before, c);
+    host().formatPool().releaseSince(mark);
+    return 0;
+}

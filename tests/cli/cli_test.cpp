@@ -317,16 +317,6 @@ TEST(Zvfmt, RoutinesByName) {
     const auto refused = run({"--validate", "readHexNumber17", "ff"});
     EXPECT_EQ(refused.err, "zvfmt: readHexNumber17 \"ff\": status 3, width too large\n");
     EXPECT_EQ(run({"readUuid", "not-a-uuid"}).code, 2);
-    // The byte encoder against coreutils' base64, over random bytes.
-    std::mt19937_64 rng(11);
-    for (int n = 0; n < 40; ++n) {
-        std::string bytes, hex;
-        for (int i = 0; i < n; ++i) bytes += char(rng() % 256);
-        for (unsigned char c : bytes) hex += "0123456789abcdef"[c >> 4], hex += "0123456789abcdef"[c & 15];
-        const auto theirs = shell("base64 -w0; echo", bytes);
-        const auto answer = Json::parse(run({"--jsonl"}, Json{{"name", "encodeBase64Bytes"}, {"hex", hex}}.dump() + "\n").out);
-        EXPECT_EQ(answer["text"].get<std::string>() + "\n", theirs.out) << hex;
-    }
     const auto list = lines(run({"list", "--all", "--json"}).out);
     ASSERT_EQ(list.size(), 247u + zvhost::routines().size());
     EXPECT_EQ(Json::parse(list.back()), Json::parse(R"({"name":"encodeBase64Units","kind":"routine","minWidth":null,

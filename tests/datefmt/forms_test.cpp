@@ -168,6 +168,21 @@ TEST_F(Forms, EveryFormTakesTheFirstCandidateThatFits) {
         }
 }
 
+// The name rows write the stand-alone names: decimals 1 picks the short
+// form, 2 upper case.
+TEST_F(Forms, NameRowsPickFormAndCase) {
+    dt::Items items = dt::englishItems();
+    items[106] = "d<U00E9>cembre", items[94] = "d<U00E9>c.", items[133] = "vendredi", items[126] = "ven.", items[150] = "4e trim", items[146] = "T4";
+    const char *want[][4] = {{"d\u00e9cembre", "d\u00e9c.", "D\u00c9CEMBRE", "D\u00c9C."}, {"vendredi", "ven.", "VENDREDI", "VEN."},
+                             {"4e trim", "T4", "4E TRIM", "T4"}};
+    const std::pair<const char *, double> rows[] = {{"NLSTRMON", 12}, {"NLSTRWK", 6.5}, {"NLSTRQTR", 4}};
+    for (int k = 0; k < 3; ++k)
+        for (int d = 0; d < 4; ++d) {
+            std::string t = text(rows[k].first, rows[k].second, 20, d, items);
+            EXPECT_EQ(t.erase(t.find_last_not_of(' ') + 1), want[k][d]) << rows[k].first << "." << d;
+        }
+}
+
 TEST_F(Forms, EdgesOfTheWalks) {
     dt::Items items = dt::englishItems();
     items[28] = "";

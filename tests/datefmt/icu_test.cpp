@@ -1,4 +1,4 @@
-// The locale date forms and names against ICU over every CLDR locale.
+// The locale date forms against ICU over every CLDR locale.
 //
 // Each date item comes from the first CLDR pattern of a list whose
 // conversion fits a record; the test makes the same choice with the same
@@ -115,12 +115,12 @@ private:
     zvhost::ConvertOptions options_;
 };
 
-TEST_F(AgainstIcu, LocaleFormsAndNamesMatchIcu) {
+TEST_F(AgainstIcu, LocaleFormsMatchIcu) {
     struct Date { int y, m, d; };
     const Date dates[] = {{1582, 10, 15}, {1900, 2, 28}, {2000, 2, 29}, {2024, 9, 25}, {9999, 12, 31}};
     std::vector<std::string> all = zvhost::availableLocales();
     ASSERT_GT(all.size(), 700u);
-    int compared = 0, names = 0, failures = 0;
+    int compared = 0, failures = 0;
     for (size_t li = 0; li < all.size() && failures < 20; ++li) {
         const std::string &name = all[li];
         IcuSide icu(name);
@@ -141,27 +141,8 @@ TEST_F(AgainstIcu, LocaleFormsAndNamesMatchIcu) {
                                   << zvhost::utf8(cldr) << "\n  ours: [" << r.utf8 << "]\n  ICU:  [" << zvhost::utf8(theirs) << "]";
             }
         }
-        // Stand-alone names, long and short, as written and in upper case, in every third locale.
-        using S = icu::DateFormatSymbols;
-        struct List { const char *row; int count, skip; };
-        for (List list : {List{"NLSTRMON", 12, 0}, List{"NLSTRWK", 7, 1}, List{"NLSTRQTR", 4, 0}})
-            for (int v = 1; li % 3 == 0 && v <= list.count; ++v) {
-                const int decimals = int((li + size_t(v)) % 4);
-                const S::DtWidthType width = decimals & 1 ? S::ABBREVIATED : S::WIDE;
-                int32_t n = 0;
-                const icu::UnicodeString *listed = list.count == 12 ? icu.symbols->getMonths(n, S::STANDALONE, width)
-                                              : list.count == 7 ? icu.symbols->getWeekdays(n, S::STANDALONE, width)
-                                                                : icu.symbols->getQuarters(n, S::STANDALONE, width);
-                const std::u16string theirs = asciiDigits(u16(listed[v - 1 + list.skip]), decimals & 2);
-                if (outsideBmp(theirs) || zvhost::escapeForTable(theirs).size() > zvhost::kRawItemCapacity) continue;
-                const zvhost::FormatResult r = call(list.row, v + (v < list.count ? 0.5 : 0), 200, decimals, {}, name);
-                ++names;
-                if (asciiDigits(r.wide) != theirs && ++failures)
-                    ADD_FAILURE() << name << " " << list.row << " " << v << "." << decimals << ": [" << r.utf8 << "] ICU ["
-                                  << zvhost::utf8(theirs) << "]";
-            }
     }
-    EXPECT_TRUE(compared > int(all.size()) * 15 && names > int(all.size()) * 6) << compared << " " << names;
+    EXPECT_GT(compared, int(all.size()) * 15);
 }
 
 } // namespace

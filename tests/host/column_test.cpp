@@ -130,20 +130,8 @@ TEST_F(Column, TwoThreadsOnDistinctColumnsGiveWhatOneGives) {
     }
 }
 
-TEST_F(Column, RefusesWhatTheToolRefuses) {
-    const double one = 1;
-    std::string bytes;
-    std::vector<int64_t> offsets;
-    std::vector<int32_t> statuses;
-    zvhost::CallSpec spec;
-    EXPECT_EQ(zvhost::formatColumn(host, "NLNOPE", spec, &one, 1, bytes, offsets, statuses),
-              "no format or informat named NLNOPE");
-    spec.locale = "xx_YY";
-    EXPECT_EQ(zvhost::formatColumn(host, "NLNUM", spec, &one, 1, bytes, offsets, statuses), "unknown locale \"xx_YY\"");
-    spec.locale = "en_US";
-    spec.encoding = "no-such-code";
-    EXPECT_EQ(zvhost::formatColumn(host, "NLNUM", spec, &one, 1, bytes, offsets, statuses),
-              "unknown encoding \"no-such-code\"");
+// The C entry points: a round trip and a refusal.
+TEST(ColumnC, RoundTripAndRefusal) {
     EXPECT_EQ(columnRoundTripFromC(), 0);
 }
 

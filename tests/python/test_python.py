@@ -3,7 +3,6 @@ import datetime as dt
 import json
 import os
 import subprocess
-from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
 import pandas as pd
@@ -86,19 +85,12 @@ def test_datetimes_become_counts_from_1960_and_missing_values_marks():
     assert np.isnan(values[0]) and values[1] == 12 and list(read) == [".", ""]
 
 
-def test_accessor_keeps_the_index_and_threads_give_what_one_gives():
+def test_accessor_keeps_the_index():
     s = pd.Series(AMOUNTS[:5], index=list("abcde"), name="x")
     out = s.zv.format("NLNUM", width=12, decimals=2, locale="de_DE")
     assert list(out.index) == list("abcde") and out.name == "x"
     assert list(out) == list(zv.format("NLNUM", AMOUNTS[:5], width=12, decimals=2, locale="de_DE"))
     assert np.array_equal(out.zv.read("@NLNUM", width=12, locale="de_DE"), AMOUNTS[:5])
-    jobs = [(row, np.tile(values, 50), width, decimals, locale, encoding)
-            for row, values, width, decimals, locale, encoding in CASES]
-    run = lambda job: zv.format(job[0], job[1], width=job[2], decimals=job[3], locale=job[4], encoding=job[5])
-    alone = [run(job) for job in jobs]
-    with ThreadPoolExecutor(4) as pool:
-        together = list(pool.map(run, jobs))
-    assert all(np.array_equal(a, b) for a, b in zip(alone, together))
 
 
 @pytest.mark.parametrize("call,message", [

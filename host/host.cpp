@@ -16,6 +16,8 @@
 #include <atomic>
 #include <cstring>
 #include <mutex>
+#include <sstream>
+#include <thread>
 #include <set>
 #include <unordered_map>
 
@@ -816,12 +818,15 @@ HostJournal *Host::errorJournal() { return &impl_->errorJournal.base; }
 const JournalRecord &Host::errorJournalRecord() const { return impl_->errorJournal.record; }
 
 HostTranscoder *Host::transcoder(const std::string &encoding) {
+    // A converter keeps state while it converts: each thread has its own.
+    std::ostringstream key;
+    key << encoding << '\n' << std::this_thread::get_id();
     std::lock_guard<std::mutex> guard(impl_->cacheLock);
-    if (auto it = impl_->namedTranscoders.find(encoding); it != impl_->namedTranscoders.end()) return it->second;
+    if (auto it = impl_->namedTranscoders.find(key.str()); it != impl_->namedTranscoders.end()) return it->second;
     const std::optional<uint32_t> id = encodingIdOf(encoding);
     if (!id) return nullptr;
     HostTranscoder *t = makeTranscoder(ZV_ENCODING_UTF16, *id, {}, impl_->transcodeFault());
-    if (t) impl_->namedTranscoders[encoding] = t;
+    if (t) impl_->namedTranscoders[key.str()] = t;
     return t;
 }
 

@@ -6,6 +6,11 @@
 // load the module and run calls.
 //
 // Nothing in this header includes ICU; the implementation does.
+//
+// Threads: a Host, its caches and pools and the loaded module may be shared;
+// a FormatCall during a call, a HostTranscoder (transcoder() gives each
+// thread its own), a Session and a ColumnFormatter may not. Load the module
+// and set options, clock and time zone before threads start.
 #pragma once
 
 #include <cstdint>

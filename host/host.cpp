@@ -234,6 +234,13 @@ bool strikes(int64_t &fault, int64_t &calls) {
     return fault > 0 && --fault == 0;
 }
 
+// A transcoder lent to the module, and the host it goes back to.
+struct TranscoderLease {
+    HostTranscoder base;
+    HostTranscoder *inner;
+    Host::Impl *host;
+};
+
 struct TimeZoneImpl {
     HostTimeZone base;
     std::unique_ptr<icu::BasicTimeZone> zone;
@@ -333,7 +340,8 @@ struct Host::Impl {
     std::vector<std::unique_ptr<JournalImpl>> journals;
 
     std::map<std::string, HostTranscoder *> namedTranscoders;
-    std::set<HostTranscoder *> madeTranscoders;
+    std::set<HostTranscoder *> madeTranscoders; // handed to the module and not yet released
+    std::map<std::pair<uint32_t, uint32_t>, std::vector<TranscoderLease *>> idleTranscoders;
     bool dying = false;
 
     std::map<std::pair<std::string, std::map<int, std::string>>, std::unique_ptr<LocaleImpl>> locales;
@@ -432,26 +440,52 @@ struct Host::Impl {
     std::function<bool()> transcodeFault() {
         return [this] { return strikes(faults.failTranscode, counters.transcodes); };
     }
+    // A transcoder the module asked for. The module makes and releases one
+    // per call on some roads (the number readers' way back), and opening an
+    // ICU converter costs more than the call: a released one waits, idle, for
+    // the next request of the same pair.
+    static int32_t leaseTranscode(HostTranscoder *t, const void *source, int64_t bytes, void *target,
+                                  int64_t capacity, int64_t *produced, int32_t zero) {
+        HostTranscoder *inner = reinterpret_cast<TranscoderLease *>(t)->inner;
+        return inner->ops->transcode(inner, source, bytes, target, capacity, produced, zero);
+    }
+    static void leaseRelease(HostTranscoder *t) {
+        auto *lease = reinterpret_cast<TranscoderLease *>(t);
+        Impl &h = *lease->host;
+        std::lock_guard<std::mutex> guard(h.cacheLock);
+        if (!h.madeTranscoders.erase(t)) return;
+        ++h.counters.transcodersReleased;
+        // Calls that make a transcoder each would grow the log without end; tests look at the start.
+        if (h.events.size() < kMostEvents)
+            h.events.push_back("transcoderRelease " + std::to_string(t->sourceEncodingId) + ">" +
+                               std::to_string(t->encodingId));
+        auto &idle = h.idleTranscoders[{t->sourceEncodingId, t->encodingId}];
+        if (h.dying || idle.size() >= kIdleTranscoders) {
+            lease->inner->ops->transcoderRelease(lease->inner);
+            delete lease;
+        } else {
+            idle.push_back(lease);
+        }
+    }
+    static constexpr HostTranscoderOps kLeaseOps = {leaseTranscode, leaseRelease};
+    static constexpr size_t kIdleTranscoders = 8; // for each pair of encodings
+
     HostTranscoder *newTranscoder(uint32_t from, uint32_t to) {
         std::lock_guard<std::mutex> guard(cacheLock);
         if (strikes(faults.failCreateTranscoder, factoryCalls)) return nullptr;
-        HostTranscoder *t = makeTranscoder(
-            from, to,
-            [this](HostTranscoder *gone) {
-                if (dying) return;
-                std::lock_guard<std::mutex> guard(cacheLock);
-                madeTranscoders.erase(gone);
-                ++counters.transcodersReleased;
-                // Calls that make a transcoder each would grow the log without end; tests look at the start.
-                if (events.size() < kMostEvents)
-                    events.push_back("transcoderRelease " + std::to_string(gone->sourceEncodingId) + ">" +
-                                     std::to_string(gone->encodingId));
-            },
-            transcodeFault());
-        if (!t) return nullptr;
-        madeTranscoders.insert(t);
+        TranscoderLease *lease = nullptr;
+        auto &idle = idleTranscoders[{from, to}];
+        if (!idle.empty()) {
+            lease = idle.back();
+            idle.pop_back();
+        } else {
+            HostTranscoder *inner = makeTranscoder(from, to, {}, transcodeFault());
+            if (!inner) return nullptr;
+            lease = new TranscoderLease{{&kLeaseOps, inner->encodingId, inner->sourceEncodingId}, inner, this};
+        }
+        madeTranscoders.insert(&lease->base);
         ++counters.transcodersCreated;
-        return t;
+        return &lease->base;
     }
     static HostTranscoder *createTranscoder(NlsServices *n, uint32_t from, uint32_t to, int32_t, int32_t) {
         Impl *h = of(n);
@@ -771,6 +805,11 @@ Host::~Host() {
     for (HostTranscoder *t : std::vector<HostTranscoder *>(impl_->madeTranscoders.begin(),
                                                            impl_->madeTranscoders.end()))
         t->ops->transcoderRelease(t);
+    for (auto &[pair, idle] : impl_->idleTranscoders)
+        for (TranscoderLease *lease : idle) {
+            lease->inner->ops->transcoderRelease(lease->inner);
+            delete lease;
+        }
     for (auto &[name, t] : impl_->namedTranscoders)
         if (t) t->ops->transcoderRelease(t);
 }

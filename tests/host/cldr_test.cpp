@@ -199,7 +199,8 @@ TEST(CldrPatterns, ConvertedPatternsWriteWhatIcuWrites) {
             patterns.push_back(fromIcu(generator->getBestPattern(icu::UnicodeString(skeleton), status)));
         zvhost::ConvertOptions options;
         int32_t eras = 0;
-        const icu::UnicodeString *era = S(locale, status).getEras(eras);
+        const S symbols(locale, status);
+        const icu::UnicodeString *era = symbols.getEras(eras);
         if (eras >= 2) options.eraName = fromIcu(era[1]);
         compared += compare(host, all[i], patterns, options);
     }

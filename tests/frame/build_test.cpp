@@ -66,7 +66,6 @@ TEST(Build, FailuresReportAndUnwind) {
         std::vector<std::string> events;
     } const cases[] = {
         {&zvhost::Faults::failCreatePool, 1, true, true, {}},
-        {&zvhost::Faults::failCreatePool, 1, false, false, {}},
         {&zvhost::Faults::newPoolFailAt, 1, true, true, {"poolDestroy zvregional pool"}},
         {&zvhost::Faults::newPoolFailAt, 1, false, false, {"poolDestroy zvregional pool"}},
         {&zvhost::Faults::failCreateTranscoder, 1, true, false,

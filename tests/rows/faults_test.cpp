@@ -60,10 +60,7 @@ protected:
         zvhost::CallSpec spec;
         spec.callPool = callPool;
         if (f >= Fam::RDate) {
-            const char *text = f == Fam::RWeek ? "2021W01" : f == Fam::RMonth ? "May"
-                               : f == Fam::RDate ? (starts(n, "@NLTIM") ? "10:30" : starts(n, "@NLDATM")
-                                                    ? "01JAN2000:10:30:00" : "01JAN2000")
-                               : starts(n, "@NLPCT") ? "12.5%" : "1,234.5";
+            const std::string text = f < Fam::RNumber ? ordinaryText(n, f) : starts(n, "@NLPCT") ? "12.5%" : "1,234.5";
             const auto r = zvhost::runInformat(host, row, spec, text);
             return {r.status, std::to_string(r.bits), 0, r.fieldsChanged};
         }

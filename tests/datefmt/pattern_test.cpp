@@ -135,10 +135,6 @@ TEST(Pattern, FieldStatuses) {
     ZvChar out[8];
     int w = 8;
     EXPECT_EQ(zv::writeDatePattern(out, &w, u"", 0, 0, &block()), zv::kPatternEmpty);
-    for (double bad : {zv::missingValue(), 6589336.0, -138061.5})
-        EXPECT_EQ(zv::writeDatePattern(out, &w, u"%d", 2, bad, &block()), zv::kPatternNoValue);
-    for (double bad : {zvhost::missingValue('A'), 569318630400.0, -11928470400.5})
-        EXPECT_EQ(zv::writeDatetimePattern(out, &w, u"%d", 2, bad, 0, &block(), nullptr), zv::kPatternNoValue);
 }
 
 } // namespace

@@ -9,7 +9,6 @@
 
 #include "frame/frame.hpp"
 #include "zvhost.hpp"
-#include "frame/table.hpp"
 
 namespace {
 
@@ -24,21 +23,11 @@ void expectNothingHeld(zvhost::Host &host, const std::string &what) {
         if (j.name == u"zvregional Jnl") { EXPECT_EQ(j.releases, 1) << what; }
 }
 
-TEST(Build, TheInstanceHoldsWhatTheHostReads) {
+// (What else the instance holds, the teardown below releases by name.)
+TEST(Build, TheInstanceReportsItsVersions) {
     zvhost::Host host;
     ExtensionInstance *in = host.loadModule();
     ASSERT_NE(in, nullptr);
-    EXPECT_EQ(zv::hostAnchor, host.anchor());
-    EXPECT_EQ(in->anchor, host.anchor());
-    EXPECT_EQ(in->formatTable, zv::formatTable());
-    EXPECT_EQ(in->pool, host.createdPools().front()->raw());
-    EXPECT_EQ(host.createdPools().front()->name(), "zvregional pool");
-    EXPECT_EQ(in->journalOpen, 0u);
-    EXPECT_EQ(in->monetaryRecord, nullptr);
-    EXPECT_EQ(std::tuple(in->wideFromLocaleText->sourceEncodingId, in->wideFromLocaleText->encodingId,
-                         in->wideToWide->sourceEncodingId, in->wideToWide->encodingId),
-              std::tuple(62u, 25u, 25u, 25u));
-    EXPECT_NE(in->defaultLocale, nullptr);
     std::array<int64_t, 3> v{};
     EXPECT_EQ(in->versionCurrent(in, &v[0], &v[1], &v[2]), 0);
     EXPECT_EQ(v, (std::array<int64_t, 3>{6, 1, 1}));
@@ -77,7 +66,6 @@ TEST(Build, FailuresReportAndUnwind) {
         std::vector<std::string> events;
     } const cases[] = {
         {&zvhost::Faults::failCreatePool, 1, true, true, {}},
-        {&zvhost::Faults::failCreatePool, 1, false, false, {}},
         {&zvhost::Faults::newPoolFailAt, 1, true, true, {"poolDestroy zvregional pool"}},
         {&zvhost::Faults::newPoolFailAt, 1, false, false, {"poolDestroy zvregional pool"}},
         {&zvhost::Faults::failCreateTranscoder, 1, true, false,

@@ -60,10 +60,7 @@ protected:
         zvhost::CallSpec spec;
         spec.callPool = callPool;
         if (f >= Fam::RDate) {
-            const char *text = f == Fam::RWeek ? "2021W01" : f == Fam::RMonth ? "May"
-                               : f == Fam::RDate ? (starts(n, "@NLTIM") ? "10:30" : starts(n, "@NLDATM")
-                                                    ? "01JAN2000:10:30:00" : "01JAN2000")
-                               : starts(n, "@NLPCT") ? "12.5%" : "1,234.5";
+            const std::string text = f < Fam::RNumber ? ordinaryText(n, f) : starts(n, "@NLPCT") ? "12.5%" : "1,234.5";
             const auto r = zvhost::runInformat(host, row, spec, text);
             return {r.status, std::to_string(r.bits), 0, r.fieldsChanged};
         }
@@ -93,7 +90,6 @@ TEST_F(Faulted, EveryHostOperationOfEveryRow) {
         if (const int64_t n = host.counters().transcodes - start) blockTranscodes = std::min(blockTranscodes, n);
     }
     std::set<std::pair<Fam, bool>> swept;
-    int checked = 0;
     for (const FormatTableRow *row : rows) {
         const std::string n = zvhost::rowName(*row);
         const Fam f = famOf(n);
@@ -124,7 +120,6 @@ TEST_F(Faulted, EveryHostOperationOfEveryRow) {
                     EXPECT_FALSE(o.broken) << where;
                     EXPECT_EQ(callPool->stats().liveBlocks, 0) << where;
                     EXPECT_LE(host.formatPool().stats().allocations - blocks, 1) << where;
-                    ++checked;
                     const bool last = k == at.calls, wideFormat = f < Fam::RDate && !byte;
                     const std::string stars(size_t(widthFor(*row, f)), '*');
                     // The first block of formatPool is the locale block.
@@ -153,7 +148,6 @@ TEST_F(Faulted, EveryHostOperationOfEveryRow) {
                 }
         }
     }
-    EXPECT_GT(checked, 5000);
 }
 
 } // namespace

@@ -54,6 +54,13 @@ inline int32_t blockFailure(const std::string &n, Fam f) {
 }
 inline int widthFor(const FormatTableRow &r, Fam f) { return f == Fam::DtWeek ? 11 : int(r.defaultWidth); }
 
+// A text each informat reads: a week, a month's name, a number, or a date,
+// time or datetime in its fixed form.
+inline std::string ordinaryText(const std::string &n, Fam f) {
+    if (f != Fam::RDate) return f == Fam::RWeek ? "2021W01" : f == Fam::RMonth ? "May" : "12";
+    return starts(n, "@NLTIM") ? "10:30" : starts(n, "@NLDATM") ? "01JAN2000:10:30:00" : "01JAN2000";
+}
+
 inline double ordinary(Fam f, int turn = 0) {
     const double date[] = {23440, -138061, 6589335.5, 0, -1};
     const double datetime[] = {23440 * 86400.0 + 50829.25, -11928470400.0, 569318630399.5, -0.5};

@@ -2,7 +2,8 @@
 // locale forms, the ANY-date guesses, binary, hex, size, quoted text, UUID)
 // with arbitrary texts, widths, decimals, field limits and capacities, in
 // any CLDR locale with items from the input. A run fails on any crash,
-// sanitizer report, write past a target or changed call field.
+// sanitizer report, write past a target, changed call field or an answer
+// that text past the field limit changes.
 #include "dateread/dateread.hpp"
 #include "fuzz_support.hpp"
 #include "wide/binary.hpp"
@@ -61,7 +62,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const int64_t n = int64_t(text.size()), pn = int64_t(pattern.size());
     const ZvChar *t = text.data(), *p = pattern.data();
     const size_t other = pick - rows.size() - std::size(kMore);
-    if (pick < rows.size()) rows[pick]->wideEntry(&c, nullptr);
+    if (pick < rows.size()) {
+        const int32_t status = rows[pick]->wideEntry(&c, nullptr);
+        if (c.fieldLimit >= 0 && c.fieldLimit < n) { // nothing past the field limit counts
+            const std::u16string cut = text.substr(0, size_t(c.fieldLimit));
+            std::vector<uint8_t> again(target.size(), 0xA5);
+            FormatCall d = before;
+            d.input = cut.data(), d.inputLength = c.fieldLimit, d.output = again.data();
+            if (rows[pick]->wideEntry(&d, nullptr) != status || again != target) std::abort();
+        }
+    }
     else if (pick < rows.size() + std::size(kMore)) kMore[pick - rows.size()].first(&c, nullptr);
     else if (other == 0) {
         const auto *row = (mode & 8) ? &zv::datePatternTable[in.take<uint8_t>() % zv::kDatePatternRowCount] : nullptr;

@@ -1,6 +1,5 @@
 // @WEEKU, @WEEKV, @WEEKW and @NLSTRMON on the cases they are known by (both
-// also go through the round trips over the CLDR locales), and random texts
-// through every reader.
+// also go through the round trips over the CLDR locales).
 #include "support.hpp"
 
 namespace {
@@ -43,48 +42,6 @@ TEST_F(Weeks, MonthNames) {
     for (const auto &c : cases) {
         const zvhost::ReadResult r = read("@NLSTRMON", c.text, "en_US", items, c.limit);
         EXPECT_TRUE(r.status == 0 && same(r.value, c.month)) << c.text << " " << c.limit;
-    }
-}
-
-// Random texts, in buffers of their exact size, through every reader: no
-// crash, no read outside the text (the sanitizer builds show it), and only
-// the statuses each reader may give.
-using Robust = Module;
-
-TEST_F(Robust, RandomTexts) {
-    const char16_t alphabet[] = u"0123456789012345678901234567890123456789 ::--//..,,%%TZQWwPAMpamJANjanDECdecMarzy+*"
-                                u"\u00e0\u0436\u65e5\u5e74\u00a0";
-    std::mt19937 rng(1960);
-    LocaleBlock block{};
-    block.items[6] = {0, 3, u"MDY", nullptr, 0};
-    block.items[151] = {0, 5, u"Mar z", nullptr, 0};
-    FormatCall call{};
-    call.localeBlock = &block;
-    const char *informats[] = {"@NLDATE", "@NLDATM", "@NLTIME", "@WEEKV", "@NLSTRMON"};
-    const std::vector<int32_t> allowed = {0, 1, 2, -1, 999, int32_t(0x80000000u)};
-    auto ok = [&](int32_t s) { return std::find(allowed.begin(), allowed.end(), s) != allowed.end(); };
-    for (int i = 0; i < 3000; ++i) {
-        std::u16string text(rng() % (i % 10 == 0 ? 250 : 40), u' '), pattern(rng() % 30, u' ');
-        for (std::u16string *s : {&text, &pattern})
-            for (char16_t &c : *s) c = alphabet[rng() % (std::size(alphabet) - 1)];
-        const auto t = std::make_unique<ZvChar[]>(text.size()), p = std::make_unique<ZvChar[]>(pattern.size());
-        std::copy(text.begin(), text.end(), t.get()), std::copy(pattern.begin(), pattern.end(), p.get());
-        int32_t n = int32_t(text.size()), kind = 0;
-        double out = 0, date = zv::missingValue(), time = date;
-        for (const char16_t *name : {u"DATE", u"DATETIME", u"TIME", u"B8601DZ", u"YYMMDD", u"JULIAN"})
-            EXPECT_TRUE(ok(zv::readByPattern(name, std::char_traits<char16_t>::length(name), nullptr, t.get(), n, &out,
-                                             &kind, i % 2)));
-        for (auto entry : {zv::readAnyDate, zv::readAnyTime, zv::readAnyDateTime}) {
-            FormatCall guess{};
-            guess.input = t.get(), guess.inputLength = n, guess.width = int32_t(rng() % 260), guess.output = &out;
-            EXPECT_EQ(entry(&guess, nullptr), 0);
-        }
-        EXPECT_TRUE(ok(zv::readLocaleForm(&call, t.get(), n, p.get(), int64_t(pattern.size()), &date, &time)));
-        EXPECT_TRUE(zv::isMissing(date) || (date >= -138061 && date < 6589336));
-        EXPECT_TRUE(ok(zv::readWeekText(t.get(), n, u"U", &out)));
-        const zvhost::ReadResult res =
-            read(informats[i % 5], zvhost::utf8(text), i % 2 ? "he_IL" : "ja_JP", {}, int(rng() % (n + 3)) - 1);
-        EXPECT_TRUE(ok(res.status) && !res.fieldsChanged);
     }
 }
 

@@ -1,11 +1,10 @@
 // Columns against single calls: the same rows, locales and values through
 // runFormat/runInformat and through one column record give the same texts,
-// statuses and doubles; two threads on distinct columns give what one does.
+// statuses and doubles.
 #include <gtest/gtest.h>
 
 #include <bit>
 #include <random>
-#include <thread>
 
 #include "zvhost.hpp"
 
@@ -107,25 +106,6 @@ TEST_F(Column, FixedFieldsHoldTheSameTextsAndCutWholeCharacters) {
             EXPECT_EQ(whole.substr(0, field.size()), field);
             EXPECT_EQ(statuses[i], field.size() < whole.size() ? ZV_TARGET_TOO_SMALL : 0) << whole;
             EXPECT_TRUE(field.size() == whole.size() || (whole[field.size()] & 0xC0) != 0x80) << whole;
-        }
-    }
-}
-
-TEST_F(Column, TwoThreadsOnDistinctColumnsGiveWhatOneGives) {
-    // Per-currency rows share the instance's snapshot; a date and a number
-    // column run beside them in other locales.
-    const ColumnCase *pairs[][2] = {{&kCases[4], &kCases[5]}, {&kCases[0], &kCases[3]}};
-    for (auto &pair : pairs) {
-        std::vector<double> values[2] = {randomValues(*pair[0], 3), randomValues(*pair[1], 4)};
-        for (auto &v : values) v.insert(v.end(), 2000, 1.5); // long enough to overlap
-        Formatted alone[2], together[2];
-        for (int k = 0; k < 2; ++k) alone[k] = formatted(host, *pair[k], k == 1, values[k]);
-        std::thread other([&] { together[1] = formatted(host, *pair[1], true, values[1]); });
-        together[0] = formatted(host, *pair[0], false, values[0]);
-        other.join();
-        for (int k = 0; k < 2; ++k) {
-            EXPECT_EQ(together[k].bytes, alone[k].bytes) << pair[k]->format;
-            EXPECT_EQ(together[k].statuses, alone[k].statuses) << pair[k]->format;
         }
     }
 }

@@ -1,11 +1,13 @@
 // Number and money formats beside ICU's LocalizedNumberFormatter and snprintf
 // doing the same work for the same value: NLNUM12.2, NLMNY15.2, NLMNIEUR and
-// NLD, each on a call record that keeps its locale block.
+// NLD, each on a call record that keeps its locale block; and the stages of
+// NLNUM on their own.
 #include <benchmark/benchmark.h>
 #include <unicode/locid.h>
 #include <unicode/numberformatter.h>
 #include <unicode/unistr.h>
 
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 
@@ -71,6 +73,30 @@ void snprintfFixed(benchmark::State &state) {
 }
 BENCHMARK(snprintfFixed);
 
+// The stages of NLNUM one by one: the host's plain digits (what the engine
+// asks for once or twice a value) beside std::to_chars doing the same, and the
+// whole row beside that stage, which leaves the engine's own share.
+void hostPlainDigits(benchmark::State &state) {
+    HostLocale *locale = zvbench::shared().host.locale("de_DE");
+    ZvChar out[64];
+    int64_t produced = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(locale->ops->formatNumber(locale, kValue, 12, 2, ZV_NUMBER_PLAIN, out, 64, &produced));
+        benchmark::ClobberMemory();
+    }
+}
+void toCharsFixed(benchmark::State &state) {
+    char out[64];
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(std::to_chars(out, out + sizeof out, kValue, std::chars_format::fixed, 2).ptr);
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(hostPlainDigits);
+BENCHMARK(toCharsFixed);
+
+zvbench::RegisterRatio s1("hostPlainDigits", "toCharsFixed");
+zvbench::RegisterRatio s2("nlnum", "hostPlainDigits");
 zvbench::RegisterRatio n1("nlnum", "icuNumber");
 zvbench::RegisterRatio n2("nlnum", "snprintfFixed");
 zvbench::RegisterRatio n3("nlmny", "icuMoney");

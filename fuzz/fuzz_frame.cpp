@@ -79,8 +79,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     if (mode & 0x80)
         for (uint8_t k = 0, count = in.take<uint8_t>() % 6; k < count; ++k)
             items[kItems[in.take<uint8_t>() % std::size(kItems)]] = text(in);
-    if (!zvfuzz::admit(localeName, items)) items.clear();
-    HostLocale *locale = host().locale(localeName, items);
+    const zvhost::LocaleHold hold(host(), localeName, items);
+    HostLocale *locale = hold.get();
     if (!locale) return 0;
 
     const bool wide = mode & 1, bridge = mode & 8;

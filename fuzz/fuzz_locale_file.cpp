@@ -19,7 +19,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     }
     for (const auto &[item, raw] : items)
         if (item < 0 || item >= ZV_LOCALE_TABLE_ITEMS || raw.size() > zvhost::kRawItemCapacity) std::abort();
-    if (!zvfuzz::admit("en_US", items)) return 0;
     static const auto rows = zvhost::tableRows(host().instance()->formatTable);
     const FormatTableRow &row = *rows[data[0] % rows.size()];
     zvhost::CallSpec spec;

@@ -36,7 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const std::string &localeName = zvfuzz::allLocales()[in.take<uint16_t>() % zvfuzz::allLocales().size()];
     std::map<int, std::string> items;
     for (int k = in.take<uint8_t>() % 4; k > 0; --k) items[in.take<uint8_t>() % 189] = zvhost::utf8(in.wide(30, kPieces));
-    HostLocale *locale = host().locale(localeName, zvfuzz::admit(localeName, items) ? items : decltype(items){});
+    const zvhost::LocaleHold hold(host(), localeName, items);
+    HostLocale *locale = hold.get();
     if (!locale) return 0;
     const std::u16string pattern = in.wide(40, kPieces), text = in.wide(300, kPieces);
 

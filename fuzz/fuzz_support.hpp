@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -61,18 +60,6 @@ inline const std::vector<std::string> &allLocales() {
         return n;
     }();
     return names;
-}
-
-// The host caches a locale per set of items and never lets one go, so after
-// 3000 distinct sets a new set runs on the plain locale instead.
-inline bool admit(const std::string &locale, const std::map<int, std::string> &items) {
-    static std::set<std::string> seen;
-    std::string key = locale;
-    for (const auto &[k, v] : items) key += "\x01" + std::to_string(k) + "\x02" + v;
-    if (seen.count(key)) return true;
-    if (seen.size() >= 3000) return false;
-    seen.insert(key);
-    return true;
 }
 
 // A call record changed in no field but outputLength and localeBlock, or abort.

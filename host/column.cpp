@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "utf8.hpp"
 #include "zvhost.hpp"
 
 namespace zvhost {
@@ -26,23 +27,13 @@ size_t encodeUtf8(std::u16string_view text, char *out, size_t capacity, bool &cu
             c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
         else if (c >= 0xD800 && c < 0xE000)
             c = 0xFFFD;
-        const size_t len = c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
+        const size_t len = utf8Length(uint32_t(c));
         if (n + len > capacity) {
             cut = true;
             break;
         }
         unsigned char *p = reinterpret_cast<unsigned char *>(out + n);
-        switch (len) {
-        case 1: p[0] = uint8_t(c); break;
-        case 2: p[0] = uint8_t(0xC0 | (c >> 6)), p[1] = uint8_t(0x80 | (c & 0x3F)); break;
-        case 3:
-            p[0] = uint8_t(0xE0 | (c >> 12)), p[1] = uint8_t(0x80 | ((c >> 6) & 0x3F)), p[2] = uint8_t(0x80 | (c & 0x3F));
-            break;
-        default:
-            p[0] = uint8_t(0xF0 | (c >> 18)), p[1] = uint8_t(0x80 | ((c >> 12) & 0x3F));
-            p[2] = uint8_t(0x80 | ((c >> 6) & 0x3F)), p[3] = uint8_t(0x80 | (c & 0x3F));
-            break;
-        }
+        putUtf8(p, uint32_t(c));
         n += len;
     }
     return n;

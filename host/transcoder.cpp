@@ -16,6 +16,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "utf8.hpp"
 #include "zvhost.hpp"
 
 namespace zvhost {
@@ -219,23 +220,13 @@ Encoded encodeUtf8(const UChar *mid, size_t length, uint8_t *target, size_t capa
             e.bad = true;
             break;
         }
-        const size_t n = c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
+        const size_t n = utf8Length(uint32_t(c));
         if (e.written + n > capacity) {
             e.full = true;
             break;
         }
         uint8_t *p = target + e.written;
-        switch (n) {
-        case 1: p[0] = uint8_t(c); break;
-        case 2: p[0] = uint8_t(0xC0 | (c >> 6)), p[1] = uint8_t(0x80 | (c & 0x3F)); break;
-        case 3:
-            p[0] = uint8_t(0xE0 | (c >> 12)), p[1] = uint8_t(0x80 | ((c >> 6) & 0x3F)), p[2] = uint8_t(0x80 | (c & 0x3F));
-            break;
-        default:
-            p[0] = uint8_t(0xF0 | (c >> 18)), p[1] = uint8_t(0x80 | ((c >> 12) & 0x3F));
-            p[2] = uint8_t(0x80 | ((c >> 6) & 0x3F)), p[3] = uint8_t(0x80 | (c & 0x3F));
-            break;
-        }
+        putUtf8(p, uint32_t(c));
         e.written += n;
         i += units;
     }

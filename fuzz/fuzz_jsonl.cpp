@@ -35,8 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     char *answer = nullptr;
     size_t answerSize = 0;
     std::FILE *out = open_memstream(&answer, &answerSize);
-    if (!out || in < 0 || write(in, input.data(), input.size()) != ssize_t(input.size())) std::abort();
-    lseek(in, 0, SEEK_SET);
+    if (!out || in < 0 || pwrite(in, input.data(), input.size(), 0) != ssize_t(input.size())) std::abort();
     zvfmt::runJsonLines(session(), in, out);
     close(in);
     std::fclose(out);

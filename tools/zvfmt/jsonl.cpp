@@ -376,8 +376,6 @@ std::string answerLine(Session &session, std::string_view line) {
 }
 
 int runJsonLines(Session &session, int in, std::FILE *out) {
-    static char buffer[1 << 16];
-    std::setvbuf(out, buffer, _IOFBF, sizeof buffer);
     LineReader reader(in, out);
     std::string line;
     size_t tooLong = 0;

@@ -990,6 +990,9 @@ int main(int argc, char **argv) {
     if (a.jsonl) {
         if (!a.positional.empty()) usageError("--jsonl reads its requests from stdin; unexpected \"" + command + "\"");
         auto session = startSession(a.baseline);
+        // Answers go out in blocks, flushed whenever the next request is awaited.
+        static char buffer[1 << 16];
+        std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
         return zvfmt::runJsonLines(*session, 0, stdout);
     }
     if (command.empty()) usageError("no command; give a format such as NLDATE20, or list, demo, value, --jsonl");

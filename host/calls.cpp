@@ -52,16 +52,6 @@ HostTranscoder *decoderFrom(uint32_t encoding) {
 
 std::string notBuilt(const FormatTableRow &row) { return "row " + rowName(row) + " is not built yet"; }
 
-// The per-currency rows keep a copy of the locale items in the instance,
-// refreshed only when they build a block themselves: a call that brings a
-// kept block would find another locale's copy. They build their own.
-bool buildsItsOwnBlock(const FormatTableRow &row) {
-    const std::string name = rowName(row);
-    for (const char *prefix : {"NLMNI", "NLMNL", "@NLMNI", "@NLMNL"})
-        if (name.rfind(prefix, 0) == 0) return true;
-    return false;
-}
-
 // The width, decimals and flags of the spec over a record that has its locale.
 void setCallPart(FormatCall &call, const FormatTableRow &row, const CallSpec &spec) {
     call.width = spec.width == -1 && !spec.exact ? int32_t(row.defaultWidth) : spec.width;
@@ -144,9 +134,9 @@ std::vector<const FormatTableRow *> tableRows(const FormatTableRow *table) {
 bool isInformat(const FormatTableRow &row) { return row.name[0] == u'@' || row.sourceKind == ZV_KIND_TEXT; }
 
 bool sharesInstance(const FormatTableRow &row) {
-    const std::string name = rowName(row);
-    const std::string_view bare = std::string_view(name).substr(name.starts_with('@') ? 1 : 0);
-    return bare.starts_with("NLMNI") || bare.starts_with("NLMNL");
+    // Read off the name's units: this runs for every value.
+    const ZvChar *name = row.name + (row.name[0] == u'@' ? 1 : 0);
+    return std::u16string_view(name, 4) == u"NLMN" && (name[4] == u'I' || name[4] == u'L');
 }
 
 namespace {
@@ -395,7 +385,7 @@ void Session::format(const FormatTableRow &row, const CallSpec &spec, double val
     Kept *k = kept(spec, result.error);
     if (!k) return;
     FormatCall call = k->call;
-    if (buildsItsOwnBlock(row)) call.localeBlock = nullptr;
+    if (sharesInstance(row)) call.localeBlock = nullptr;
     setCallPart(call, row, spec);
     formatWith(host_, row, spec, value, call, Target{wide_, bytes_, true}, result);
 }
@@ -407,7 +397,7 @@ ReadResult Session::read(const FormatTableRow &row, const CallSpec &spec, std::s
     Kept *k = kept(spec, result.error);
     if (!k) return result;
     FormatCall call = k->call;
-    if (buildsItsOwnBlock(row)) call.localeBlock = nullptr;
+    if (sharesInstance(row)) call.localeBlock = nullptr;
     setCallPart(call, row, spec);
     return readWith(host_, spec, row, utf8Text, call);
 }

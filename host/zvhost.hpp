@@ -255,7 +255,10 @@ std::string rowName(const FormatTableRow &row);
 // Rows of the table up to the closing blank row.
 std::vector<const FormatTableRow *> tableRows(const FormatTableRow *table);
 bool isInformat(const FormatTableRow &row);
-// The per-currency rows, which share the instance's snapshot of locale items.
+// The per-currency rows, which share the instance's snapshot of locale items:
+// refreshed only when such a row builds a block itself, so a call of theirs
+// that brings a kept block would find another locale's copy; they build their
+// own, one call at a time.
 bool sharesInstance(const FormatTableRow &row);
 
 // ---------------------------------------------------------------------------

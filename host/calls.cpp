@@ -148,6 +148,15 @@ struct Target {
     bool onlyWritten; // the text ends at the last unit the routine wrote
 };
 
+// Does anything from `from` on differ from the sentinel? A whole pass without
+// an early way out, which the compiler turns into wide compares.
+template <typename Unit>
+bool anyChanged(const std::vector<Unit> &out, size_t from, Unit sentinel) {
+    Unit diff = 0;
+    for (size_t i = from; i < out.size(); ++i) diff |= Unit(out[i] ^ sentinel);
+    return diff != 0;
+}
+
 // The units the routine wrote of the first n: trailing sentinels were never written.
 size_t writtenUnits(const char16_t *out, size_t n) {
     while (n > 0 && out[n - 1] == kWideSentinel) --n;
@@ -178,7 +187,7 @@ void formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, dou
         result.status = runEntry(host, row, [&] { return row.wideEntry(&call, nullptr); });
         result.fieldsChanged = !onlyResultsChanged(before, call);
         result.outputLength = call.outputLength;
-        result.overran = std::find_if(out.begin() + capacity, out.end(), [](char16_t c) { return c != kWideSentinel; }) != out.end();
+        result.overran = anyChanged(out, size_t(capacity), kWideSentinel);
         size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
         if (target.onlyWritten) n = writtenUnits(out.data(), n);
         result.wide.assign(out.data(), n);
@@ -197,7 +206,7 @@ void formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, dou
     result.status = runEntry(host, row, [&] { return row.byteEntry(&call, nullptr, nullptr); });
     result.fieldsChanged = !onlyResultsChanged(before, call);
     result.outputLength = call.outputLength;
-    result.overran = std::find_if(out.begin() + capacity, out.end(), [](uint8_t c) { return c != kByteSentinel; }) != out.end();
+    result.overran = anyChanged(out, size_t(capacity), kByteSentinel);
     size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
     if (target.onlyWritten && n > 0 && out[n - 1] == kByteSentinel) {
         // The sentinel is a byte some encodings write: the call runs again

@@ -204,10 +204,27 @@ int32_t ColumnFormatter::read(std::string_view utf8Text, double &value) {
 }
 
 void appendUtf8(std::u16string_view text, std::string &out) {
+    // The ASCII run at the front, a byte for a unit, in one go.
     const size_t at = out.size();
-    out.resize(at + 3 * text.size());
-    bool cut = false;
-    out.resize(at + encodeUtf8(text, out.data() + at, 3 * text.size(), cut));
+    out.resize(at + text.size());
+    char *front = out.data() + at;
+    size_t i = 0;
+    for (; i < text.size() && text[i] < 0x80; ++i) front[i] = char(text[i]);
+    out.resize(at + i);
+    for (; i < text.size(); ++i) {
+        uint32_t c = text[i];
+        if (c < 0x80) { // the common case, a byte for a unit
+            out.push_back(char(c));
+            continue;
+        }
+        if (c >= 0xD800 && c < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000)
+            c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
+        else if (c >= 0xD800 && c < 0xE000)
+            c = 0xFFFD;
+        uint8_t bytes[4];
+        putUtf8(bytes, c);
+        out.append(reinterpret_cast<const char *>(bytes), utf8Length(c));
+    }
 }
 
 std::string formatColumn(Host &host, std::string_view row, const CallSpec &spec, const double *values,

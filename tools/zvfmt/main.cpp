@@ -540,17 +540,18 @@ struct Converter {
     bool showStatus = false, raw = false;
     std::string label; // NAME[W[.D]] as given, for messages
     zvhost::FormatResult result{}; // kept from value to value
+    std::string kept{};            // an answer made here, until the next value
 
     struct Answer {
         bool good = false;
-        std::string text;              // what to write: the result, or the input as it was
+        std::string_view text;         // what to write, until the next value: the result, or the input as it was
         std::optional<int32_t> status; // for -v; none when the VALUE could not be read
         std::string message;           // why it is bad
     };
 
     Answer bad(std::string_view field, std::string message, std::optional<int32_t> status = std::nullopt) {
         Answer a;
-        a.text = std::string(field);
+        a.text = field;
         a.status = status;
         a.message = label + " \"" + std::string(field) + "\": " + message;
         return a;
@@ -558,8 +559,10 @@ struct Converter {
     Answer badStatus(std::string_view field, int32_t status) {
         return bad(field, "status " + zvfmt::statusText(status) + ", " + statusReason(status, spec), status);
     }
-    static Answer good(std::string text, int32_t status) {
-        return Answer{true, std::move(text), status, {}};
+    static Answer good(std::string_view text, int32_t status) { return Answer{true, text, status, {}}; }
+    Answer goodMade(std::string text) {
+        kept = std::move(text);
+        return good(kept, 0);
     }
 
     Answer convert(std::string_view field) {
@@ -568,7 +571,7 @@ struct Converter {
             const zvhost::ReadResult r = session.calls().read(*row, spec, field);
             if (!r.error.empty()) return bad(field, r.error);
             if (r.status != 0) return badStatus(field, r.status);
-            return good(r.untouched ? std::string("untouched") : showDouble(zvfmt::fromBits(r.bits)), 0);
+            return goodMade(r.untouched ? std::string("untouched") : showDouble(zvfmt::fromBits(r.bits)));
         }
         std::string why;
         const auto value = zvfmt::parseValue(field, &why);
@@ -591,9 +594,9 @@ struct Converter {
         if (r.overran) return bad(field, "the routine wrote past its target");
         switch (routine->answer) {
         case zvhost::RoutineAnswer::Number:
-            return good(r.untouched ? std::string("untouched") : showDouble(zvfmt::fromBits(r.bits)), 0);
-        case zvhost::RoutineAnswer::Bytes: return good(zvfmt::hexBytes(r.bytes), 0);
-        default: return good(r.utf8, 0);
+            return goodMade(r.untouched ? std::string("untouched") : showDouble(zvfmt::fromBits(r.bits)));
+        case zvhost::RoutineAnswer::Bytes: return goodMade(zvfmt::hexBytes(r.bytes));
+        default: return goodMade(r.utf8);
         }
     }
 };

@@ -99,6 +99,32 @@ int64_t dayCount(int64_t y, int m, int d) {
     return era * 146097 + doe - 719468 + 3653 - lost;
 }
 
+namespace {
+
+// A plain decimal of at most 15 digits ("-1234.25"), the common case of a
+// column: its digits and the power of ten are exact doubles, so one division
+// rounds correctly. Anything else: nullopt, for from_chars to read.
+std::optional<double> shortDecimal(std::string_view n) {
+    static constexpr double kTens[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    size_t i = n.size() > 0 && n[0] == '-' ? 1 : 0;
+    int64_t digits = 0;
+    int count = 0, places = -1;
+    for (; i < n.size(); ++i) {
+        if (n[i] == '.' && places < 0) {
+            places = 0;
+            continue;
+        }
+        if (n[i] < '0' || n[i] > '9' || ++count > 15) return std::nullopt;
+        digits = digits * 10 + (n[i] - '0');
+        if (places >= 0) ++places;
+    }
+    if (count == 0) return std::nullopt;
+    const double value = double(digits) / kTens[places < 0 ? 0 : places];
+    return n[0] == '-' ? -value : value;
+}
+
+} // namespace
+
 std::optional<double> parseValue(std::string_view text, std::string *why) {
     std::string_view s = trim(text);
     if (s.empty()) {
@@ -147,6 +173,7 @@ std::optional<double> parseValue(std::string_view text, std::string *why) {
     }
     std::string_view n = s;
     if (n.size() > 1 && n[0] == '+' && n[1] != '-' && n[1] != '+') n.remove_prefix(1);
+    if (const std::optional<double> quick = shortDecimal(n)) return quick;
     double value = 0;
     auto [end, ec] = std::from_chars(n.data(), n.data() + n.size(), value);
     if (ec == std::errc::result_out_of_range) {

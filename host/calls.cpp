@@ -52,7 +52,7 @@ HostTranscoder *decoderFrom(uint32_t encoding) {
 
 std::string notBuilt(const FormatTableRow &row) { return "row " + rowName(row) + " is not built yet"; }
 
-// The width, decimals and flags of the spec over a record that has its locale.
+// The width, decimals and flags a CallSpec asks for, over a record that has its locale.
 void setCallPart(FormatCall &call, const FormatTableRow &row, const CallSpec &spec) {
     call.width = spec.width == -1 && !spec.exact ? int32_t(row.defaultWidth) : spec.width;
     call.decimals = spec.decimals == -1 && !spec.exact ? int32_t(row.defaultDecimals) : spec.decimals;
@@ -277,17 +277,25 @@ std::string entryError(const FormatTableRow &row, const CallSpec &spec, bool inf
     return {};
 }
 
+// A record of one's own for a single call, with what it holds; an error text when it can't be made.
+struct OneCall {
+    FormatCall call;
+    LocaleHold hold;
+    PoolRecord poolRecord{};
+    std::string open(Host &host, const FormatTableRow &row, const CallSpec &spec, bool informat) {
+        std::string error = entryError(row, spec, informat);
+        return error.empty() ? prepare(host, row, spec, call, hold, poolRecord) : error;
+    }
+};
+
 } // namespace
 
 FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &spec, double value) {
     FormatResult result;
-    result.error = entryError(row, spec, false);
+    OneCall one;
+    result.error = one.open(host, row, spec, false);
     if (!result.error.empty()) return result;
-    FormatCall call;
-    LocaleHold hold;
-    PoolRecord poolRecord{};
-    result.error = prepare(host, row, spec, call, hold, poolRecord);
-    if (!result.error.empty()) return result;
+    FormatCall &call = one.call;
     std::vector<char16_t> wide;
     std::vector<uint8_t> bytes;
     formatWith(host, row, spec, value, call, Target{wide, bytes, false}, result);
@@ -296,14 +304,10 @@ FormatResult runFormat(Host &host, const FormatTableRow &row, const CallSpec &sp
 
 ReadResult runInformat(Host &host, const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text) {
     ReadResult result;
-    result.error = entryError(row, spec, true);
+    OneCall one;
+    result.error = one.open(host, row, spec, true);
     if (!result.error.empty()) return result;
-    FormatCall call;
-    LocaleHold hold;
-    PoolRecord poolRecord{};
-    result.error = prepare(host, row, spec, call, hold, poolRecord);
-    if (!result.error.empty()) return result;
-    return readWith(host, spec, row, utf8Text, call);
+    return readWith(host, spec, row, utf8Text, one.call);
 }
 
 // ---- sessions -------------------------------------------------------------------

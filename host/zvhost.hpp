@@ -369,7 +369,7 @@ public:
     // The same into a result whose strings keep their room from call to call.
     void format(const FormatTableRow &row, const CallSpec &spec, double value, FormatResult &result);
     ReadResult read(const FormatTableRow &row, const CallSpec &spec, std::string_view utf8Text);
-    // The locale block of the spec's locale, items and encoding; null, with
+    // The locale block of the CallSpec's locale, items and encoding; null, with
     // the reason, when the locale or encoding is unknown or the block can't
     // be built.
     const LocaleBlock *localeBlock(const CallSpec &spec, std::string &error);
@@ -396,7 +396,7 @@ private:
 
 class ColumnFormatter {
 public:
-    // row: a row name, any case. spec: as for runFormat/runInformat
+    // row: a row name, any case. The CallSpec: as for runFormat/runInformat
     // (outputCapacity, fieldLimit and entry apply to every value).
     ColumnFormatter(Host &host, std::string_view row, const CallSpec &spec);
     ~ColumnFormatter();

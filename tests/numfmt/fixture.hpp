@@ -32,7 +32,7 @@ protected:
     void SetUp() override { ASSERT_NE(host.loadModule(), nullptr); }
 
     // The row's text (UTF-8) for the value over the base items and `changes`
-    // (none: over the items of the locale of `spec`).
+    // (none: over the items of the CallSpec's locale).
     std::string run(const std::string &row, double value, int width, int decimals, const Items &changes = {},
                     zvhost::CallSpec spec = {}) {
         if (spec.locale == "en_US") spec.items = baseItems(changes);

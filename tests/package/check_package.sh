@@ -58,7 +58,7 @@ for program in by-cmake/zvlocfmt_example ./by-pkg-config; do
     diff -u expected.txt got.txt >&2 || fail "$program differs from examples/README.md"
 done
 
-# Each line again on the reference host: "SPEC VALUE -> [TEXT]" or "@SPEC [TEXT] -> VALUE".
+# Each line again on the reference host: "NAME[W[.D]] VALUE -> [TEXT]" or "@NAME[W[.D]] [TEXT] -> VALUE".
 while IFS= read -r line; do
     spec=${line%% *} rest=${line#* }
     input=$(sed 's/^ *//; s/ *-> .*//' <<< "$rest") output=${line#* -> }

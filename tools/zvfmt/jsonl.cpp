@@ -151,6 +151,29 @@ void numberAnswer(Json &answer, uint64_t bits, bool untouched) {
     answer["untouched"] = untouched;
 }
 
+// Locale, items, encoding, measureBytes and validate: the session's baseline,
+// with what the request gives over it.
+void readCallFields(const Json &req, const Baseline &base, zvhost::CallSpec &spec) {
+    spec.locale = req.contains("locale") ? hostLocaleName(stringField(req, "locale")) : base.locale;
+    spec.items = base.items;
+    if (req.contains("items"))
+        for (auto &[n, text] : readItems(req["items"])) spec.items[n] = text;
+    spec.encoding = req.contains("encoding") ? stringField(req, "encoding") : base.encoding;
+    spec.measureBytes = req.contains("measureBytes") ? boolField(req, "measureBytes") : base.measureBytes;
+    spec.validate = req.contains("validate") ? boolField(req, "validate") : base.validate;
+}
+
+// fieldLimit and outputCapacity, and the host state that holds for this request alone.
+StateChange readLimitsAndState(const Json &req, zvhost::CallSpec &spec) {
+    if (req.contains("fieldLimit")) spec.fieldLimit = intField(req, "fieldLimit", 0, kMaxUnits);
+    if (req.contains("outputCapacity")) spec.outputCapacity = intField(req, "outputCapacity", 0, kMaxUnits);
+    StateChange change;
+    if (req.contains("timeZone")) change.timeZone = stringField(req, "timeZone");
+    if (req.contains("options")) change.options = readOptions(req["options"]);
+    if (req.contains("clock")) change.clock = readClock(req["clock"]);
+    return change;
+}
+
 // A request for a routine without a row: text (or hex) in, a number, bytes
 // or text out. Width defaults to the length of the input.
 Json serveRoutine(Session &session, const Json &req, const zvhost::Routine &routine, Json answer, Json warnings) {
@@ -164,24 +187,13 @@ Json serveRoutine(Session &session, const Json &req, const zvhost::Routine &rout
     if (!req.contains(inputField)) throw BadRequest{std::string(inputField) + ": missing (" + routine.name + " reads it)"};
     const std::string &input = stringField(req, inputField);
     zvhost::CallSpec spec;
-    spec.locale = req.contains("locale") ? hostLocaleName(stringField(req, "locale")) : base.locale;
-    spec.items = base.items;
-    if (req.contains("items"))
-        for (auto &[n, text] : readItems(req["items"])) spec.items[n] = text;
-    spec.encoding = req.contains("encoding") ? stringField(req, "encoding") : base.encoding;
-    spec.measureBytes = req.contains("measureBytes") ? boolField(req, "measureBytes") : base.measureBytes;
-    spec.validate = req.contains("validate") ? boolField(req, "validate") : base.validate;
+    readCallFields(req, base, spec);
     spec.exact = req.contains("width");
     spec.width = spec.exact ? intField(req, "width", INT32_MIN, INT32_MAX) : -1;
     spec.decimals = req.contains("decimals") ? intField(req, "decimals", INT32_MIN, INT32_MAX) : 0;
     if (req.contains("decimals")) spec.exact = true;
     if (spec.exact && !req.contains("width")) throw BadRequest{"width: give it with decimals"};
-    if (req.contains("fieldLimit")) spec.fieldLimit = intField(req, "fieldLimit", 0, kMaxUnits);
-    if (req.contains("outputCapacity")) spec.outputCapacity = intField(req, "outputCapacity", 0, kMaxUnits);
-    StateChange change;
-    if (req.contains("timeZone")) change.timeZone = stringField(req, "timeZone");
-    if (req.contains("options")) change.options = readOptions(req["options"]);
-    if (req.contains("clock")) change.clock = readClock(req["clock"]);
+    const StateChange change = readLimitsAndState(req, spec);
     zvhost::Host &host = session.host();
     if (!host.locale(spec.locale, spec.items)) throw BadRequest{"locale: unknown locale \"" + spec.locale + "\""};
     if (!host.transcoder(spec.encoding)) throw BadRequest{"encoding: unknown encoding \"" + spec.encoding + "\""};
@@ -227,11 +239,6 @@ Json serve(Session &session, const Json &req) {
 
     const Baseline &base = session.baseline();
     zvhost::CallSpec spec;
-    spec.locale = base.locale;
-    spec.items = base.items;
-    spec.encoding = base.encoding;
-    spec.measureBytes = base.measureBytes;
-    spec.validate = base.validate;
     spec.entry = base.byteEntry && !informat ? zvhost::Entry::Byte : zvhost::Entry::Wide;
     spec.width = static_cast<int32_t>(row->defaultWidth);
     spec.decimals = static_cast<int32_t>(row->defaultDecimals);
@@ -247,20 +254,8 @@ Json serve(Session &session, const Json &req) {
         if (informat && spec.entry == zvhost::Entry::Byte)
             throw BadRequest{"entry: " + rowName + " is an informat; informats have only the wide entry"};
     }
-    if (req.contains("locale")) spec.locale = hostLocaleName(stringField(req, "locale"));
-    if (req.contains("items")) {
-        for (auto &[n, text] : readItems(req["items"])) spec.items[n] = text;
-    }
-    if (req.contains("encoding")) spec.encoding = stringField(req, "encoding");
-    if (req.contains("measureBytes")) spec.measureBytes = boolField(req, "measureBytes");
-    if (req.contains("validate")) spec.validate = boolField(req, "validate");
-    if (req.contains("fieldLimit")) spec.fieldLimit = intField(req, "fieldLimit", 0, kMaxUnits);
-    if (req.contains("outputCapacity")) spec.outputCapacity = intField(req, "outputCapacity", 0, kMaxUnits);
-
-    StateChange change;
-    if (req.contains("timeZone")) change.timeZone = stringField(req, "timeZone");
-    if (req.contains("options")) change.options = readOptions(req["options"]);
-    if (req.contains("clock")) change.clock = readClock(req["clock"]);
+    readCallFields(req, base, spec);
+    const StateChange change = readLimitsAndState(req, spec);
 
     double value = 0;
     std::string text;

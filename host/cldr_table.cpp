@@ -33,7 +33,9 @@
 #include <unicode/uniset.h>
 #include <unicode/resbund.h>
 #include <unicode/smpdtfmt.h>
+#include <unicode/uchar.h>
 #include <unicode/ucurr.h>
+#include <unicode/uloc.h>
 
 #include <algorithm>
 #include <cstring>
@@ -75,10 +77,13 @@ std::string cutEscaped(const std::string &escaped) {
 // ---------------------------------------------------------------------------
 // Locale names
 
-std::vector<icu::Locale> icuLocales() {
-    int32_t count = 0;
-    const icu::Locale *all = icu::Locale::getAvailableLocales(count);
-    return std::vector<icu::Locale>(all, all + count);
+// ICU's installed locales by name: its C list, which (unlike the list of
+// Locale objects) costs nothing to build.
+std::vector<const char *> icuLocaleNames() {
+    const int32_t count = uloc_countAvailable();
+    std::vector<const char *> names(size_t(std::max(count, 0)));
+    for (int32_t i = 0; i < count; ++i) names[size_t(i)] = uloc_getAvailable(i);
+    return names;
 }
 
 std::string maximized(const icu::Locale &locale) {
@@ -110,34 +115,30 @@ bool resolveLocale(const std::string &name, icu::Locale &out, std::string &error
     }
     // The locale may have no territory, a territory, or script and
     // territory; it must name something ICU has data for.
-    const std::string wanted = maximized(locale);
     const std::string exact = locale.getName();
-    const icu::Locale *match = nullptr;
-    std::vector<icu::Locale> all = icuLocales();
-    for (const icu::Locale &candidate : all) {
-        if (exact == candidate.getName()) {
-            match = &candidate;
-            break;
+    const std::vector<const char *> all = icuLocaleNames();
+    for (const char *candidate : all) {
+        if (exact == candidate) {
+            out = icu::Locale(candidate);
+            return true;
         }
     }
-    if (match == nullptr && std::strlen(locale.getVariant()) == 0) {
-        for (const icu::Locale &candidate : all) {
+    if (std::strlen(locale.getVariant()) == 0) {
+        const std::string wanted = maximized(locale);
+        for (const char *id : all) {
+            icu::Locale candidate(id);
             if (std::strlen(candidate.getVariant()) != 0) continue;
             // A candidate must carry what the name carries: "fr_US" is no
             // CLDR locale even though "fr" is.
             if (std::strcmp(locale.getCountry(), candidate.getCountry()) != 0) continue;
             if (maximized(candidate) == wanted) {
-                match = &candidate;
-                break;
+                out = candidate;
+                return true;
             }
         }
     }
-    if (match == nullptr) {
-        error = "unknown locale \"" + name + "\": ICU has no data for it";
-        return false;
-    }
-    out = *match;
-    return true;
+    error = "unknown locale \"" + name + "\": ICU has no data for it";
+    return false;
 }
 
 // ---------------------------------------------------------------------------
@@ -510,9 +511,18 @@ private:
         UErrorCode status = U_ZERO_ERROR;
         const icu::UnicodeString &match =
             symbols.getPatternForCurrencySpacing(UNUM_CURRENCY_MATCH, p.precedes ? false : true, status);
+        if (U_FAILURE(status)) return;
+        const UChar32 edge = p.precedes ? symbol.back() : symbol.front();
+        // CLDR's usual set is tested by category; building a set from its
+        // pattern costs more than the rest of a locale's numbers.
+        if (match == icu::UnicodeString(u"[[:^S:]&[:^Z:]]")) {
+            const int32_t category = U_MASK(u_charType(edge));
+            if ((category & (U_GC_S_MASK | U_GC_Z_MASK)) == 0) p.spaced = 1;
+            return;
+        }
         icu::UnicodeSet set(match, status);
         if (U_FAILURE(status)) return;
-        if (set.contains(p.precedes ? symbol.back() : symbol.front())) p.spaced = 1;
+        if (set.contains(edge)) p.spaced = 1;
     }
 
     void putPlacement(int first, const std::u16string &pattern, const std::u16string &symbol = {},
@@ -760,7 +770,7 @@ bool buildCldrTable(const std::string &name, std::vector<uint8_t> &table, std::s
 
 std::vector<std::string> availableLocales() {
     std::set<std::string> names;
-    for (const icu::Locale &locale : icuLocales()) names.insert(locale.getName());
+    for (const char *name : icuLocaleNames()) names.insert(icu::Locale(name).getName());
     return std::vector<std::string>(names.begin(), names.end());
 }
 

@@ -24,8 +24,7 @@ namespace {
 
 constexpr uint32_t kFirstIcuId = 100;
 
-// Ids of ICU converters: the available converters in ICU's order, then any
-// other converter a name opened, in order of first use.
+// Ids of ICU converters, by canonical name, in order of first use.
 class Registry {
 public:
     static Registry &get() {
@@ -73,15 +72,9 @@ public:
     }
 
 private:
-    Registry() {
-        const int32_t n = ucnv_countAvailable();
-        for (int32_t i = 0; i < n; ++i) {
-            const char *name = ucnv_getAvailableName(i);
-            if (!name) continue;
-            byCanonical_.emplace(name, kFirstIcuId + uint32_t(names_.size()));
-            names_.emplace_back(name);
-        }
-    }
+    // Ids are handed out as names are first asked for: listing ICU's
+    // converters up front opens every one of them.
+    Registry() = default;
 
     std::mutex m_;
     std::vector<std::string> names_;

@@ -32,6 +32,7 @@
 #include <unicode/numsys.h>
 #include <unicode/uniset.h>
 #include <unicode/resbund.h>
+#include <unicode/simpleformatter.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/uchar.h>
 #include <unicode/ucurr.h>
@@ -39,6 +40,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <set>
 
@@ -178,13 +180,25 @@ private:
     void put(int item, const std::string &raw) { setRawItem(table_, item, cutEscaped(raw)); }
     void putText(int item, std::u16string_view text) { put(item, escapeForTable(text)); }
 
-    std::u16string skeleton(const char *sk) {
-        UErrorCode status = U_ZERO_ERROR;
-        icu::UnicodeString pattern = generator_->getBestPattern(icu::UnicodeString(sk, -1, US_INV), status);
-        return U_SUCCESS(status) ? u16(pattern) : std::u16string();
+    // The locale's best pattern for a skeleton; each skeleton is asked of
+    // ICU's generator once a table, as the search is what costs.
+    const std::u16string &skeleton(const char *sk) {
+        auto [it, added] = skeletons_.try_emplace(sk);
+        if (added) {
+            UErrorCode status = U_ZERO_ERROR;
+            icu::UnicodeString pattern = generator_->getBestPattern(icu::UnicodeString(sk, -1, US_INV), status);
+            if (U_SUCCESS(status)) it->second = u16(pattern);
+        }
+        return it->second;
     }
 
+    // ICU's pattern for a date style, a time style, or both (-1: none), as
+    // its DateFormat would hold it. Read from the locale's DateTimePatterns,
+    // which is what DateFormat does for a locale that has data of its own,
+    // without building a formatter around it.
     std::u16string stylePattern(int dateStyle, int timeStyle) {
+        std::u16string quick;
+        if (styleFromBundle(dateStyle, timeStyle, quick)) return quick;
         std::unique_ptr<icu::DateFormat> format;
         if (timeStyle < 0)
             format.reset(icu::DateFormat::createDateInstance(static_cast<icu::DateFormat::EStyle>(dateStyle), gregorian_));
@@ -201,6 +215,80 @@ private:
         return u16(pattern);
     }
 
+    // DateTimePatterns: times full to short, dates full to short, the
+    // date-time glue, then (in newer data) one glue per date style.
+    static constexpr int32_t kTimeStyles = 0, kDateStyles = 4, kGlue = 8, kGluePerStyle = 9;
+
+    icu::ResourceBundle &gregorianBundle() {
+        if (!gregorianBundle_) {
+            UErrorCode status = U_ZERO_ERROR;
+            icu::ResourceBundle bundle(nullptr, icu::Locale(locale_.getBaseName()), status);
+            gregorianBundle_ = std::make_unique<icu::ResourceBundle>(
+                bundle.getWithFallback("calendar", status).getWithFallback("gregorian", status));
+        }
+        return *gregorianBundle_;
+    }
+
+    bool styleFromBundle(int dateStyle, int timeStyle, std::u16string &out) {
+        if (!patterns_) {
+            UErrorCode status = U_ZERO_ERROR;
+            patterns_ = std::make_unique<icu::ResourceBundle>(gregorianBundle().getWithFallback("DateTimePatterns", status));
+            // A locale whose data is another's (by fallback) may get its
+            // times from the pattern generator instead: that is DateFormat's.
+            const icu::Locale valid = patterns_->getLocale(ULOC_VALID_LOCALE, status);
+            patternsUsable_ = U_SUCCESS(status) && valid == icu::Locale(locale_.getBaseName()) &&
+                              patterns_->getSize() > kGlue;
+        }
+        if (!patternsUsable_) return false;
+        icu::UnicodeString time, date;
+        if (timeStyle >= 0 && !patternAt(kTimeStyles + timeStyle, time)) return false;
+        if (dateStyle >= 0 && !patternAt(kDateStyles + dateStyle, date)) return false;
+        if (timeStyle < 0 || dateStyle < 0) {
+            out = u16(timeStyle < 0 ? date : time);
+            return true;
+        }
+        icu::UnicodeString glue, both;
+        UErrorCode status = U_ZERO_ERROR;
+        // The "at" glue of the date's style comes first, where the locale has one.
+        icu::ResourceBundle at = gregorianBundle().getWithFallback("DateTimePatterns%atTime", status);
+        if (U_SUCCESS(status) && at.getSize() > dateStyle) glue = at.getStringEx(dateStyle, status);
+        if (U_FAILURE(status)) glue.remove();
+        status = U_ZERO_ERROR;
+        const int32_t glueAt = patterns_->getSize() >= kGluePerStyle + 4 ? kGluePerStyle + dateStyle : kGlue;
+        if (glue.isEmpty() && !patternAt(glueAt, glue)) return false;
+        icu::SimpleFormatter(glue, 2, 2, status).format(time, date, both, status);
+        if (U_FAILURE(status)) return false;
+        out = u16(both);
+        return true;
+    }
+
+    // An entry of DateTimePatterns: a pattern, or a pattern and its
+    // numbering override.
+    bool patternAt(int32_t index, icu::UnicodeString &out) {
+        UErrorCode status = U_ZERO_ERROR;
+        icu::ResourceBundle entry = patterns_->get(index, status);
+        if (U_FAILURE(status)) return false;
+        out = entry.getType() == URES_ARRAY ? entry.getStringEx(0, status) : entry.getString(status);
+        return U_SUCCESS(status);
+    }
+
+    // A CLDR pattern an item may take: one at hand, a skeleton's, or a
+    // date-and-time style's. Only the ones tried are looked up.
+    struct Candidate {
+        Candidate(const std::u16string &text) : text(&text) {}
+        Candidate(const char *skeleton) : skeleton(skeleton) {}
+        Candidate(int dateStyle, int timeStyle) : dateStyle(dateStyle), timeStyle(timeStyle) {}
+        const std::u16string *text = nullptr;
+        const char *skeleton = nullptr;
+        int dateStyle = -1, timeStyle = -1;
+    };
+
+    std::u16string resolve(const Candidate &c) {
+        if (c.text) return *c.text;
+        if (c.skeleton) return skeleton(c.skeleton);
+        return stylePattern(c.dateStyle, c.timeStyle);
+    }
+
     std::u16string convert(const std::u16string &cldr, bool forReading) {
         ConvertOptions options;
         options.forReading = forReading;
@@ -211,9 +299,10 @@ private:
 
     // The first CLDR pattern of the list whose conversion fits a record;
     // the last resort is an ASCII pattern that always fits.
-    void putPattern(int item, std::initializer_list<std::u16string> candidates, bool forReading,
+    void putPattern(int item, std::initializer_list<Candidate> candidates, bool forReading,
                     const char16_t *lastResort) {
-        for (const std::u16string &cldr : candidates) {
+        for (const Candidate &candidate : candidates) {
+            const std::u16string cldr = resolve(candidate);
             if (cldr.empty()) continue;
             std::string escaped = escapeForTable(convert(cldr, forReading));
             if (!escaped.empty() && escaped.size() <= kRawItemCapacity) {
@@ -317,16 +406,16 @@ private:
         putPattern(29, {medium, shortDate}, true, numeric);
         putPattern(30, {medium, shortDate}, false, numeric);
         putPattern(31, {longDate, medium, shortDate}, false, numeric);
-        putPattern(32, {full, skeleton("yMMMMEEEEd"), skeleton("yMMMEd"), medium}, true, numeric);
-        putPattern(33, {skeleton("yMMMEd"), medium}, true, numeric);
-        putPattern(34, {skeleton("yMMMM"), skeleton("yMMM")}, false, u"%m/%Y");
-        putPattern(35, {skeleton("yMMM"), skeleton("yM")}, false, u"%m/%Y");
-        putPattern(36, {skeleton("MMMMd"), skeleton("MMMd")}, false, u"%d/%m");
-        putPattern(37, {skeleton("MMMd"), skeleton("Md")}, false, u"%d/%m");
-        putPattern(38, {skeleton("y")}, false, u"%Y");
-        putPattern(39, {skeleton("yy")}, false, u"%y");
-        putPattern(40, {skeleton("yQQQQ"), skeleton("yQQQ")}, false, u"%q %Y");
-        putPattern(41, {skeleton("yQQQ")}, false, u"%q %Y");
+        putPattern(32, {full, "yMMMMEEEEd", "yMMMEd", medium}, true, numeric);
+        putPattern(33, {"yMMMEd", medium}, true, numeric);
+        putPattern(34, {"yMMMM", "yMMM"}, false, u"%m/%Y");
+        putPattern(35, {"yMMM", "yM"}, false, u"%m/%Y");
+        putPattern(36, {"MMMMd", "MMMd"}, false, u"%d/%m");
+        putPattern(37, {"MMMd", "Md"}, false, u"%d/%m");
+        putPattern(38, {"y"}, false, u"%Y");
+        putPattern(39, {"yy"}, false, u"%y");
+        putPattern(40, {"yQQQQ", "yQQQ"}, false, u"%q %Y");
+        putPattern(41, {"yQQQ"}, false, u"%q %Y");
 
         const char16_t *shortWeek = weekRule_ == WeekRule::Iso           ? u"%G-W%V"
                                     : weekRule_ == WeekRule::SundayFirst ? u"%Y-W%U"
@@ -336,22 +425,22 @@ private:
 
         const char16_t *numericTime = u"%d/%m/%Y %H:%M:%S";
         const char16_t *numericTimeAmPm = u"%d/%m/%Y %I:%M:%S %p";
-        putPattern(44, {skeleton("yMMMMdhmmss"), skeleton("yMMMdhmmss")}, true, numericTimeAmPm);
-        putPattern(45, {skeleton("yMMMdhmmss"), skeleton("yMdhmmss")}, true, numericTimeAmPm);
-        putPattern(46, {skeleton("yMMMMdjmmss"), skeleton("yMMMdjmmss")}, true, numericTime);
-        putPattern(47, {skeleton("yMMMdjmmss"), skeleton("yMdjmmss")}, true, numericTime);
-        putPattern(48, {stylePattern(DateFormat::kMedium, DateFormat::kMedium)}, false, numericTime);
-        putPattern(49, {stylePattern(DateFormat::kLong, DateFormat::kLong),
-                        stylePattern(DateFormat::kMedium, DateFormat::kMedium)},
+        putPattern(44, {"yMMMMdhmmss", "yMMMdhmmss"}, true, numericTimeAmPm);
+        putPattern(45, {"yMMMdhmmss", "yMdhmmss"}, true, numericTimeAmPm);
+        putPattern(46, {"yMMMMdjmmss", "yMMMdjmmss"}, true, numericTime);
+        putPattern(47, {"yMMMdjmmss", "yMdjmmss"}, true, numericTime);
+        putPattern(48, {Candidate(DateFormat::kMedium, DateFormat::kMedium)}, false, numericTime);
+        putPattern(49, {Candidate(DateFormat::kLong, DateFormat::kLong),
+                        Candidate(DateFormat::kMedium, DateFormat::kMedium)},
                    false, numericTime);
-        putPattern(50, {skeleton("yMMMMEEEEdjmmss"), skeleton("yMMMEdjmmss")}, true, numericTime);
-        putPattern(51, {skeleton("yMMMEdjmmss"), skeleton("yMdjmmss")}, true, numericTime);
-        putPattern(52, {skeleton("hms")}, false, u"%I:%M:%S %p");
-        putPattern(53, {skeleton("Hms")}, true, u"%H:%M:%S");
+        putPattern(50, {"yMMMMEEEEdjmmss", "yMMMEdjmmss"}, true, numericTime);
+        putPattern(51, {"yMMMEdjmmss", "yMdjmmss"}, true, numericTime);
+        putPattern(52, {"hms"}, false, u"%I:%M:%S %p");
+        putPattern(53, {"Hms"}, true, u"%H:%M:%S");
         putPattern(54, {shortDate}, false, numeric);
         putPattern(55, {shortTime}, false, u"%H:%M");
-        putPattern(56, {stylePattern(DateFormat::kShort, DateFormat::kShort)}, false, u"%d/%m/%Y %H:%M");
-        putPattern(57, {skeleton("yMd")}, false, numeric);
+        putPattern(56, {Candidate(DateFormat::kShort, DateFormat::kShort)}, false, u"%d/%m/%Y %H:%M");
+        putPattern(57, {"yMd"}, false, numeric);
 
         // The glue of date ({1}) and time ({0}) tells which goes first.
         const icu::UnicodeString &glue = generator_->getDateTimeFormat();
@@ -690,6 +779,9 @@ private:
     icu::Locale gregorian_;
     std::vector<uint8_t> &table_;
     std::unique_ptr<icu::DateTimePatternGenerator> generator_;
+    std::map<std::string, std::u16string> skeletons_;
+    std::unique_ptr<icu::ResourceBundle> gregorianBundle_, patterns_;
+    bool patternsUsable_ = false;
     std::unique_ptr<icu::DateFormatSymbols> symbols_;
     WeekRule weekRule_ = WeekRule::Iso;
     std::u16string era_;

@@ -101,7 +101,7 @@ case "$job" in
         # The host's tests, its threads among them, under ThreadSanitizer.
         build tsan --target test_host
         ctest --preset tsan -j "$JOBS"
-        fuzz_all "${FUZZ_SECONDS:-20}"
+        fuzz_all "${FUZZ_SECONDS:-10}"
         echo "== all tests passed"
         ;;
     bench)

@@ -16,15 +16,21 @@ namespace {
 
 class Times : public dt::Module {
 protected:
-    // writeClock on a call of the en_US locale.
-    std::string clock(double value, int width, int decimals) {
+    // A clock routine on a call of the en_US locale: its status and text.
+    std::pair<int32_t, std::string> run(int32_t (*routine)(FormatCall *), double value, int width, int decimals,
+                                        uint32_t flags = 0) {
         std::u16string out(64, u'#');
         FormatCall c;
         std::memset(&c, 0, sizeof c);
         c.width = width, c.decimals = decimals, c.input = &value, c.output = out.data(), c.outputCapacity = 64;
-        c.locale = host.locale("en_US"), c.services = host.services();
-        EXPECT_TRUE(zv::writeClock(&c) == 0 && c.outputLength == width);
-        return zvhost::utf8(out.substr(0, size_t(width)));
+        c.locale = host.locale("en_US"), c.services = host.services(), c.flags = flags;
+        const int32_t status = routine(&c);
+        return {status, zvhost::utf8(out.substr(0, size_t(std::clamp(c.outputLength, 0, 64))))};
+    }
+    std::string clock(double value, int width, int decimals) {
+        const auto [status, text] = run(zv::writeClock, value, width, decimals);
+        EXPECT_TRUE(status == 0 && text.size() == size_t(width));
+        return text;
     }
 };
 
@@ -37,6 +43,20 @@ TEST_F(Times, ClockTexts) {
                 C{86399.7, 8, 0, "24:00:00"}, C{32703, 10, 0, "   9:05:03"}, C{35999.5, 8, 0, "10:00:00"},
                 C{3599.95, 9, 1, "1:00:00.0"}, C{59.4, 7, 0, "0:00:59"}, C{50829.04, 11, 1, " 14:07:09.0"}})
         EXPECT_EQ(clock(c.value, c.width, c.decimals), c.text) << c.value << " " << c.width << "." << c.decimals;
+}
+
+// The clock of a second count answers its own limits, missing values and
+// range, as no row in front of it asks it to.
+TEST_F(Times, ClockOfDatetimeOnItsOwn) {
+    struct C { double value; int width, decimals; uint32_t flags; int32_t status; const char *text; };
+    for (C c : {C{50829, 1, 0, ZV_FLAG_CHECK_LIMITS, ZV_WIDTH_TOO_SMALL, ""}, C{50829, 41, 0, ZV_FLAG_CHECK_LIMITS, 3, ""},
+                C{50829, 8, -1, ZV_FLAG_CHECK_LIMITS, 4, ""}, C{50829, 8, 40, ZV_FLAG_CHECK_LIMITS, 5, ""},
+                C{50829, 41, 0, 0, 0, "14:07:09"}, C{zv::missingValue(), 8, 0, 0, 0, "."},
+                C{1e12, 4, 0, 0, 1, "****"}, C{-86400.0 + 50829, 8, 0, 0, 0, "14:07:09"}}) {
+        const auto [status, text] = run(zv::writeClockOfDatetime, c.value, c.width, c.decimals, c.flags);
+        EXPECT_EQ(status, c.status) << c.width << "." << c.decimals;
+        if (*c.text) { EXPECT_TRUE(text.size() == size_t(c.width) && text.ends_with(c.text)) << c.value << ": " << text; }
+    }
 }
 
 TEST_F(Times, TimeFormats) {

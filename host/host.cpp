@@ -558,11 +558,11 @@ struct Host::Impl {
     }
     static int32_t formatNumber(HostLocale *l, double value, int32_t width, int32_t decimals, uint32_t flags,
                                 ZvChar *target, int64_t capacity, int64_t *produced) {
-        if (localeFault(l, &Faults::failFormatNumber, &HostCounters::numberFormats)) {
-            if (produced) *produced = 0;
-            return kHostFault;
-        }
-        return formatNumberText(value, width, decimals, flags, target, capacity, produced);
+        // A failure may come after the text is written: the fault writes it,
+        // so that a caller who takes the text of a failed call shows.
+        const bool fails = localeFault(l, &Faults::failFormatNumber, &HostCounters::numberFormats);
+        const int32_t status = formatNumberText(value, width, decimals, flags, target, capacity, produced);
+        return fails ? kHostFault : status;
     }
     static int32_t parseDouble(HostLocale *l, const ZvChar *text, int64_t length, double *value, int64_t *used) {
         if (localeFault(l, &Faults::failParseDouble, &HostCounters::doubleParses)) {

@@ -8,6 +8,7 @@
 // above the tie and below the next rounding boundary.
 #include "numbers.hpp"
 
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -82,10 +83,50 @@ int incrementLast(char *text, int n) {
     return n + 1;
 }
 
+// The short road of fixedDigits: a = m * 2^e, so a * 10^places is
+// m * 5^places * 2^(e + places), whose whole part and remainder integers give
+// exactly. It serves while the rounded digits fit 19 places; false otherwise.
+constexpr int kShortPlaces = 19;
+constexpr uint64_t kShortLimit = 10000000000000000000ull; // 10^19
+
+bool shortFixedDigits(double a, int places, char *out, int *length) {
+    if (places > kShortPlaces || !(a < 1e19)) return false;
+    const uint64_t bits = std::bit_cast<uint64_t>(a);
+    const int biased = int(bits >> 52);
+    const uint64_t fraction = bits & ((uint64_t(1) << 52) - 1);
+    const uint64_t m = biased == 0 ? fraction : fraction | (uint64_t(1) << 52);
+    const int e = (biased == 0 ? 1 : biased) - 1075;
+    uint64_t power = 1;
+    for (int i = 0; i < places; ++i) power *= 5;
+    unsigned __int128 x = static_cast<unsigned __int128>(m) * power; // below 2^98
+    const int shift = e + places;
+    if (shift >= 0) {
+        x <<= shift; // a < 10^19 keeps this below 2^128
+    } else if (-shift > 100) {
+        x = 0; // below a half of the last place
+    } else {
+        const unsigned __int128 half = static_cast<unsigned __int128>(1) << (-shift - 1);
+        const bool up = (x & ((half << 1) - 1)) >= half; // a tie goes away from zero
+        x = (x >> -shift) + (up ? 1 : 0);
+    }
+    if (x >= kShortLimit) return false;
+    char digits[24];
+    int n = 0;
+    for (uint64_t q = uint64_t(x); n == 0 || q != 0 || n <= places; q /= 10) digits[n++] = char('0' + q % 10);
+    int k = 0;
+    for (int i = n - 1; i >= 0; --i) {
+        out[k++] = digits[i];
+        if (i == places && places > 0) out[k++] = '.';
+    }
+    *length = k;
+    return true;
+}
+
 // |a| with `places` decimals, rounded half away from zero. Returns the length.
 // At a tie the text with one place more is exact and ends in 5: that 5 goes
 // and the rest rounds up.
 int fixedDigits(double a, int places, char *out) {
+    if (int n = 0; shortFixedDigits(a, places, out, &n)) return n;
     if (!isTie(a, places)) {
         auto r = std::to_chars(out, out + kTextRoom, a, std::chars_format::fixed, places);
         return static_cast<int>(r.ptr - out);

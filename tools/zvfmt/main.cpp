@@ -14,6 +14,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cldr.hpp"
+#include "zvlocfmt/version.h"
 
 #include "jsonl.hpp"
 #include "lines.hpp"
@@ -25,7 +26,7 @@ namespace {
 using zvfmt::Baseline;
 using zvfmt::Session;
 
-constexpr const char *kVersion = "zvfmt (zvlocfmt 6.1.1)";
+constexpr const char *kVersion = "zvfmt (zvlocfmt " ZVLOCFMT_VERSION_TEXT ")";
 
 constexpr const char *kMainHelp = R"TXT(zvfmt - the locale-sensitive formats and informats of zvlocfmt
 
@@ -831,7 +832,7 @@ int runDemo(const Args &a) {
     const std::string localeOverride = a.localeGiven ? a.baseline.locale : "";
     zvhost::Host &host = session->host();
     const auto rows = session->rows();
-    std::printf("zvlocfmt %s: %zu rows\n\n", "6.1.1", rows.size());
+    std::printf("zvlocfmt %s: %zu rows\n\n", ZVLOCFMT_VERSION_TEXT, rows.size());
 
     std::printf("Formats (value to text; [brackets] show the field):\n");
     for (const Example &e : kFormatExamples) {

@@ -1013,13 +1013,10 @@ int runItems(const Args &a) {
         return 1;
     }
     if (a.header) printLine("ITEM\tWIDTH\tRAW\tDECODED");
+    const std::vector<uint8_t> tableBytes(table, table + ZV_LOCALE_TABLE_SIZE);
     for (int k = 0; k < ZV_LOCALE_TABLE_ITEMS; ++k) {
-        const uint8_t *record = table + ZV_LOCALE_TABLE_OFFSET + size_t(k) * ZV_LOCALE_RECORD_SIZE;
-        size_t n = size_t(record[0] | (record[1] << 8));
-        if (n > 160) n = 160;
         std::string raw;
-        for (size_t i = 0; i < n; ++i) {
-            const unsigned char c = record[2 + i];
+        for (const unsigned char c : zvhost::rawItem(tableBytes, k)) {
             if (c >= 0x20 && c < 0x7f) raw.push_back(char(c));
             else {
                 char esc[8];

@@ -148,202 +148,216 @@ private:
         inexact(std::string(static_cast<size_t>(count), letter) + " dropped: " + why);
     }
 
+    // One CLDR field, a letter repeated count times: the letter picks its family.
     void field(char letter, int count) {
-        const bool reading = options_.forReading;
         const std::string f(static_cast<size_t>(count), letter);
         switch (letter) {
-        case 'G':
-            if (options_.eraName.empty()) {
-                drop(letter, count, "no era directive");
-            } else {
-                literalText(options_.eraName);
-                note(f + " written as the era name of years after 0");
-            }
-            return;
-        case 'y':
-            if (count == 2) {
-                directive(u"y");
-            } else {
-                directive(u"Y");
-                if (count > 4) inexact(f + " written as %Y: four digits");
-            }
-            return;
+        case 'G': return era(f);
+        case 'y': return calendarYear(f, count);
         case 'u':
-        case 'r':
-            directive(u"Y");
-            return;
-        case 'Y':
-            if (options_.weekRule == WeekRule::Iso && !reading) {
-                directive(count == 2 ? u"g" : u"G");
-            } else {
-                directive(count == 2 ? u"y" : u"Y");
-                inexact(f + " (week year) written as the calendar year");
-            }
-            return;
-        case 'U':
-            drop(letter, count, "no cyclic year");
-            return;
+        case 'r': return directive(u"Y");
+        case 'Y': return weekYear(f, count);
+        case 'U': return drop(letter, count, "no cyclic year");
         case 'Q':
-        case 'q': {
-            const bool other = letter == 'q' && !reading;
-            if (count <= 2) {
-                directive(other ? u"#q" : u"q");
-                inexact(f + " (quarter number) written as the abbreviated quarter name");
-            } else if (count == 3) {
-                directive(other ? u"#q" : u"q");
-            } else if (count == 4) {
-                directive(other ? u"#Q" : u"Q");
-            } else {
-                directive(other ? u"#q" : u"q");
-                inexact(f + " (narrow quarter) written as the abbreviated name");
-            }
-            if (letter == 'q' && reading && count >= 3)
-                inexact(f + " written with the formatting names: the reader has no other form");
-            return;
-        }
+        case 'q': return quarter(f, letter, count);
         case 'M':
-        case 'L': {
-            const bool standAlone = letter == 'L';
-            if (count == 1) {
-                directive(reading ? u"O" : u"#m");
-            } else if (count == 2) {
-                directive(u"m");
-            } else if (count == 3 || count >= 5) {
-                directive(standAlone && !reading ? u"#b" : u"b");
-                if (count >= 5) inexact(f + " (narrow month) written as the abbreviated name");
-            } else {
-                directive(standAlone && !reading ? u"#B" : u"B");
-            }
-            if (standAlone && reading && count >= 3)
-                inexact(f + " written with the formatting names: the reader has no other form");
-            return;
-        }
-        case 'w':
-            switch (options_.weekRule) {
-            case WeekRule::Iso:
-                directive(count == 1 && !reading ? u"#V" : u"V");
-                break;
-            case WeekRule::SundayFirst:
-                directive(count == 1 && !reading ? u"#U" : u"U");
-                inexact(f + " written as the week from the first Sunday");
-                break;
-            case WeekRule::MondayFirst:
-                directive(count == 1 && !reading ? u"#W" : u"W");
-                inexact(f + " written as the week from the first Monday");
-                break;
-            }
-            if (reading && count == 1) inexact(f + " written padded: the reader has no flags");
-            return;
-        case 'W':
-            drop(letter, count, "no week of the month");
-            return;
-        case 'F':
-            drop(letter, count, "no weekday in the month");
-            return;
-        case 'g':
-            drop(letter, count, "no modified Julian day");
-            return;
-        case 'A':
-            drop(letter, count, "no milliseconds in the day");
-            return;
-        case 'd':
-            if (count == 1)
-                directive(reading ? u"E" : u"#d");
-            else
-                directive(u"d");
-            if (count > 2) inexact(f + " written as two digits");
-            return;
-        case 'D':
-            if (reading) {
-                directive(u"j");
-                if (count < 3) inexact(f + " written padded: the reader has no flags");
-            } else if (count >= 3) {
-                directive(u"j");
-                if (count > 3) inexact(f + " written as three digits");
-            } else {
-                directive(u"#j");
-                if (count == 2) inexact(f + " written unpadded");
-            }
-            return;
-        case 'E':
-            if (count == 4) {
-                directive(u"A");
-            } else {
-                directive(u"a");
-                if (count >= 5) inexact(f + " (narrow or short weekday) written as the abbreviated name");
-            }
-            return;
+        case 'L': return month(f, letter, count);
+        case 'w': return weekOfYear(f, count);
+        case 'W': return drop(letter, count, "no week of the month");
+        case 'F': return drop(letter, count, "no weekday in the month");
+        case 'g': return drop(letter, count, "no modified Julian day");
+        case 'A': return drop(letter, count, "no milliseconds in the day");
+        case 'd': return dayOfMonth(f, count);
+        case 'D': return dayOfYear(f, count);
+        case 'E': return weekdayName(f, count, false);
         case 'e':
-        case 'c': {
-            const bool other = letter == 'c' && !reading;
-            if (count <= 2) {
-                if (reading) {
-                    drop(letter, count, "the reader takes %u for a weekday name");
-                } else {
-                    directive(u"u");
-                    inexact(f + " (weekday number) written as %u, 1 for Monday");
-                }
-            } else if (count == 4) {
-                directive(other ? u"#A" : u"A");
-            } else {
-                directive(other ? u"#a" : u"a");
-                if (count >= 5) inexact(f + " (narrow or short weekday) written as the abbreviated name");
-            }
-            if (letter == 'c' && reading && count >= 3)
-                inexact(f + " written with the formatting names: the reader has no other form");
-            return;
-        }
-        case 'a':
-            directive(u"p");
-            if (count >= 4) inexact(f + " (wide or narrow mark) written as the abbreviated mark");
-            return;
+        case 'c': return localWeekday(f, letter, count);
+        case 'a': return amPmMark(f, count);
         case 'b':
-        case 'B':
-            directive(u"p");
-            inexact(f + " (day period) written as the AM/PM mark");
-            return;
-        case 'h':
-            twoDigits(f, count, u"I", u"#I", u"I");
-            return;
-        case 'H':
-            twoDigits(f, count, u"H", u"#H", u"H");
-            return;
-        case 'K':
-            twoDigits(f, count, u"L", u"#L", u"I");
-            inexact(f + " (hour 0 to 11) written on the 0 to 12 clock: noon shows 12");
-            return;
-        case 'k':
-            twoDigits(f, count, u"K", u"#K", u"H");
-            if (reading) inexact(f + " (hour 1 to 24) written as 0 to 23");
-            return;
-        case 'm':
-            twoDigits(f, count, u"M", u"#M", u"M");
-            return;
-        case 's':
-            twoDigits(f, count, u"S", u"#S", u"S");
-            return;
-        case 'S':
-            // The separator before the fraction belongs to it.
-            if (!out_.empty() && (out_.back() == u'.' || out_.back() == u',')) out_.pop_back();
-            drop(letter, count, "%S writes the fraction when the call asks for decimals");
-            return;
+        case 'B': return dayPeriod(f);
+        case 'h': return twoDigits(f, count, u"I", u"#I", u"I");
+        case 'H': return twoDigits(f, count, u"H", u"#H", u"H");
+        case 'K': return hourFromZero(f, count);
+        case 'k': return hourToTwentyFour(f, count);
+        case 'm': return twoDigits(f, count, u"M", u"#M", u"M");
+        case 's': return twoDigits(f, count, u"S", u"#S", u"S");
+        case 'S': return fraction(letter, count);
         case 'z':
         case 'Z':
         case 'O':
         case 'v':
         case 'V':
         case 'X':
-        case 'x':
+        case 'x': return zone(f, letter, count);
+        default: return drop(letter, count, "not a field of a date pattern");
+        }
+    }
+
+    void era(const std::string &f) {
+        if (options_.eraName.empty()) {
+            drop(f[0], int(f.size()), "no era directive");
+        } else {
+            literalText(options_.eraName);
+            note(f + " written as the era name of years after 0");
+        }
+    }
+
+    void calendarYear(const std::string &f, int count) {
+        if (count == 2) {
+            directive(u"y");
+        } else {
+            directive(u"Y");
+            if (count > 4) inexact(f + " written as %Y: four digits");
+        }
+    }
+
+    // The engine's only week year is the ISO one.
+    void weekYear(const std::string &f, int count) {
+        if (options_.weekRule == WeekRule::Iso && !options_.forReading) {
+            directive(count == 2 ? u"g" : u"G");
+        } else {
+            directive(count == 2 ? u"y" : u"Y");
+            inexact(f + " (week year) written as the calendar year");
+        }
+    }
+
+    // Q formatting, q stand-alone; the engine has names for a quarter, no number.
+    void quarter(const std::string &f, char letter, int count) {
+        const bool reading = options_.forReading;
+        const bool other = letter == 'q' && !reading;
+        if (count <= 2) {
+            directive(other ? u"#q" : u"q");
+            inexact(f + " (quarter number) written as the abbreviated quarter name");
+        } else if (count == 3) {
+            directive(other ? u"#q" : u"q");
+        } else if (count == 4) {
+            directive(other ? u"#Q" : u"Q");
+        } else {
+            directive(other ? u"#q" : u"q");
+            inexact(f + " (narrow quarter) written as the abbreviated name");
+        }
+        if (letter == 'q' && reading && count >= 3)
+            inexact(f + " written with the formatting names: the reader has no other form");
+    }
+
+    // M formatting, L stand-alone: a number or a name.
+    void month(const std::string &f, char letter, int count) {
+        const bool reading = options_.forReading;
+        const bool standAlone = letter == 'L';
+        if (count == 1) {
+            directive(reading ? u"O" : u"#m");
+        } else if (count == 2) {
+            directive(u"m");
+        } else if (count == 3 || count >= 5) {
+            directive(standAlone && !reading ? u"#b" : u"b");
+            if (count >= 5) inexact(f + " (narrow month) written as the abbreviated name");
+        } else {
+            directive(standAlone && !reading ? u"#B" : u"B");
+        }
+        if (standAlone && reading && count >= 3)
+            inexact(f + " written with the formatting names: the reader has no other form");
+    }
+
+    // The week of the year by the locale's week rule.
+    void weekOfYear(const std::string &f, int count) {
+        const bool unpadded = count == 1 && !options_.forReading;
+        switch (options_.weekRule) {
+        case WeekRule::Iso:
+            directive(unpadded ? u"#V" : u"V");
+            break;
+        case WeekRule::SundayFirst:
+            directive(unpadded ? u"#U" : u"U");
+            inexact(f + " written as the week from the first Sunday");
+            break;
+        case WeekRule::MondayFirst:
+            directive(unpadded ? u"#W" : u"W");
+            inexact(f + " written as the week from the first Monday");
+            break;
+        }
+        if (options_.forReading && count == 1) inexact(f + " written padded: the reader has no flags");
+    }
+
+    void dayOfMonth(const std::string &f, int count) {
+        if (count == 1)
+            directive(options_.forReading ? u"E" : u"#d");
+        else
+            directive(u"d");
+        if (count > 2) inexact(f + " written as two digits");
+    }
+
+    void dayOfYear(const std::string &f, int count) {
+        if (options_.forReading) {
+            directive(u"j");
+            if (count < 3) inexact(f + " written padded: the reader has no flags");
+        } else if (count >= 3) {
+            directive(u"j");
+            if (count > 3) inexact(f + " written as three digits");
+        } else {
+            directive(u"#j");
+            if (count == 2) inexact(f + " written unpadded");
+        }
+    }
+
+    // A weekday name, wide at four letters, else abbreviated; `other` takes
+    // the stand-alone names.
+    void weekdayName(const std::string &f, int count, bool other) {
+        if (count == 4) {
+            directive(other ? u"#A" : u"A");
+        } else {
+            directive(other ? u"#a" : u"a");
+            if (count >= 5) inexact(f + " (narrow or short weekday) written as the abbreviated name");
+        }
+    }
+
+    // e formatting, c stand-alone: a number up to two letters, else a name.
+    void localWeekday(const std::string &f, char letter, int count) {
+        const bool reading = options_.forReading;
+        if (count <= 2) {
             if (reading) {
-                drop(letter, count, "the reader has no time zone");
+                drop(letter, count, "the reader takes %u for a weekday name");
             } else {
-                directive(u"z");
-                inexact(f + " (time zone) written as the UTC offset");
+                directive(u"u");
+                inexact(f + " (weekday number) written as %u, 1 for Monday");
             }
-            return;
-        default:
-            drop(letter, count, "not a field of a date pattern");
-            return;
+        } else {
+            weekdayName(f, count, letter == 'c' && !reading);
+        }
+        if (letter == 'c' && reading && count >= 3)
+            inexact(f + " written with the formatting names: the reader has no other form");
+    }
+
+    void amPmMark(const std::string &f, int count) {
+        directive(u"p");
+        if (count >= 4) inexact(f + " (wide or narrow mark) written as the abbreviated mark");
+    }
+
+    void dayPeriod(const std::string &f) {
+        directive(u"p");
+        inexact(f + " (day period) written as the AM/PM mark");
+    }
+
+    void hourFromZero(const std::string &f, int count) {
+        twoDigits(f, count, u"L", u"#L", u"I");
+        inexact(f + " (hour 0 to 11) written on the 0 to 12 clock: noon shows 12");
+    }
+
+    void hourToTwentyFour(const std::string &f, int count) {
+        twoDigits(f, count, u"K", u"#K", u"H");
+        if (options_.forReading) inexact(f + " (hour 1 to 24) written as 0 to 23");
+    }
+
+    void fraction(char letter, int count) {
+        // The separator before the fraction belongs to it.
+        if (!out_.empty() && (out_.back() == u'.' || out_.back() == u',')) out_.pop_back();
+        drop(letter, count, "%S writes the fraction when the call asks for decimals");
+    }
+
+    void zone(const std::string &f, char letter, int count) {
+        if (options_.forReading) {
+            drop(letter, count, "the reader has no time zone");
+        } else {
+            directive(u"z");
+            inexact(f + " (time zone) written as the UTC offset");
         }
     }
 

@@ -23,6 +23,7 @@
 
 #include "cldr.hpp"
 #include "numbers.hpp"
+#include "unicode_category.hpp"
 #include "zvhost.hpp"
 
 namespace zvhost {
@@ -267,43 +268,6 @@ double zoneOffset(HostTimeZone *t, double seconds, int32_t) {
 }
 const HostTimeZoneOps kZoneOps = {zoneOffset};
 
-// General categories in the bit order of the character services.
-int categoryBit(int8_t type) {
-    switch (type) {
-    case U_UPPERCASE_LETTER: return 0;
-    case U_LOWERCASE_LETTER: return 1;
-    case U_TITLECASE_LETTER: return 2;
-    case U_NON_SPACING_MARK: return 3;
-    case U_COMBINING_SPACING_MARK: return 4;
-    case U_ENCLOSING_MARK: return 5;
-    case U_DECIMAL_DIGIT_NUMBER: return 6;
-    case U_LETTER_NUMBER: return 7;
-    case U_OTHER_NUMBER: return 8;
-    case U_SPACE_SEPARATOR: return 9;
-    case U_LINE_SEPARATOR: return 10;
-    case U_PARAGRAPH_SEPARATOR: return 11;
-    case U_CONTROL_CHAR: return 12;
-    case U_FORMAT_CHAR: return 13;
-    case U_SURROGATE: return 14;
-    case U_PRIVATE_USE_CHAR: return 15;
-    case U_GENERAL_OTHER_TYPES: return 16; // unassigned
-    case U_MODIFIER_LETTER: return 17;
-    case U_OTHER_LETTER: return 18;
-    case U_CONNECTOR_PUNCTUATION: return 19;
-    case U_DASH_PUNCTUATION: return 20;
-    case U_START_PUNCTUATION: return 21;
-    case U_END_PUNCTUATION: return 22;
-    case U_INITIAL_PUNCTUATION: return 23;
-    case U_FINAL_PUNCTUATION: return 24;
-    case U_OTHER_PUNCTUATION: return 25;
-    case U_MATH_SYMBOL: return 26;
-    case U_CURRENCY_SYMBOL: return 27;
-    case U_MODIFIER_SYMBOL: return 28;
-    case U_OTHER_SYMBOL: return 29;
-    default: return 16;
-    }
-}
-
 char chrtabHandle = 0;
 
 // The most entries the events log keeps.
@@ -518,7 +482,7 @@ struct Host::Impl {
     static int32_t charClass(NlsServices *n, uint32_t c, uint32_t mask) {
         if (Impl *h = of(n)) bump(h->counters.charServiceCalls);
         if (c > 0x10FFFF) return 0;
-        return int32_t((1u << categoryBit(u_charType(UChar32(c)))) & mask);
+        return int32_t(categoryMask(int8_t(u_charType(UChar32(c)))) & mask);
     }
     static uint32_t charUpper(NlsServices *n, uint32_t c, int32_t) {
         if (Impl *h = of(n)) bump(h->counters.charServiceCalls);

@@ -4,6 +4,7 @@
 
 #include "frame/frame.hpp"
 #include "frame/table.hpp"
+#include "zvlocfmt/version.h"
 
 namespace zv {
 
@@ -14,9 +15,9 @@ namespace {
 constexpr int32_t kBuildFailureLevel = 4;
 
 int32_t versionCurrent(ExtensionInstance *, int64_t *a, int64_t *b, int64_t *c) {
-    if (a) *a = 6;
-    if (b) *b = 1;
-    if (c) *c = 1;
+    if (a) *a = ZVLOCFMT_VERSION_MAJOR;
+    if (b) *b = ZVLOCFMT_VERSION_MINOR;
+    if (c) *c = ZVLOCFMT_VERSION_PATCH;
     return 0;
 }
 
@@ -75,11 +76,11 @@ struct BuildRecord {
 
 const BuildRecord &buildRecord() {
     static const BuildRecord record = {{
-        reinterpret_cast<uint64_t>("6.1.1"),          // version text
+        reinterpret_cast<uint64_t>(ZVLOCFMT_VERSION_TEXT), // version text
         reinterpret_cast<uint64_t>("main"),           // branch
         reinterpret_cast<uint64_t>("zvlocfmt"),       // component family
         static_cast<uint64_t>(ZV_BUILD_EPOCH),        // build time, seconds since 1970
-        reinterpret_cast<uint64_t>("zvlocfmt-6.1.1"), // its stamp
+        reinterpret_cast<uint64_t>("zvlocfmt-" ZVLOCFMT_VERSION_TEXT), // its stamp
         reinterpret_cast<uint64_t>("zvregional"),     // second component family
         reinterpret_cast<uint64_t>("zvregional-6.1"), // its stamp
         reinterpret_cast<uint64_t>("V6"),             // version keys
@@ -114,8 +115,8 @@ ZV_EXPORT int32_t zvextent(HostAnchor *anchor) {
 }
 
 ZV_EXPORT int32_t zvextver(HostAnchor *anchor, int64_t *major, int64_t *minor) {
-    if (major) *major = 6;
-    if (minor) *minor = 1;
+    if (major) *major = ZVLOCFMT_VERSION_MAJOR;
+    if (minor) *minor = ZVLOCFMT_VERSION_MINOR;
     hostAnchor = anchor;
     return 0;
 }

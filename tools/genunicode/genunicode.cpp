@@ -61,10 +61,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <initializer_list>
 #include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "unicode_category.hpp"
 
 namespace {
 
@@ -86,40 +89,14 @@ UCharCategory category9(UChar32 c) {
     return t;
 }
 
-uint32_t classBit(UCharCategory t) {
-    switch (t) {
-    case U_UPPERCASE_LETTER: return 1u << 0;
-    case U_LOWERCASE_LETTER: return 1u << 1;
-    case U_TITLECASE_LETTER: return 1u << 2;
-    case U_NON_SPACING_MARK: return 1u << 3;
-    case U_COMBINING_SPACING_MARK: return 1u << 4;
-    case U_ENCLOSING_MARK: return 1u << 5;
-    case U_DECIMAL_DIGIT_NUMBER: return 1u << 6;
-    case U_LETTER_NUMBER: return 1u << 7;
-    case U_OTHER_NUMBER: return 1u << 8;
-    case U_SPACE_SEPARATOR: return 1u << 9;
-    case U_LINE_SEPARATOR: return 1u << 10;
-    case U_PARAGRAPH_SEPARATOR: return 1u << 11;
-    case U_CONTROL_CHAR: return 1u << 12;
-    case U_FORMAT_CHAR: return 1u << 13;
-    case U_SURROGATE: return 1u << 14;
-    case U_PRIVATE_USE_CHAR: return 1u << 15;
-    case U_UNASSIGNED: return 1u << 16;
-    case U_MODIFIER_LETTER: return 1u << 17;
-    case U_OTHER_LETTER: return 1u << 18;
-    case U_CONNECTOR_PUNCTUATION: return 1u << 19;
-    case U_DASH_PUNCTUATION: return 1u << 20;
-    case U_START_PUNCTUATION: return 1u << 21;
-    case U_END_PUNCTUATION: return 1u << 22;
-    case U_INITIAL_PUNCTUATION: return 1u << 23;
-    case U_FINAL_PUNCTUATION: return 1u << 24;
-    case U_OTHER_PUNCTUATION: return 1u << 25;
-    case U_MATH_SYMBOL: return 1u << 26;
-    case U_CURRENCY_SYMBOL: return 1u << 27;
-    case U_MODIFIER_SYMBOL: return 1u << 28;
-    case U_OTHER_SYMBOL: return 1u << 29;
-    default: return 0;
-    }
+// The class bit of a code point as Unicode 9.0 had it.
+uint32_t classBit9(UChar32 c) { return zvhost::categoryMask(category9(c)); }
+
+// The class mask of a set of general categories.
+constexpr uint32_t categories(std::initializer_list<UCharCategory> list) {
+    uint32_t mask = 0;
+    for (UCharCategory t : list) mask |= zvhost::categoryMask(t);
+    return mask;
 }
 
 bool isFullwidthOrAsciiHexLetter(UChar32 c) {
@@ -163,15 +140,18 @@ const Pair kUpperPairs[] = {
 const int kFoldPages[19] = {0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x07, 0x08, 0x09, 0x0A,
                             0x0B, 0x21, 0x3C, 0x3D, 0x3E, 0x3F, 0x42, 0x49, 0x1FE};
 
-void writeRanges(FILE *out, const char *symbol, const Ranges &r) {
-    std::fprintf(out, "inline constexpr CodeRange %s[%zu] = {\n", symbol, r.size());
+// An array of pairs of code points, perRow to a line.
+void writeCodePairs(FILE *out, const char *type, const char *symbol, const Ranges &r, size_t perRow) {
+    std::fprintf(out, "inline constexpr %s %s[%zu] = {\n", type, symbol, r.size());
     for (size_t i = 0; i < r.size(); ++i) {
-        if (i % 4 == 0) std::fprintf(out, "   ");
+        if (i % perRow == 0) std::fprintf(out, "   ");
         std::fprintf(out, " {0x%04X, 0x%04X},", r[i].first, r[i].second);
-        if (i % 4 == 3 || i + 1 == r.size()) std::fprintf(out, "\n");
+        if (i % perRow == perRow - 1 || i + 1 == r.size()) std::fprintf(out, "\n");
     }
     std::fprintf(out, "};\n\n");
 }
+
+void writeRanges(FILE *out, const char *symbol, const Ranges &r) { writeCodePairs(out, "CodeRange", symbol, r, 4); }
 
 void writeDeltas(FILE *out, const char *symbol, const std::vector<std::vector<int>> &pages) {
     std::fprintf(out, "inline constexpr int8_t %s[19][128] = {\n", symbol);
@@ -188,48 +168,45 @@ void writeDeltas(FILE *out, const char *symbol, const std::vector<std::vector<in
 }
 
 void writePairs(FILE *out, const char *symbol, const std::vector<Pair> &pairs) {
-    std::fprintf(out, "inline constexpr CasePair %s[%zu] = {\n", symbol, pairs.size());
-    for (size_t i = 0; i < pairs.size(); ++i) {
-        if (i % 5 == 0) std::fprintf(out, "   ");
-        std::fprintf(out, " {0x%04X, 0x%04X},", pairs[i].from, pairs[i].to);
-        if (i % 5 == 4 || i + 1 == pairs.size()) std::fprintf(out, "\n");
-    }
-    std::fprintf(out, "};\n\n");
+    Ranges r;
+    for (const Pair &p : pairs) r.emplace_back(p.from, p.to);
+    writeCodePairs(out, "CasePair", symbol, r, 5);
 }
 
-} // namespace
-
-int main(int argc, char **argv) {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: zvgenunicode <output file>\n");
-        return 2;
-    }
-
-    auto inCategories = [](uint32_t mask) {
-        return [mask](UChar32 c) { return (classBit(category9(c)) & mask) != 0; };
-    };
-    const uint32_t notPrintable = (1u << 12) | (1u << 13) | (1u << 14) | (1u << 15) | (1u << 16);
-    const uint32_t notGraphic = 0x17e00u;
-    const ClassSpec classes[] = {
-        {"kDecimalDigitRanges", 54, inCategories(0x40)},
-        {"kLowerCaseRanges", 633, inCategories(0x2)},
-        {"kUpperCaseRanges", 627, inCategories(0x1)},
-        {"kLetterRanges", 571, inCategories(0x60007)},
-        {"kHexDigitRanges", 58,
-         [](UChar32 c) { return classBit(category9(c)) == 0x40 || isFullwidthOrAsciiHexLetter(c); }},
-        {"kPrintableRanges", 641,
-         [=](UChar32 c) { return (classBit(category9(c)) & notPrintable) == 0; }},
-        {"kPunctuationRanges", 168, inCategories(0x3f80000)},
+// The nine classes with the count of ranges each must have.
+std::vector<ClassSpec> classSpecs() {
+    auto inCategories = [](uint32_t mask) { return [mask](UChar32 c) { return (classBit9(c) & mask) != 0; }; };
+    const uint32_t notPrintable = categories({U_CONTROL_CHAR, U_FORMAT_CHAR, U_SURROGATE, U_PRIVATE_USE_CHAR, U_UNASSIGNED});
+    const uint32_t notGraphic = categories({U_SPACE_SEPARATOR, U_LINE_SEPARATOR, U_PARAGRAPH_SEPARATOR, U_CONTROL_CHAR,
+                                            U_FORMAT_CHAR, U_SURROGATE, U_UNASSIGNED});
+    const uint32_t digit = categories({U_DECIMAL_DIGIT_NUMBER});
+    return {
+        {"kDecimalDigitRanges", 54, inCategories(digit)},
+        {"kLowerCaseRanges", 633, inCategories(categories({U_LOWERCASE_LETTER}))},
+        {"kUpperCaseRanges", 627, inCategories(categories({U_UPPERCASE_LETTER}))},
+        {"kLetterRanges", 571,
+         inCategories(categories({U_UPPERCASE_LETTER, U_LOWERCASE_LETTER, U_TITLECASE_LETTER, U_MODIFIER_LETTER,
+                                  U_OTHER_LETTER}))},
+        {"kHexDigitRanges", 58, [=](UChar32 c) { return classBit9(c) == digit || isFullwidthOrAsciiHexLetter(c); }},
+        {"kPrintableRanges", 641, [=](UChar32 c) { return (classBit9(c) & notPrintable) == 0; }},
+        {"kPunctuationRanges", 168,
+         inCategories(categories({U_CONNECTOR_PUNCTUATION, U_DASH_PUNCTUATION, U_START_PUNCTUATION, U_END_PUNCTUATION,
+                                  U_INITIAL_PUNCTUATION, U_FINAL_PUNCTUATION, U_OTHER_PUNCTUATION}))},
         {"kGraphicRanges", 641,
          [=](UChar32 c) {
-             const uint32_t bit = classBit(category9(c));
-             if (bit == (1u << 15) && c > 0xFFFF) return false;
+             // Private use is graphic in the BMP only.
+             const uint32_t bit = classBit9(c);
+             if (bit == categories({U_PRIVATE_USE_CHAR}) && c > 0xFFFF) return false;
              return (bit & notGraphic) == 0;
          }},
-        {"kControlRanges", 20, inCategories(0x3c00)},
+        {"kControlRanges", 20,
+         inCategories(categories({U_LINE_SEPARATOR, U_PARAGRAPH_SEPARATOR, U_CONTROL_CHAR, U_FORMAT_CHAR}))},
     };
+}
 
-    std::vector<Ranges> tables;
+// The ranges of each class; false, with a message, when a count is not the
+// one expected.
+bool collectClasses(const std::vector<ClassSpec> &classes, std::vector<Ranges> &tables) {
     bool ok = true;
     for (const ClassSpec &spec : classes) {
         tables.push_back(collect(spec.member));
@@ -239,46 +216,80 @@ int main(int argc, char **argv) {
             ok = false;
         }
     }
-    if (!ok) return 1;
+    return ok;
+}
 
-    // Fold pages.
-    std::vector<int> pageIndex(512, -1);
-    for (int p = 0; p < 19; ++p) pageIndex[static_cast<size_t>(kFoldPages[p])] = p;
+using Deltas = std::vector<std::vector<int>>;
 
-    std::vector<Pair> upperPairs(std::begin(kUpperPairs), std::end(kUpperPairs));
-    std::vector<Pair> lowerPairs;
-    for (size_t i = 1; i < upperPairs.size(); ++i)
-        lowerPairs.push_back({upperPairs[i].to, upperPairs[i].from});
-    std::sort(lowerPairs.begin(), lowerPairs.end(),
-              [](const Pair &a, const Pair &b) { return a.from < b.from; });
+struct FoldTables {
+    std::vector<int> pageIndex;
+    std::vector<Pair> upperPairs, lowerPairs;
+    Deltas upperDeltas, lowerDeltas;
+};
 
-    auto buildDeltas = [&](bool upper, const std::vector<Pair> &pairs) {
-        std::vector<std::vector<int>> pages(19, std::vector<int>(128, 0));
-        for (int p = 0; p < 19; ++p) {
-            for (int i = 0; i < 128; ++i) {
-                const UChar32 c = kFoldPages[p] * 128 + i;
-                const UChar32 m = upper ? u_toupper(c) : u_tolower(c);
-                if (m == c || m > 0xFFFF) continue;
-                if (ageOf(c) > kFoldAge || ageOf(m) > kFoldAge) continue;
-                if (u_charType(c) == U_UNASSIGNED || u_charType(m) == U_UNASSIGNED) continue;
-                const int delta = m - c;
-                if (delta >= -127 && delta <= 127) pages[static_cast<size_t>(p)][static_cast<size_t>(i)] = delta;
-            }
+// The 8-bit deltas of the fold pages for one direction, the first members of
+// the pair lists marked -128.
+Deltas buildDeltas(bool upper, const std::vector<Pair> &pairs, const std::vector<int> &pageIndex) {
+    Deltas pages(19, std::vector<int>(128, 0));
+    for (int p = 0; p < 19; ++p) {
+        for (int i = 0; i < 128; ++i) {
+            const UChar32 c = kFoldPages[p] * 128 + i;
+            const UChar32 m = upper ? u_toupper(c) : u_tolower(c);
+            if (m == c || m > 0xFFFF) continue;
+            if (ageOf(c) > kFoldAge || ageOf(m) > kFoldAge) continue;
+            if (u_charType(c) == U_UNASSIGNED || u_charType(m) == U_UNASSIGNED) continue;
+            const int delta = m - c;
+            if (delta >= -127 && delta <= 127) pages[static_cast<size_t>(p)][static_cast<size_t>(i)] = delta;
         }
-        for (const Pair &pair : pairs) {
-            const int p = pageIndex[pair.from >> 7];
-            if (p < 0) {
-                std::fprintf(stderr, "zvgenunicode: pair U+%04X is outside the fold pages\n", pair.from);
-                std::exit(1);
-            }
-            pages[static_cast<size_t>(p)][pair.from & 127u] = -128;
+    }
+    for (const Pair &pair : pairs) {
+        const int p = pageIndex[pair.from >> 7];
+        if (p < 0) {
+            std::fprintf(stderr, "zvgenunicode: pair U+%04X is outside the fold pages\n", pair.from);
+            std::exit(1);
         }
-        return pages;
-    };
-    const auto upperDeltas = buildDeltas(true, upperPairs);
-    const auto lowerDeltas = buildDeltas(false, lowerPairs);
+        pages[static_cast<size_t>(p)][pair.from & 127u] = -128;
+    }
+    return pages;
+}
 
-    const std::string path = argv[1];
+// The lower pairs are the upper ones turned round, all but the first: U+017F
+// uppers to S, but S lowers to s.
+FoldTables buildFoldTables() {
+    FoldTables f;
+    f.pageIndex.assign(512, -1);
+    for (int p = 0; p < 19; ++p) f.pageIndex[static_cast<size_t>(kFoldPages[p])] = p;
+    f.upperPairs.assign(std::begin(kUpperPairs), std::end(kUpperPairs));
+    for (size_t i = 1; i < f.upperPairs.size(); ++i) f.lowerPairs.push_back({f.upperPairs[i].to, f.upperPairs[i].from});
+    std::sort(f.lowerPairs.begin(), f.lowerPairs.end(), [](const Pair &a, const Pair &b) { return a.from < b.from; });
+    f.upperDeltas = buildDeltas(true, f.upperPairs, f.pageIndex);
+    f.lowerDeltas = buildDeltas(false, f.lowerPairs, f.pageIndex);
+    return f;
+}
+
+// The class bits of ASCII are today's: ASCII has not changed since 9.0.
+void writeAsciiClasses(FILE *out) {
+    std::fprintf(out, "inline constexpr AsciiClassTable kAsciiClassTable = {{\n");
+    for (int c = 0; c < 128; ++c) {
+        if (c % 4 == 0) std::fprintf(out, "   ");
+        std::fprintf(out, " {0x%08X},", zvhost::categoryMask(u_charType(c)));
+        if (c % 4 == 3) std::fprintf(out, "\n");
+    }
+    std::fprintf(out, "}};\n\n");
+}
+
+void writePageIndex(FILE *out, const std::vector<int> &pageIndex) {
+    std::fprintf(out, "inline constexpr int16_t kFoldPageIndex[512] = {\n");
+    for (int i = 0; i < 512; ++i) {
+        if (i % 16 == 0) std::fprintf(out, "   ");
+        std::fprintf(out, " %d,", pageIndex[static_cast<size_t>(i)]);
+        if (i % 16 == 15) std::fprintf(out, "\n");
+    }
+    std::fprintf(out, "};\n\n");
+}
+
+int writeTables(const std::string &path, const std::vector<ClassSpec> &classes, const std::vector<Ranges> &tables,
+                const FoldTables &fold) {
     FILE *out = std::fopen(path.c_str(), "w");
     if (!out) {
         std::perror(path.c_str());
@@ -289,33 +300,29 @@ int main(int argc, char **argv) {
                  "// Unicode %s. Do not edit: change the generator and run it again.\n"
                  "// Included once, by src/wide/tables.cpp, inside namespace zv.\n\n",
                  U_ICU_VERSION, U_UNICODE_VERSION);
-
     for (size_t i = 0; i < tables.size(); ++i) writeRanges(out, classes[i].name, tables[i]);
-
-    std::fprintf(out, "inline constexpr AsciiClassTable kAsciiClassTable = {{\n");
-    for (int c = 0; c < 128; ++c) {
-        if (c % 4 == 0) std::fprintf(out, "   ");
-        std::fprintf(out, " {0x%08X},", classBit(static_cast<UCharCategory>(u_charType(c))));
-        if (c % 4 == 3) std::fprintf(out, "\n");
-    }
-    std::fprintf(out, "}};\n\n");
-
-    std::fprintf(out, "inline constexpr int16_t kFoldPageIndex[512] = {\n");
-    for (int i = 0; i < 512; ++i) {
-        if (i % 16 == 0) std::fprintf(out, "   ");
-        std::fprintf(out, " %d,", pageIndex[static_cast<size_t>(i)]);
-        if (i % 16 == 15) std::fprintf(out, "\n");
-    }
-    std::fprintf(out, "};\n\n");
-
-    writeDeltas(out, "kUpperDeltas", upperDeltas);
-    writeDeltas(out, "kLowerDeltas", lowerDeltas);
-    writePairs(out, "kUpperPairs", upperPairs);
-    writePairs(out, "kLowerPairs", lowerPairs);
-
+    writeAsciiClasses(out);
+    writePageIndex(out, fold.pageIndex);
+    writeDeltas(out, "kUpperDeltas", fold.upperDeltas);
+    writeDeltas(out, "kLowerDeltas", fold.lowerDeltas);
+    writePairs(out, "kUpperPairs", fold.upperPairs);
+    writePairs(out, "kLowerPairs", fold.lowerPairs);
     if (std::fclose(out) != 0) {
         std::perror(path.c_str());
         return 1;
     }
     return 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: zvgenunicode <output file>\n");
+        return 2;
+    }
+    const std::vector<ClassSpec> classes = classSpecs();
+    std::vector<Ranges> tables;
+    if (!collectClasses(classes, tables)) return 1;
+    return writeTables(argv[1], classes, tables, buildFoldTables());
 }

@@ -102,8 +102,9 @@ std::map<int, std::string> readItems(const Json &v) {
         bool ok = !key.empty() && key.size() <= 3;
         for (char c : key) ok = ok && c >= '0' && c <= '9';
         if (ok) n = std::stoi(key);
-        if (!ok || n < 0 || n > 188)
-            throw BadRequest{"items: key \"" + key + "\" is not an item number from 0 to 188"};
+        if (!ok || n < 0 || n >= ZV_LOCALE_TABLE_ITEMS)
+            throw BadRequest{"items: key \"" + key + "\" is not an item number from 0 to " +
+                             std::to_string(ZV_LOCALE_TABLE_ITEMS - 1)};
         if (!text.is_string())
             throw BadRequest{"items: item " + key + " must be a string, not " + typeName(text)};
         std::string raw, why;
@@ -151,16 +152,15 @@ void numberAnswer(Json &answer, uint64_t bits, bool untouched) {
     answer["untouched"] = untouched;
 }
 
-// Locale, items, encoding, measureBytes and validate: the session's baseline,
-// with what the request gives over it.
-void readCallFields(const Json &req, const Baseline &base, zvhost::CallSpec &spec) {
-    spec.locale = req.contains("locale") ? hostLocaleName(stringField(req, "locale")) : base.locale;
-    spec.items = base.items;
+// Locale, items, encoding, measureBytes and validate: what the request gives
+// over the session's baseline, which `spec` holds already (callSpecOf).
+void readCallFields(const Json &req, zvhost::CallSpec &spec) {
+    if (req.contains("locale")) spec.locale = hostLocaleName(stringField(req, "locale"));
     if (req.contains("items"))
         for (auto &[n, text] : readItems(req["items"])) spec.items[n] = text;
-    spec.encoding = req.contains("encoding") ? stringField(req, "encoding") : base.encoding;
-    spec.measureBytes = req.contains("measureBytes") ? boolField(req, "measureBytes") : base.measureBytes;
-    spec.validate = req.contains("validate") ? boolField(req, "validate") : base.validate;
+    if (req.contains("encoding")) spec.encoding = stringField(req, "encoding");
+    if (req.contains("measureBytes")) spec.measureBytes = boolField(req, "measureBytes");
+    if (req.contains("validate")) spec.validate = boolField(req, "validate");
 }
 
 // fieldLimit and outputCapacity, and the host state that holds for this request alone.
@@ -174,10 +174,19 @@ StateChange readLimitsAndState(const Json &req, zvhost::CallSpec &spec) {
     return change;
 }
 
+// The host's locale and encoding for the call must exist; then the state of
+// the request is set on the host until `guard` goes.
+void prepareHost(Session &session, const zvhost::CallSpec &spec, const StateChange &change, Session::Guard &guard) {
+    zvhost::Host &host = session.host();
+    if (!host.locale(spec.locale, spec.items)) throw BadRequest{"locale: unknown locale \"" + spec.locale + "\""};
+    if (!host.transcoder(spec.encoding)) throw BadRequest{"encoding: unknown encoding \"" + spec.encoding + "\""};
+    std::string why;
+    if (!session.apply(change, guard, why)) throw BadRequest{why};
+}
+
 // A request for a routine without a row: text (or hex) in, a number, bytes
 // or text out. Width defaults to the length of the input.
 Json serveRoutine(Session &session, const Json &req, const zvhost::Routine &routine, Json answer, Json warnings) {
-    const Baseline &base = session.baseline();
     const bool hexInput = routine.input == zvhost::RoutineInput::Hex;
     const char *inputField = hexInput ? "hex" : "text";
     for (const char *field : {"value", "bits", "entry", hexInput ? "text" : "hex"})
@@ -186,22 +195,18 @@ Json serveRoutine(Session &session, const Json &req, const zvhost::Routine &rout
                              " only"};
     if (!req.contains(inputField)) throw BadRequest{std::string(inputField) + ": missing (" + routine.name + " reads it)"};
     const std::string &input = stringField(req, inputField);
-    zvhost::CallSpec spec;
-    readCallFields(req, base, spec);
+    zvhost::CallSpec spec = callSpecOf(session.baseline());
+    readCallFields(req, spec);
     spec.exact = req.contains("width");
     spec.width = spec.exact ? intField(req, "width", INT32_MIN, INT32_MAX) : -1;
     spec.decimals = req.contains("decimals") ? intField(req, "decimals", INT32_MIN, INT32_MAX) : 0;
     if (req.contains("decimals")) spec.exact = true;
     if (spec.exact && !req.contains("width")) throw BadRequest{"width: give it with decimals"};
     const StateChange change = readLimitsAndState(req, spec);
-    zvhost::Host &host = session.host();
-    if (!host.locale(spec.locale, spec.items)) throw BadRequest{"locale: unknown locale \"" + spec.locale + "\""};
-    if (!host.transcoder(spec.encoding)) throw BadRequest{"encoding: unknown encoding \"" + spec.encoding + "\""};
     Session::Guard guard;
-    std::string why;
-    if (!session.apply(change, guard, why)) throw BadRequest{why};
+    prepareHost(session, spec, change, guard);
 
-    const zvhost::RoutineResult r = zvhost::runRoutine(host, routine, spec, input);
+    const zvhost::RoutineResult r = zvhost::runRoutine(session.host(), routine, spec, input);
     if (!r.error.empty()) throw BadRequest{std::string(inputField) + ": " + r.error};
     answer["status"] = r.status;
     switch (routine.answer) {
@@ -220,30 +225,15 @@ Json serveRoutine(Session &session, const Json &req, const zvhost::Routine &rout
     return answer;
 }
 
-Json serve(Session &session, const Json &req) {
-    Json answer;
-    if (req.contains("id")) answer["id"] = req["id"];
-
-    Json warnings = Json::array();
-    for (const auto &[key, _] : req.items())
-        if (!kKnownFields.count(key)) warnings.push_back("unknown field \"" + key + "\" ignored");
-
-    if (!req.contains("name")) throw BadRequest{"name: missing (the row to call, e.g. \"NLDATE\")"};
-    const std::string &name = stringField(req, "name");
-    const FormatTableRow *row = session.row(name);
-    const zvhost::Routine *routine = row ? nullptr : zvhost::findRoutine(name);
-    if (!row && !routine) throw BadRequest{"name: no row or routine named \"" + name + "\""};
-    if (routine) return serveRoutine(session, req, *routine, std::move(answer), std::move(warnings));
-    const std::string rowName = zvhost::rowName(*row);
-    const bool informat = zvhost::isInformat(*row);
-
-    const Baseline &base = session.baseline();
-    zvhost::CallSpec spec;
+// entry, width and decimals over the row's defaults, then the fields every
+// request shares.
+zvhost::CallSpec rowSpec(const Json &req, const Baseline &base, const FormatTableRow &row, const std::string &rowName,
+                         bool informat) {
+    zvhost::CallSpec spec = callSpecOf(base);
     spec.entry = base.byteEntry && !informat ? zvhost::Entry::Byte : zvhost::Entry::Wide;
-    spec.width = static_cast<int32_t>(row->defaultWidth);
-    spec.decimals = static_cast<int32_t>(row->defaultDecimals);
+    spec.width = static_cast<int32_t>(row.defaultWidth);
+    spec.decimals = static_cast<int32_t>(row.defaultDecimals);
     spec.exact = true;
-
     if (req.contains("width")) spec.width = intField(req, "width", INT32_MIN, INT32_MAX);
     if (req.contains("decimals")) spec.decimals = intField(req, "decimals", INT32_MIN, INT32_MAX);
     if (req.contains("entry")) {
@@ -254,77 +244,93 @@ Json serve(Session &session, const Json &req) {
         if (informat && spec.entry == zvhost::Entry::Byte)
             throw BadRequest{"entry: " + rowName + " is an informat; informats have only the wide entry"};
     }
-    readCallFields(req, base, spec);
+    readCallFields(req, spec);
+    return spec;
+}
+
+// An informat's input: text alone.
+std::string informatText(const Json &req, const std::string &rowName) {
+    if (req.contains("value") || req.contains("bits"))
+        throw BadRequest{std::string(req.contains("value") ? "value" : "bits") + ": " + rowName +
+                         " is an informat; give the text to read in text"};
+    if (!req.contains("text")) throw BadRequest{"text: missing (" + rowName + " reads a text)"};
+    return stringField(req, "text");
+}
+
+// A format's input: value (a number or a VALUE string) or bits, one of them.
+double formatValue(const Json &req, const std::string &rowName) {
+    if (req.contains("text") || req.contains("hex"))
+        throw BadRequest{std::string(req.contains("text") ? "text" : "hex") + ": " + rowName +
+                         " is a format; give value or bits"};
+    const bool hasValue = req.contains("value"), hasBits = req.contains("bits");
+    if (hasValue && hasBits) throw BadRequest{"value, bits: give one of them, not both"};
+    if (!hasValue && !hasBits) throw BadRequest{"value: missing (" + rowName + " needs value or bits)"};
+    if (hasValue) {
+        const Json &v = req["value"];
+        if (v.is_number()) return v.get<double>();
+        if (!v.is_string()) throw BadRequest{"value: must be a number or a VALUE string, not " + typeName(v)};
+        std::string why;
+        auto parsed = parseValue(v.get_ref<const std::string &>(), &why);
+        if (!parsed) throw BadRequest{"value: " + why};
+        return *parsed;
+    }
+    const Json &b = req["bits"];
+    if (!b.is_string()) throw BadRequest{"bits: must be a string of 16 hex digits, not " + typeName(b)};
+    auto bits = parseHex16(b.get_ref<const std::string &>());
+    if (!bits) throw BadRequest{"bits: must be exactly 16 hex digits, not \"" + b.get<std::string>() + "\""};
+    return fromBits(*bits);
+}
+
+void formatAnswer(Json &answer, const zvhost::FormatResult &r, const zvhost::CallSpec &spec) {
+    // (cut: the byte entry kept status 0 but lost more than blanks)
+    if (!r.error.empty()) throw BadRequest{r.error};
+    answer["status"] = r.status;
+    answer["text"] = r.utf8;
+    answer["outputLength"] = r.outputLength;
+    if (spec.entry == zvhost::Entry::Byte) answer["hex"] = hexBytes(r.bytes);
+    if (r.overran) answer["overran"] = true;
+    if (r.cut) answer["cut"] = true;
+    if (r.fieldsChanged) answer["fieldsChanged"] = true;
+}
+
+void readAnswer(Json &answer, const zvhost::ReadResult &r) {
+    if (!r.error.empty()) throw BadRequest{r.error};
+    answer["status"] = r.status;
+    numberAnswer(answer, r.bits, r.untouched);
+    if (r.fieldsChanged) answer["fieldsChanged"] = true;
+}
+
+// A request for a row: its fields read and checked in a fixed order, so that
+// the first fault named is always the same one.
+Json serveRow(Session &session, const Json &req, const FormatTableRow &row, Json answer, Json warnings) {
+    const std::string rowName = zvhost::rowName(row);
+    const bool informat = zvhost::isInformat(row);
+    zvhost::CallSpec spec = rowSpec(req, session.baseline(), row, rowName, informat);
     const StateChange change = readLimitsAndState(req, spec);
-
-    double value = 0;
-    std::string text;
-    if (informat) {
-        if (req.contains("value") || req.contains("bits"))
-            throw BadRequest{std::string(req.contains("value") ? "value" : "bits") + ": " + rowName +
-                             " is an informat; give the text to read in text"};
-        if (!req.contains("text")) throw BadRequest{"text: missing (" + rowName + " reads a text)"};
-        text = stringField(req, "text");
-    } else {
-        if (req.contains("text") || req.contains("hex"))
-            throw BadRequest{std::string(req.contains("text") ? "text" : "hex") + ": " + rowName +
-                             " is a format; give value or bits"};
-        const bool hasValue = req.contains("value"), hasBits = req.contains("bits");
-        if (hasValue && hasBits) throw BadRequest{"value, bits: give one of them, not both"};
-        if (!hasValue && !hasBits) throw BadRequest{"value: missing (" + rowName + " needs value or bits)"};
-        if (hasValue) {
-            const Json &v = req["value"];
-            if (v.is_number()) {
-                value = v.get<double>();
-            } else if (v.is_string()) {
-                std::string why;
-                auto parsed = parseValue(v.get_ref<const std::string &>(), &why);
-                if (!parsed) throw BadRequest{"value: " + why};
-                value = *parsed;
-            } else {
-                throw BadRequest{"value: must be a number or a VALUE string, not " + typeName(v)};
-            }
-        } else {
-            const Json &b = req["bits"];
-            if (!b.is_string()) throw BadRequest{"bits: must be a string of 16 hex digits, not " + typeName(b)};
-            auto bits = parseHex16(b.get_ref<const std::string &>());
-            if (!bits) throw BadRequest{"bits: must be exactly 16 hex digits, not \"" + b.get<std::string>() + "\""};
-            value = fromBits(*bits);
-        }
-    }
-
-    zvhost::Host &host = session.host();
-    if (!host.locale(spec.locale, spec.items))
-        throw BadRequest{"locale: unknown locale \"" + spec.locale + "\""};
-    if (!host.transcoder(spec.encoding))
-        throw BadRequest{"encoding: unknown encoding \"" + spec.encoding + "\""};
-    if (change.timeZone && !host.timeZone(*change.timeZone))
-        throw BadRequest{"timeZone: unknown time zone \"" + *change.timeZone + "\""};
-
+    const std::string text = informat ? informatText(req, rowName) : std::string();
+    const double value = informat ? 0 : formatValue(req, rowName);
     Session::Guard guard;
-    std::string why;
-    if (!session.apply(change, guard, why)) throw BadRequest{why};
-
-    if (informat) {
-        const zvhost::ReadResult r = session.calls().read(*row, spec, text);
-        if (!r.error.empty()) throw BadRequest{r.error};
-        answer["status"] = r.status;
-        numberAnswer(answer, r.bits, r.untouched);
-        if (r.fieldsChanged) answer["fieldsChanged"] = true;
-    } else {
-        const zvhost::FormatResult r = session.calls().format(*row, spec, value);
-        // (cut: the byte entry kept status 0 but lost more than blanks)
-        if (!r.error.empty()) throw BadRequest{r.error};
-        answer["status"] = r.status;
-        answer["text"] = r.utf8;
-        answer["outputLength"] = r.outputLength;
-        if (spec.entry == zvhost::Entry::Byte) answer["hex"] = hexBytes(r.bytes);
-        if (r.overran) answer["overran"] = true;
-        if (r.cut) answer["cut"] = true;
-        if (r.fieldsChanged) answer["fieldsChanged"] = true;
-    }
+    prepareHost(session, spec, change, guard);
+    if (informat) readAnswer(answer, session.calls().read(row, spec, text));
+    else formatAnswer(answer, session.calls().format(row, spec, value), spec);
     if (!warnings.empty()) answer["warnings"] = warnings;
     return answer;
+}
+
+Json serve(Session &session, const Json &req) {
+    Json answer;
+    if (req.contains("id")) answer["id"] = req["id"];
+    Json warnings = Json::array();
+    for (const auto &[key, _] : req.items())
+        if (!kKnownFields.count(key)) warnings.push_back("unknown field \"" + key + "\" ignored");
+
+    if (!req.contains("name")) throw BadRequest{"name: missing (the row to call, e.g. \"NLDATE\")"};
+    const std::string &name = stringField(req, "name");
+    if (const FormatTableRow *row = session.row(name))
+        return serveRow(session, req, *row, std::move(answer), std::move(warnings));
+    if (const zvhost::Routine *routine = zvhost::findRoutine(name))
+        return serveRoutine(session, req, *routine, std::move(answer), std::move(warnings));
+    throw BadRequest{"name: no row or routine named \"" + name + "\""};
 }
 
 std::string dumpLine(const Json &j) {
@@ -371,14 +377,12 @@ std::string answerLine(Session &session, std::string_view line) {
 }
 
 int runJsonLines(Session &session, int in, std::FILE *out) {
-    LineReader reader(in, out);
-    std::string line;
-    size_t tooLong = 0;
-    while (reader.next(line, tooLong)) {
+    forEachLine(in, out, [&](const std::string &line, size_t tooLong) {
         const std::string answer = tooLong ? errorLine(tooLongMessage(tooLong), nullptr) : answerLine(session, line);
         std::fwrite(answer.data(), 1, answer.size(), out);
         std::fputc('\n', out);
-    }
+        return true;
+    });
     std::fflush(out);
     return 0;
 }

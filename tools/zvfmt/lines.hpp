@@ -31,6 +31,19 @@ private:
     bool eof_ = false;
 };
 
+// Hands each line of `in` to each(line, tooLong), as LineReader::next gives
+// them, flushing `out` before every wait for input. False when `each` stopped
+// the run by answering false; true at the end of the stream.
+template <class Each>
+bool forEachLine(int in, std::FILE *out, Each each) {
+    LineReader reader(in, out);
+    std::string line;
+    size_t tooLong = 0;
+    while (reader.next(line, tooLong))
+        if (!each(line, tooLong)) return false;
+    return true;
+}
+
 // "line too long: N bytes, more than 1048576"
 std::string tooLongMessage(size_t length);
 

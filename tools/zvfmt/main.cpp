@@ -14,6 +14,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cldr.hpp"
+#include "zvlocfmt/version.h"
 
 #include "jsonl.hpp"
 #include "lines.hpp"
@@ -25,7 +26,7 @@ namespace {
 using zvfmt::Baseline;
 using zvfmt::Session;
 
-constexpr const char *kVersion = "zvfmt (zvlocfmt 6.1.1)";
+constexpr const char *kVersion = "zvfmt (zvlocfmt " ZVLOCFMT_VERSION_TEXT ")";
 
 constexpr const char *kMainHelp = R"TXT(zvfmt - the locale-sensitive formats and informats of zvlocfmt
 
@@ -274,120 +275,164 @@ int64_t parseInteger(const std::string &text, const std::string &what) {
     return v;
 }
 
-Args parseArgs(int argc, char **argv) {
-    Args a;
-    bool onlyPositional = false;
-    for (int i = 1; i < argc; ++i) {
-        std::string arg = argv[i];
-        if (onlyPositional || arg.empty() || arg[0] != '-' || arg == "-" || startsNumber(arg)) {
-            a.positional.push_back(arg);
-            continue;
-        }
-        if (arg == "--") {
-            onlyPositional = true;
-            continue;
-        }
-        std::string name = arg, inlineValue;
-        bool hasInline = false;
-        if (arg.rfind("--", 0) == 0) {
-            const size_t eq = arg.find('=');
-            if (eq != std::string::npos) {
-                name = arg.substr(0, eq);
-                inlineValue = arg.substr(eq + 1);
-                hasInline = true;
-            }
-        } else if (arg.size() > 2) { // -lfr_FR
-            name = arg.substr(0, 2);
-            inlineValue = arg.substr(2);
-            hasInline = true;
-        }
-        auto takeValue = [&]() -> std::string {
-            if (hasInline) return inlineValue;
-            if (i + 1 >= argc) usageError("option " + name + " needs a value");
-            return argv[++i];
-        };
-        auto flag = [&](bool &target) {
-            if (hasInline) usageError("option " + name + " takes no value");
-            target = true;
-        };
-        if (name == "-h" || name == "--help") flag(a.help);
-        else if (name == "--version") flag(a.version);
-        else if (name == "--jsonl") flag(a.jsonl);
-        else if (name == "-v" || name == "--show-status") flag(a.showStatus);
-        else if (name == "--bytes") flag(a.baseline.measureBytes);
-        else if (name == "--units") flag(a.units);
-        else if (name == "--raw") flag(a.raw);
-        else if (name == "--all") { flag(a.all); a.listOptions.push_back(name); }
-        else if (name == "--invalid") {
-            const std::string m = takeValue();
-            if (m == "abort") a.invalid = Invalid::Abort;
-            else if (m == "fail") a.invalid = Invalid::Fail;
-            else if (m == "warn") a.invalid = Invalid::Warn;
-            else if (m == "ignore") a.invalid = Invalid::Ignore;
-            else usageError("--invalid must be abort, fail, warn or ignore, not \"" + m + "\"");
-        } else if (name == "--field") a.fields = parseFields(takeValue());
-        else if (name == "-d" || name == "--delimiter") {
-            const std::string d = takeValue();
-            if (d.size() != 1) usageError("the delimiter must be one character, not \"" + d + "\"");
-            a.delimiter = d[0];
-        } else if (name == "--width" || name == "--decimals") {
-            const int64_t n = parseInteger(takeValue(), name);
-            if (n < INT32_MIN || n > INT32_MAX) usageError(name + ": " + std::to_string(n) + " is not a 32-bit integer");
-            (name == "--width" ? a.width : a.decimals) = static_cast<int32_t>(n);
-        }
-        else if (name == "--validate") flag(a.baseline.validate);
-        else if (name == "--unchecked") flag(a.unchecked);
-        else if (name == "-l" || name == "--locale") {
-            a.baseline.locale = zvfmt::hostLocaleName(takeValue());
-            a.localeGiven = true;
-        } else if (name == "-e" || name == "--encoding") {
-            a.baseline.encoding = takeValue();
-            if (!a.entryGiven) a.baseline.byteEntry = true;
-        } else if (name == "--entry") {
-            const std::string e = takeValue();
-            if (e == "wide") a.baseline.byteEntry = false;
-            else if (e == "byte") a.baseline.byteEntry = true;
-            else usageError("--entry must be wide or byte, not \"" + e + "\"");
-            a.entryGiven = true;
-        } else if (name == "--tz") a.baseline.timeZone = takeValue();
-        else if (name == "--option") {
-            const std::string v = takeValue();
-            const size_t eq = v.find('=');
-            if (eq == std::string::npos || eq == 0) usageError("--option wants NAME=VALUE, not \"" + v + "\"");
-            a.baseline.options[v.substr(0, eq)] = parseInteger(v.substr(eq + 1), "--option " + v.substr(0, eq));
-        } else if (name == "--item") {
-            const std::string v = takeValue();
-            const size_t eq = v.find('=');
-            if (eq == std::string::npos || eq == 0) usageError("--item wants N=TEXT, not \"" + v + "\"");
-            const int64_t n = parseInteger(v.substr(0, eq), "--item");
-            if (n < 0 || n > 188) usageError("--item: item number " + std::to_string(n) + " is out of range (0..188)");
-            std::string raw, why;
-            if (!zvhost::rawItemText(v.substr(eq + 1), raw, why))
-                usageError("--item " + std::to_string(n) + ": the text " + why);
-            a.baseline.items[static_cast<int>(n)] = raw;
-        } else if (name == "--clock") {
-            const std::string v = takeValue();
-            const size_t comma = v.find(',');
-            std::string why;
-            auto value = zvfmt::parseValue(v.substr(0, comma), &why);
-            std::optional<double> shift = 0.0;
-            if (comma != std::string::npos) shift = zvfmt::parseValue(v.substr(comma + 1), &why);
-            if (!value || !shift) usageError("--clock wants S or S,SHIFT, not \"" + v + "\"");
-            a.baseline.clock = std::make_pair(*value, *shift);
-        } else if (name == "--formats") { flag(a.formats); a.listOptions.push_back(name); }
-        else if (name == "--informats") { flag(a.informats); a.listOptions.push_back(name); }
-        else if (name == "--pending") { flag(a.pending); a.listOptions.push_back(name); }
-        else if (name == "--ready") { flag(a.ready); a.listOptions.push_back(name); }
-        else if (name == "--locale-file") a.localeFiles.push_back(takeValue());
-        else if (name == "--json") { flag(a.json); a.listOptions.push_back(name); }
-        else if (name == "--header") {
-            a.header = true;
-            a.headerLines = hasInline ? parseInteger(inlineValue, "--header") : 1;
-            if (a.headerLines < 0) usageError("--header: the count of lines can't be negative");
-        }
-        else usageError("unknown option " + name);
+// One option as given: its name and a value written into it (--name=value,
+// -lfr_FR), or else the next argument when the option wants one.
+struct OptionArg {
+    std::string name, inlineValue;
+    bool hasInline = false;
+    int argc;
+    char **argv;
+    int &at; // the argument read last
+
+    std::string value() {
+        if (hasInline) return inlineValue;
+        if (at + 1 >= argc) usageError("option " + name + " needs a value");
+        return argv[++at];
     }
-    // Locale definition files lay their items over the locale; --item wins over them.
+    void flag(bool &target) const {
+        if (hasInline) usageError("option " + name + " takes no value");
+        target = true;
+    }
+};
+
+OptionArg splitOption(const std::string &arg, int argc, char **argv, int &at) {
+    OptionArg o{arg, {}, false, argc, argv, at};
+    if (arg.rfind("--", 0) == 0) {
+        const size_t eq = arg.find('=');
+        if (eq != std::string::npos) {
+            o.name = arg.substr(0, eq);
+            o.inlineValue = arg.substr(eq + 1);
+            o.hasInline = true;
+        }
+    } else if (arg.size() > 2) { // -lfr_FR
+        o.name = arg.substr(0, 2);
+        o.inlineValue = arg.substr(2);
+        o.hasInline = true;
+    }
+    return o;
+}
+
+// The options without a value; false when `o` is none of them.
+bool takeFlag(Args &a, OptionArg &o) {
+    const std::string &name = o.name;
+    if (name == "-h" || name == "--help") o.flag(a.help);
+    else if (name == "--version") o.flag(a.version);
+    else if (name == "--jsonl") o.flag(a.jsonl);
+    else if (name == "-v" || name == "--show-status") o.flag(a.showStatus);
+    else if (name == "--bytes") o.flag(a.baseline.measureBytes);
+    else if (name == "--units") o.flag(a.units);
+    else if (name == "--raw") o.flag(a.raw);
+    else if (name == "--validate") o.flag(a.baseline.validate);
+    else if (name == "--unchecked") o.flag(a.unchecked);
+    else return false;
+    return true;
+}
+
+// The options of 'zvfmt list', noted so that other commands can refuse them.
+bool takeListFlag(Args &a, OptionArg &o) {
+    const std::string &name = o.name;
+    if (name == "--all") o.flag(a.all);
+    else if (name == "--formats") o.flag(a.formats);
+    else if (name == "--informats") o.flag(a.informats);
+    else if (name == "--pending") o.flag(a.pending);
+    else if (name == "--ready") o.flag(a.ready);
+    else if (name == "--json") o.flag(a.json);
+    else return false;
+    a.listOptions.push_back(name);
+    return true;
+}
+
+// --item N=TEXT: a raw item, its <Uxxxx> escapes checked.
+void takeItem(Baseline &baseline, const std::string &v) {
+    const size_t eq = v.find('=');
+    if (eq == std::string::npos || eq == 0) usageError("--item wants N=TEXT, not \"" + v + "\"");
+    const int64_t n = parseInteger(v.substr(0, eq), "--item");
+    if (n < 0 || n >= ZV_LOCALE_TABLE_ITEMS)
+        usageError("--item: item number " + std::to_string(n) + " is out of range (0.." +
+                   std::to_string(ZV_LOCALE_TABLE_ITEMS - 1) + ")");
+    std::string raw, why;
+    if (!zvhost::rawItemText(v.substr(eq + 1), raw, why)) usageError("--item " + std::to_string(n) + ": the text " + why);
+    baseline.items[static_cast<int>(n)] = raw;
+}
+
+// --clock S[,SHIFT]
+std::pair<double, double> parseClock(const std::string &v) {
+    const size_t comma = v.find(',');
+    std::string why;
+    auto value = zvfmt::parseValue(v.substr(0, comma), &why);
+    std::optional<double> shift = 0.0;
+    if (comma != std::string::npos) shift = zvfmt::parseValue(v.substr(comma + 1), &why);
+    if (!value || !shift) usageError("--clock wants S or S,SHIFT, not \"" + v + "\"");
+    return {*value, *shift};
+}
+
+// What a call starts from: width, decimals, locale, encoding, entry, the host's
+// time zone, options and clock, items.
+bool takeCallOption(Args &a, OptionArg &o) {
+    const std::string &name = o.name;
+    if (name == "--width" || name == "--decimals") {
+        const int64_t n = parseInteger(o.value(), name);
+        if (n < INT32_MIN || n > INT32_MAX) usageError(name + ": " + std::to_string(n) + " is not a 32-bit integer");
+        (name == "--width" ? a.width : a.decimals) = static_cast<int32_t>(n);
+    } else if (name == "-l" || name == "--locale") {
+        a.baseline.locale = zvfmt::hostLocaleName(o.value());
+        a.localeGiven = true;
+    } else if (name == "-e" || name == "--encoding") {
+        a.baseline.encoding = o.value();
+        if (!a.entryGiven) a.baseline.byteEntry = true;
+    } else if (name == "--entry") {
+        const std::string e = o.value();
+        if (e == "wide") a.baseline.byteEntry = false;
+        else if (e == "byte") a.baseline.byteEntry = true;
+        else usageError("--entry must be wide or byte, not \"" + e + "\"");
+        a.entryGiven = true;
+    } else if (name == "--tz") {
+        a.baseline.timeZone = o.value();
+    } else if (name == "--option") {
+        const std::string v = o.value();
+        const size_t eq = v.find('=');
+        if (eq == std::string::npos || eq == 0) usageError("--option wants NAME=VALUE, not \"" + v + "\"");
+        a.baseline.options[v.substr(0, eq)] = parseInteger(v.substr(eq + 1), "--option " + v.substr(0, eq));
+    } else if (name == "--item") {
+        takeItem(a.baseline, o.value());
+    } else if (name == "--clock") {
+        a.baseline.clock = parseClock(o.value());
+    } else if (name == "--locale-file") {
+        a.localeFiles.push_back(o.value());
+    } else {
+        return false;
+    }
+    return true;
+}
+
+// How lines are cut into fields and what a bad value does.
+bool takeLineOption(Args &a, OptionArg &o) {
+    const std::string &name = o.name;
+    if (name == "--invalid") {
+        const std::string m = o.value();
+        if (m == "abort") a.invalid = Invalid::Abort;
+        else if (m == "fail") a.invalid = Invalid::Fail;
+        else if (m == "warn") a.invalid = Invalid::Warn;
+        else if (m == "ignore") a.invalid = Invalid::Ignore;
+        else usageError("--invalid must be abort, fail, warn or ignore, not \"" + m + "\"");
+    } else if (name == "--field") {
+        a.fields = parseFields(o.value());
+    } else if (name == "-d" || name == "--delimiter") {
+        const std::string d = o.value();
+        if (d.size() != 1) usageError("the delimiter must be one character, not \"" + d + "\"");
+        a.delimiter = d[0];
+    } else if (name == "--header") { // its count is optional, so it is never taken from the next argument
+        a.header = true;
+        a.headerLines = o.hasInline ? parseInteger(o.inlineValue, "--header") : 1;
+        if (a.headerLines < 0) usageError("--header: the count of lines can't be negative");
+    } else {
+        return false;
+    }
+    return true;
+}
+
+// Locale definition files lay their items over the locale; --item wins over them.
+void layLocaleFiles(Args &a) {
     std::map<int, std::string> fromFiles;
     for (const std::string &path : a.localeFiles) {
         std::FILE *f = std::fopen(path.c_str(), "rb");
@@ -404,6 +449,24 @@ Args parseArgs(int argc, char **argv) {
     }
     for (auto &[k, v] : a.baseline.items) fromFiles[k] = v;
     a.baseline.items = std::move(fromFiles);
+}
+
+Args parseArgs(int argc, char **argv) {
+    Args a;
+    bool onlyPositional = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (onlyPositional || arg.empty() || arg[0] != '-' || arg == "-" || startsNumber(arg)) {
+            a.positional.push_back(arg);
+        } else if (arg == "--") {
+            onlyPositional = true;
+        } else {
+            OptionArg o = splitOption(arg, argc, argv, i);
+            if (!takeFlag(a, o) && !takeListFlag(a, o) && !takeCallOption(a, o) && !takeLineOption(a, o))
+                usageError("unknown option " + o.name);
+        }
+    }
+    layLocaleFiles(a);
     return a;
 }
 
@@ -665,96 +728,118 @@ struct LineWriter {
     }
 };
 
-int runConvert(const Args &a) {
-    std::string why;
-    const std::string &specText = a.positional[0];
-    // A routine's name may hold digits (encodeBase64Units): its name is
-    // matched first, and what follows is the width and decimals.
+// NAME[W[.D]] as given, and the routine it names if it names one.
+struct Target {
     const zvhost::Routine *routine = nullptr;
+    zvfmt::FormatSpec fs;
+};
+
+// A routine's name may hold digits (encodeBase64Units): routine names are
+// matched first, and what follows one is the width and decimals.
+Target parseTarget(const std::string &specText) {
+    std::string why;
+    Target t;
     std::optional<zvfmt::FormatSpec> fs;
     for (const zvhost::Routine &r : zvhost::routines()) {
         const std::string n = r.name;
         if (specText.size() >= n.size() && zvfmt::upper(specText.substr(0, n.size())) == zvfmt::upper(n)) {
             auto rest = zvfmt::parseFormatSpec("X" + specText.substr(n.size()), &why);
             if (!rest) usageError("bad routine \"" + specText + "\": " + why);
-            routine = &r;
+            t.routine = &r;
             fs = rest;
             fs->name = r.name;
         }
     }
-    if (!routine) fs = zvfmt::parseFormatSpec(specText, &why);
+    if (!t.routine) fs = zvfmt::parseFormatSpec(specText, &why);
     if (!fs) usageError("bad format \"" + specText + "\": " + why);
-    Baseline baseline = a.baseline;
-    if (!a.localeGiven) useEnvironmentLocale(baseline);
-    auto session = startSession(baseline);
-    const FormatTableRow *row = routine ? nullptr : session->row(fs->name);
-    if (!row && !routine) usageError("no format, informat or routine named " + fs->name + " (see 'zvfmt list --all')");
-    const bool informat = row && zvhost::isInformat(*row);
-    const std::string name = row ? zvhost::rowName(*row) : routine->name;
+    t.fs = *fs;
+    return t;
+}
 
-    zvhost::CallSpec spec;
-    spec.locale = session->baseline().locale;
-    spec.items = baseline.items;
-    spec.encoding = baseline.encoding;
-    spec.validate = baseline.validate;
-    spec.entry = baseline.byteEntry ? zvhost::Entry::Byte : zvhost::Entry::Wide;
+// Width and decimals outside the row's limits are refused unless --unchecked;
+// a width below the least only draws a note, since the routines take any.
+void checkRowLimits(const Args &a, const FormatTableRow &row, const zvhost::CallSpec &spec, const std::string &name) {
+    if (a.unchecked) return;
+    if (spec.width >= 1 && spec.width < static_cast<int32_t>(row.minWidth))
+        std::fprintf(stderr, "zvfmt: note: %s: width %d is below the row's least width %u, which a host may refuse\n",
+                     name.c_str(), int(spec.width), unsigned(row.minWidth));
+    else if (spec.width < 1 || spec.width > static_cast<int32_t>(row.maxWidth))
+        usageError(name + ": width " + std::to_string(spec.width) + " is out of range (" +
+                   std::to_string(row.minWidth) + ".." + std::to_string(row.maxWidth) +
+                   "; --unchecked passes it on)");
+    if (spec.decimals < 0 || spec.decimals > static_cast<int32_t>(row.maxDecimals))
+        usageError(name + ": decimals " + std::to_string(spec.decimals) + " is out of range (0.." +
+                   std::to_string(row.maxDecimals) + "; --unchecked passes it on)");
+}
+
+// The call's record: the session's baseline, the entry, and the width and
+// decimals of the options, of NAME[W[.D]] or of the row.
+zvhost::CallSpec convertSpec(const Args &a, const Session &session, const FormatTableRow *row, const Target &t,
+                             const std::string &name) {
+    zvhost::CallSpec spec = zvfmt::callSpecOf(session.baseline());
+    spec.entry = a.baseline.byteEntry ? zvhost::Entry::Byte : zvhost::Entry::Wide;
     spec.exact = true;
-    if (a.width) fs->width = a.width;
-    if (a.decimals) fs->decimals = a.decimals;
-    if ((informat || routine) && spec.entry == zvhost::Entry::Byte) {
+    const std::optional<int32_t> width = a.width ? a.width : t.fs.width;
+    const std::optional<int32_t> decimals = a.decimals ? a.decimals : t.fs.decimals;
+    if ((t.routine || zvhost::isInformat(*row)) && spec.entry == zvhost::Entry::Byte) {
         if (a.entryGiven) usageError(name + " reads text; only the formats have a byte entry");
         spec.entry = zvhost::Entry::Wide;
     }
     // With the byte entry the field is measured in bytes of the encoding, so
     // what is written fits it whole; --units measures UTF-16 units.
-    spec.measureBytes = baseline.measureBytes || (spec.entry == zvhost::Entry::Byte && !a.units);
+    spec.measureBytes = a.baseline.measureBytes || (spec.entry == zvhost::Entry::Byte && !a.units);
     if (a.raw && spec.entry != zvhost::Entry::Byte) usageError("--raw writes the bytes of a format's byte entry; give -e ENCODING");
-    if (routine) {
-        spec.width = fs->width ? *fs->width : -1;
-        spec.decimals = fs->decimals ? *fs->decimals : 0;
-        spec.exact = fs->width.has_value();
+    if (t.routine) {
+        spec.width = width ? *width : -1;
+        spec.decimals = decimals ? *decimals : 0;
+        spec.exact = width.has_value();
     } else {
-        spec.width = fs->width ? *fs->width : static_cast<int32_t>(row->defaultWidth);
-        spec.decimals = fs->decimals ? *fs->decimals : static_cast<int32_t>(row->defaultDecimals);
-        if (!a.unchecked) {
-            if (spec.width >= 1 && spec.width < static_cast<int32_t>(row->minWidth))
-                std::fprintf(stderr, "zvfmt: note: %s: width %d is below the row's least width %u, which a host may refuse\n",
-                             name.c_str(), int(spec.width), unsigned(row->minWidth));
-            else if (spec.width < 1 || spec.width > static_cast<int32_t>(row->maxWidth))
-                usageError(name + ": width " + std::to_string(spec.width) + " is out of range (" +
-                           std::to_string(row->minWidth) + ".." + std::to_string(row->maxWidth) +
-                           "; --unchecked passes it on)");
-            if (spec.decimals < 0 || spec.decimals > static_cast<int32_t>(row->maxDecimals))
-                usageError(name + ": decimals " + std::to_string(spec.decimals) + " is out of range (0.." +
-                           std::to_string(row->maxDecimals) + "; --unchecked passes it on)");
-        }
+        spec.width = width ? *width : static_cast<int32_t>(row->defaultWidth);
+        spec.decimals = decimals ? *decimals : static_cast<int32_t>(row->defaultDecimals);
+        checkRowLimits(a, *row, spec, name);
     }
+    return spec;
+}
 
-    Converter converter{*session, row, routine, spec, a.showStatus, a.raw, specText};
-    LineWriter writer{converter, a, false, {}};
+// The VALUEs of the command line, or else the lines of stdin after the header.
+int writeLines(const Args &a, LineWriter &writer) {
     static char buffer[1 << 16];
     std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
     if (a.positional.size() > 1) {
         for (size_t i = 1; i < a.positional.size(); ++i)
             if (!writer.line(a.positional[i])) return 2;
     } else {
-        zvfmt::LineReader reader(0, stdout);
-        std::string line;
-        size_t tooLong = 0;
-        for (int64_t n = 0; reader.next(line, tooLong); ++n) {
-            if (n < a.headerLines) {
+        int64_t n = 0;
+        const bool whole = zvfmt::forEachLine(0, stdout, [&](std::string &line, size_t tooLong) {
+            if (n++ < a.headerLines) {
                 line += '\n';
                 std::fwrite(line.data(), 1, line.size(), stdout);
-            } else if (tooLong) {
-                if (!writer.report(zvfmt::tooLongMessage(tooLong))) return 2;
-                std::fputc('\n', stdout); // the line keeps its place
-            } else if (!writer.line(line)) {
-                return 2;
+                return true;
             }
-        }
+            if (!tooLong) return writer.line(line);
+            if (!writer.report(zvfmt::tooLongMessage(tooLong))) return false;
+            std::fputc('\n', stdout); // the line keeps its place
+            return true;
+        });
+        if (!whole) return 2;
     }
     std::fflush(stdout);
     return writer.anyBad && a.invalid == Invalid::Fail ? 2 : 0;
+}
+
+int runConvert(const Args &a) {
+    const std::string &specText = a.positional[0];
+    const Target t = parseTarget(specText);
+    Baseline baseline = a.baseline;
+    if (!a.localeGiven) useEnvironmentLocale(baseline);
+    auto session = startSession(baseline);
+    const FormatTableRow *row = t.routine ? nullptr : session->row(t.fs.name);
+    if (!row && !t.routine) usageError("no format, informat or routine named " + t.fs.name + " (see 'zvfmt list --all')");
+    const std::string name = row ? zvhost::rowName(*row) : t.routine->name;
+    const zvhost::CallSpec spec = convertSpec(a, *session, row, t, name);
+    Converter converter{*session, row, t.routine, spec, a.showStatus, a.raw, specText};
+    LineWriter writer{converter, a, false, {}};
+    return writeLines(a, writer);
 }
 
 // ---- demo ----------------------------------------------------------------------
@@ -831,7 +916,7 @@ int runDemo(const Args &a) {
     const std::string localeOverride = a.localeGiven ? a.baseline.locale : "";
     zvhost::Host &host = session->host();
     const auto rows = session->rows();
-    std::printf("zvlocfmt %s: %zu rows\n\n", "6.1.1", rows.size());
+    std::printf("zvlocfmt %s: %zu rows\n\n", ZVLOCFMT_VERSION_TEXT, rows.size());
 
     std::printf("Formats (value to text; [brackets] show the field):\n");
     for (const Example &e : kFormatExamples) {
@@ -917,10 +1002,7 @@ int runItems(const Args &a) {
     if (a.positional.size() > 1) baseline.locale = zvfmt::hostLocaleName(a.positional[1]);
     else if (!a.localeGiven) useEnvironmentLocale(baseline);
     auto session = startSession(baseline);
-    zvhost::CallSpec spec;
-    spec.locale = session->baseline().locale;
-    spec.items = baseline.items;
-    spec.encoding = baseline.encoding;
+    const zvhost::CallSpec spec = zvfmt::callSpecOf(session->baseline());
     HostLocale *l = session->host().locale(spec.locale, spec.items);
     const uint8_t *table = nullptr;
     if (l->ops->localeTextTable(l, 0, &table) != 0 || !table) usageError("no text table for \"" + spec.locale + "\"");
@@ -931,13 +1013,10 @@ int runItems(const Args &a) {
         return 1;
     }
     if (a.header) printLine("ITEM\tWIDTH\tRAW\tDECODED");
+    const std::vector<uint8_t> tableBytes(table, table + ZV_LOCALE_TABLE_SIZE);
     for (int k = 0; k < ZV_LOCALE_TABLE_ITEMS; ++k) {
-        const uint8_t *record = table + ZV_LOCALE_TABLE_OFFSET + size_t(k) * ZV_LOCALE_RECORD_SIZE;
-        size_t n = size_t(record[0] | (record[1] << 8));
-        if (n > 160) n = 160;
         std::string raw;
-        for (size_t i = 0; i < n; ++i) {
-            const unsigned char c = record[2 + i];
+        for (const unsigned char c : zvhost::rawItem(tableBytes, k)) {
             if (c >= 0x20 && c < 0x7f) raw.push_back(char(c));
             else {
                 char esc[8];
@@ -966,13 +1045,17 @@ const char *helpOn(const std::string &topic) {
     return nullptr;
 }
 
-int runHelp(const Args &a) {
-    const std::string topic = a.positional.size() > 1 ? a.positional[1] : "";
+// Prints the help on a topic; one without help gets `fallback`, or is refused
+// when there is none.
+int printHelp(const std::string &topic, const char *fallback) {
     const char *text = helpOn(topic);
+    if (!text) text = fallback;
     if (!text) usageError("no help on \"" + topic + "\" (try format, list, value, demo, locales, items or jsonl)");
     std::fputs(text, stdout);
     return 0;
 }
+
+int runHelp(const Args &a) { return printHelp(a.positional.size() > 1 ? a.positional[1] : "", nullptr); }
 
 } // namespace
 
@@ -983,11 +1066,7 @@ int main(int argc, char **argv) {
         std::printf("%s\n", kVersion);
         return 0;
     }
-    if (a.help) {
-        const char *text = a.jsonl ? kJsonlHelp : helpOn(command);
-        std::fputs(text ? text : kFormatHelp, stdout);
-        return 0;
-    }
+    if (a.help) return printHelp(a.jsonl ? "jsonl" : command, kFormatHelp);
     if (command != "list" && !a.listOptions.empty())
         usageError("option " + a.listOptions.front() + " belongs to 'zvfmt list'");
     if (a.jsonl) {

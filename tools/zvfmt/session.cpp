@@ -2,6 +2,16 @@
 
 namespace zvfmt {
 
+zvhost::CallSpec callSpecOf(const Baseline &baseline) {
+    zvhost::CallSpec spec;
+    spec.locale = baseline.locale;
+    spec.items = baseline.items;
+    spec.encoding = baseline.encoding;
+    spec.measureBytes = baseline.measureBytes;
+    spec.validate = baseline.validate;
+    return spec;
+}
+
 Session::Session(Baseline baseline) : baseline_(std::move(baseline)) {}
 
 Session::~Session() {

@@ -28,6 +28,10 @@ struct Baseline {
     std::optional<std::pair<double, double>> clock; // value, shift; none: the system clock
 };
 
+// A call's record as the baseline sets it: locale, items, encoding,
+// measureBytes and validate; the rest as CallSpec leaves it.
+zvhost::CallSpec callSpecOf(const Baseline &baseline);
+
 // Host state for one call: set by apply, put back by the destructor.
 struct StateChange {
     std::optional<std::string> timeZone;

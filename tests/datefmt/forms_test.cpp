@@ -69,6 +69,8 @@ TEST_F(Forms, NumericDatesFollowTheirRules) {
     dt::Items items = dt::englishItems();
     items[6] = "MD";
     EXPECT_EQ(text("NLDATES", 0, 10, 0, items), "**********");
+    EXPECT_EQ(text("NLDATES", 6589335, 10), "12/31/****"); // the calendar's last day, and the first past it
+    EXPECT_EQ(text("NLDATES", 6589336, 10), "**********");
 }
 
 // The field split between date and time, by the width.

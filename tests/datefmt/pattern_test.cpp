@@ -114,6 +114,9 @@ TEST(Pattern, TimesLongerThanADayAndMissingFields) {
     const double m = zv::missingValue();
     EXPECT_EQ(zv::expandPattern(23440, m, m, m, u"%T|%S|%I|%L|%P|%n", 17, out, &w, 2, &block(), nullptr), 0);
     EXPECT_EQ(std::u16string(out, size_t(w)), u"**:**:**|**,**|12|00|**|**");
+    w = 40;
+    EXPECT_EQ(zv::expandPattern(23440, m, m, m, u"%S|", 3, out, &w, 0, &block(), nullptr), 0);
+    EXPECT_EQ(std::u16string(out, size_t(w)), u"**|");
     w = 20;
     EXPECT_EQ(zv::writeTimePattern(out, &w, u"%H", 2, -1, 0, &block()), zv::kPatternNoValue);
     zv::hostAnchor = saved;

@@ -17,23 +17,6 @@ constexpr double kLogMargin = 1e-12;
 constexpr int32_t kDecimalsLimit = 10;
 constexpr double kRoundingMargin = 0.5;
 constexpr int32_t kHostFieldLimit = 32;
-constexpr int32_t kNoNumberService = static_cast<int32_t>(0x803FE80Du);
-
-double valueOf(const FormatCall *call) {
-    double v = 0;
-    if (call->input) std::memcpy(&v, call->input, sizeof v);
-    return v;
-}
-
-int32_t askHost(HostLocale *locale, double value, int32_t width, int32_t decimals, uint32_t flags,
-                ZvChar *target, int64_t capacity, int64_t *produced) {
-    if (!locale || !locale->ops || !locale->ops->formatNumber || !target || width < 1 ||
-        capacity < 1) {
-        *produced = 0;
-        return kNoNumberService;
-    }
-    return locale->ops->formatNumber(locale, value, width, decimals, flags, target, capacity, produced);
-}
 
 HostLocale *currentLocaleOf(FormatCall *call, ExtensionInstance *instance) {
     HostAnchor *anchor = anchorOf(instance);
@@ -51,7 +34,7 @@ int32_t runFieldForm(FormatCall *call, bool significant) {
     if (significant) writeSignificant(call, instance);
     else writeBestFit(call);
     // A missing value's '.' is its mark, not a decimal point.
-    if (!isMissing(valueOf(call))) replacePoint(call, call->outputLength);
+    if (!isMissing(inputValue(call))) replacePoint(call, call->outputLength);
     return 0;
 }
 
@@ -72,7 +55,7 @@ int32_t writeBestFit(FormatCall *call) {
     }
     int64_t produced = call->outputCapacity;
     const int32_t status =
-        askHost(call->locale, valueOf(call), n, 0, ZV_NUMBER_BEST_FIT, out + lead, n, &produced);
+        askFormatNumber(call->locale, inputValue(call), n, 0, ZV_NUMBER_BEST_FIT, out + lead, n, &produced);
     if (status != 0) {
         const int32_t field = call->width < call->outputCapacity ? call->width : call->outputCapacity;
         fillBounded(out, call->outputCapacity, u'*', field);
@@ -87,7 +70,7 @@ int32_t writeBestFit(FormatCall *call) {
 
 int32_t writeSignificant(FormatCall *call, ExtensionInstance *instance) {
     auto *out = static_cast<ZvChar *>(call->output);
-    const double value = valueOf(call);
+    const double value = inputValue(call);
     const int32_t width = call->width;
     const int64_t capacity = width < call->outputCapacity ? width : call->outputCapacity;
     if (capacity < 1) {
@@ -96,7 +79,7 @@ int32_t writeSignificant(FormatCall *call, ExtensionInstance *instance) {
     }
     if (isMissing(value)) {
         int64_t produced = call->outputCapacity;
-        const int32_t status = askHost(call->locale, value, width, call->decimals, ZV_NUMBER_BEST_FIT,
+        const int32_t status = askFormatNumber(call->locale, value, width, call->decimals, ZV_NUMBER_BEST_FIT,
                                        out, capacity, &produced);
         call->outputLength = static_cast<int32_t>(produced);
         return status;
@@ -164,7 +147,7 @@ int32_t writeSignificant(FormatCall *call, ExtensionInstance *instance) {
     }
 
     int64_t produced = call->outputCapacity;
-    const int32_t status = askHost(currentLocaleOf(call, instance), value, width, decimals, flags, out,
+    const int32_t status = askFormatNumber(currentLocaleOf(call, instance), value, width, decimals, flags, out,
                                    capacity, &produced);
     if (produced < 0) produced = 0;
     if (produced > capacity) produced = capacity;

@@ -79,6 +79,23 @@ int32_t byteEntry(FormatCall *call, FormatCall *callPart, void *opaque) {
 bool beginFormat(FormatCall *call, double low, double high, double *value, int32_t *status,
                  ExtensionInstance **instance);
 
+// The limits that a routine honouring bit 0 of `flags` checks itself.
+struct FieldLimits {
+    int32_t leastWidth, mostWidth, mostDecimals;
+};
+
+// 0 when the call is within the limits or doesn't ask for the check, else
+// 2, 3, 4 or 5 for a width too small or too large, decimals too small or
+// too large.
+inline int32_t checkLimits(const FormatCall *call, const FieldLimits &limits) {
+    if (!(call->flags & ZV_FLAG_CHECK_LIMITS)) return 0;
+    if (call->width < limits.leastWidth) return ZV_WIDTH_TOO_SMALL;
+    if (call->width > limits.mostWidth) return ZV_WIDTH_TOO_LARGE;
+    if (call->decimals < 0) return ZV_DECIMALS_TOO_SMALL;
+    if (call->decimals > limits.mostDecimals) return ZV_DECIMALS_TOO_LARGE;
+    return 0;
+}
+
 // The fifth step: a call without a locale block gets one. False when the
 // block can't be built; the field then holds stars and the answer is 0.
 bool ensureLocaleBlock(FormatCall *call, ExtensionInstance *instance);

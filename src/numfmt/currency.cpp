@@ -17,10 +17,6 @@ constexpr ZvChar kEmpty[1] = {0};
 
 using Work = WorkArea<kWork>;
 
-// Monetary items, in the order of the record's fields.
-constexpr int kItemDecimal = 157, kItemGroup = 158, kItemGrouping = 159;
-constexpr int kItemPositiveSign = 160, kItemNegativeSign = 161;
-
 const ZvChar *snapshotText(ExtensionInstance *instance, int item) {
     const LocaleItem &it = instance->itemSnapshot[item];
     return it.length < 1 ? kEmpty : it.text;
@@ -33,7 +29,7 @@ int8_t snapshotFigure(FormatCall *call, ExtensionInstance *instance, int item) {
     int64_t value = 0, used = 0;
     const int64_t length = it.length < ZV_ITEM_TEXT_UNITS ? it.length : ZV_ITEM_TEXT_UNITS;
     if (locale->ops->parseInteger(locale, it.text, length, 0, &value, &used) != 0) return 0;
-    if (value < -128 || value > 127) return 0;
+    if (value < INT8_MIN || value > INT8_MAX) return 0;
     return static_cast<int8_t>(value);
 }
 
@@ -51,19 +47,22 @@ bool ensureMonetaryRecord(FormatCall *call, ExtensionInstance *instance) {
     CurrencyRow &r = record->row;
     r.code = snapshotText(instance, kItemCurrencySymbol);
     r.symbol = snapshotText(instance, kItemCurrencySymbol);
-    r.decimalSeparator = snapshotText(instance, kItemDecimal);
-    r.groupSeparator = snapshotText(instance, kItemGroup);
-    r.grouping = snapshotText(instance, kItemGrouping);
-    r.positiveSign = snapshotText(instance, kItemPositiveSign);
-    r.negativeSign = snapshotText(instance, kItemNegativeSign);
-    r.intFractionDigits = snapshotFigure(call, instance, 162);
-    r.fractionDigits = snapshotFigure(call, instance, 163);
-    r.positiveSymbolPrecedes = snapshotFigure(call, instance, 164);
-    r.positiveSymbolSpaced = snapshotFigure(call, instance, 165);
-    r.negativeSymbolPrecedes = snapshotFigure(call, instance, 166);
-    r.negativeSymbolSpaced = snapshotFigure(call, instance, 167);
-    r.positiveSignPosition = snapshotFigure(call, instance, 168);
-    r.negativeSignPosition = snapshotFigure(call, instance, 169);
+    r.decimalSeparator = snapshotText(instance, kItemMoneyDecimalSeparator);
+    r.groupSeparator = snapshotText(instance, kItemMoneyGroupSeparator);
+    r.grouping = snapshotText(instance, kItemMoneyGrouping);
+    r.positiveSign = snapshotText(instance, kItemMoneyPositiveSign);
+    r.negativeSign = snapshotText(instance, kItemMoneyNegativeSign);
+    r.intFractionDigits = snapshotFigure(call, instance, kItemIntlFractionDigits);
+    r.fractionDigits = snapshotFigure(call, instance, kItemFractionDigits);
+    auto placement = [&](int figure) {
+        return snapshotFigure(call, instance, kItemMoneyPlacements + figure);
+    };
+    r.positiveSymbolPrecedes = placement(kPositiveSymbolPrecedes);
+    r.positiveSymbolSpaced = placement(kPositiveSymbolSpaced);
+    r.negativeSymbolPrecedes = placement(kNegativeSymbolPrecedes);
+    r.negativeSymbolSpaced = placement(kNegativeSymbolSpaced);
+    r.positiveSignPosition = placement(kPositiveSignPosition);
+    r.negativeSignPosition = placement(kNegativeSignPosition);
     instance->monetaryRecord = record;
     return true;
 }

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "frame/frame.hpp"
+#include "locale/block.hpp"
 #include "numfmt/numfmt.hpp"
 #include "numfmt/work.hpp"
 
@@ -29,10 +30,6 @@ constexpr int kWork = 256;
 constexpr int kScratchBytes = 200;
 // More passes than the retreats can take; a guard, never reached.
 constexpr int kMostPasses = 4 * kWork;
-// The room of a context's symbol.
-constexpr int64_t kContextSymbolUnits = sizeof(NumberContext::symbol) / sizeof(ZvChar);
-
-int unitsOf(const ZvChar (&text)[2]) { return text[0] == 0 ? 0 : (text[1] == 0 ? 1 : 2); }
 
 // Where a dressed number stands after its measure.
 enum class Placement { Done, Stars, TooWide };
@@ -56,7 +53,7 @@ struct Engine {
     const ZvChar *pattern = nullptr;
     const ZvChar *sign = nullptr;
     int signUnits = 0;
-    int64_t symbolUnits = 0;
+    int64_t symbolLength = 0;
 
     // What the retreats have given up so far.
     bool grouping = true, groupsUsed = false, zeroPoint = false;
@@ -105,7 +102,7 @@ struct Engine {
         width = call->width;
         fillBounded(out, call->outputCapacity, u' ', width);
 
-        sepUnits = unitsOf(ctx->decimalSeparator);
+        sepUnits = markUnits(ctx->decimalSeparator);
         sepMeasure = sepUnits;
         if (call->measureBytes && sepUnits > 0) {
             int64_t bytes = 0;
@@ -121,8 +118,8 @@ struct Engine {
                            : signPattern(ctx->positiveSymbolPrecedes, ctx->positiveSymbolSpaced,
                                          ctx->positiveSignPosition);
         sign = negative ? ctx->negativeSign : ctx->positiveSign;
-        signUnits = unitsOf(negative ? ctx->negativeSign : ctx->positiveSign);
-        symbolUnits = boundedLength(ctx->symbol, kContextSymbolUnits);
+        signUnits = markUnits(negative ? ctx->negativeSign : ctx->positiveSign);
+        symbolLength = symbolUnits(*ctx);
         return true;
     }
 
@@ -178,7 +175,7 @@ struct Engine {
         number.clear();
         int32_t g = ctx->groupSizes[0];
         if (!grouping || e > 0 || plainInteger) g = 0;
-        if (putGrouped(number, d, intLength, g, ctx->groupSeparator, unitsOf(ctx->groupSeparator)))
+        if (putGrouped(number, d, intLength, g, ctx->groupSeparator, markUnits(ctx->groupSeparator)))
             groupsUsed = true;
         if (fractionLength > 0) {
             number.put(ctx->decimalSeparator, sepUnits);
@@ -195,7 +192,7 @@ struct Engine {
         result.clear();
         putPattern(result, pattern,
                    PatternParts{negative, number.c, lengthWithoutTrailingBlanks(number.c, number.n),
-                                ctx->symbol, symbolUnits, sign, signUnits});
+                                ctx->symbol, symbolLength, sign, signUnits});
         result.trimBoth();
         if (value > 0.0 && ctx->negativeSignPosition == 0) result.put(u' ');
         return result.overflow ? kWork + 1 : result.n;
@@ -266,10 +263,10 @@ int32_t renderLocaleNumber(int32_t itemLength, FormatCall *call, const NumberCon
     if (itemLength == 0) return -1;
     if (call->width < 1) return 0;
     auto *out = static_cast<ZvChar *>(call->output);
-    if (call->width > 32) {
-        call->width = 32;
-        fillBounded(out, call->outputCapacity, u'*', 32);
-        call->outputLength = 32;
+    if (call->width > kNumberMostWidth) {
+        call->width = kNumberMostWidth;
+        fillBounded(out, call->outputCapacity, u'*', kNumberMostWidth);
+        call->outputLength = kNumberMostWidth;
         return 0;
     }
     double value = 0;

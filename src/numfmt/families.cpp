@@ -28,16 +28,6 @@ void replacePoint(FormatCall *call, int64_t length) {
 
 namespace {
 
-bool validLimits(const FormatCall *call, int32_t *status) {
-    if (!(call->flags & ZV_FLAG_CHECK_LIMITS)) return true;
-    if (call->width < 1) *status = ZV_WIDTH_TOO_SMALL;
-    else if (call->width > 32) *status = ZV_WIDTH_TOO_LARGE;
-    else if (call->decimals < 0) *status = ZV_DECIMALS_TOO_SMALL;
-    else if (call->decimals > 31) *status = ZV_DECIMALS_TOO_LARGE;
-    else return true;
-    return false;
-}
-
 // What a front does when the locale lacks the item.
 enum class Fallback { GroupedNumber, Percent, Money };
 
@@ -47,19 +37,19 @@ struct NumberFormRow {
     Fallback fallback; // the fixed form for a locale without the item
 };
 
-constexpr NumberFormRow kNlNum{183, false, Fallback::GroupedNumber};
-constexpr NumberFormRow kNlNumI{184, false, Fallback::GroupedNumber};
-constexpr NumberFormRow kNlPct{185, true, Fallback::Percent};
-constexpr NumberFormRow kNlPctI{186, true, Fallback::Percent};
-constexpr NumberFormRow kNlMny{170, false, Fallback::Money};
-constexpr NumberFormRow kNlMnyI{171, false, Fallback::Money};
+constexpr NumberFormRow kNlNum{kItemNumberContext, false, Fallback::GroupedNumber};
+constexpr NumberFormRow kNlNumI{kItemFixedNumberContext, false, Fallback::GroupedNumber};
+constexpr NumberFormRow kNlPct{kItemPercentContext, true, Fallback::Percent};
+constexpr NumberFormRow kNlPctI{kItemFixedPercentContext, true, Fallback::Percent};
+constexpr NumberFormRow kNlMny{kItemMoneyContext, false, Fallback::Money};
+constexpr NumberFormRow kNlMnyI{kItemIntlMoneyContext, false, Fallback::Money};
 
 int32_t runNumberForm(FormatCall *call, const NumberFormRow &row) {
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return ZV_NO_INSTANCE;
     call->outputLength = call->width;
-    int32_t status = 0;
-    if (!validLimits(call, &status)) return status;
+    int32_t status = checkLimits(call, kNumberLimits);
+    if (status != 0) return status;
     double value = 0;
     if (!beginNumberValue(call, &value)) return 0;
     if (!ensureLocaleBlock(call, instance)) return 0;
@@ -69,7 +59,7 @@ int32_t runNumberForm(FormatCall *call, const NumberFormRow &row) {
     const NumberContext *context = item.numberContext ? item.numberContext : contextOf(block, row.item);
 
     const void *input = call->input;
-    const double scaled = value * 100.0;
+    const double scaled = value * kPercentScale;
     if (row.percent) call->input = &scaled;
     const int32_t rendered =
         renderLocaleNumber(static_cast<int32_t>(item.length), call, context, instance);

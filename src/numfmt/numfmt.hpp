@@ -5,10 +5,19 @@
 
 #include <cstdint>
 
+#include "frame/frame.hpp"
 #include "locale/currency.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
 namespace zv {
+
+// The limits of the NLNUM, NLPCT and NLMNY families and their informats, as
+// they check them (NLPCT's table row asks for 4 places at least).
+constexpr int32_t kNumberMostWidth = 32;
+constexpr int32_t kNumberMostDecimals = 31;
+constexpr FieldLimits kNumberLimits{1, kNumberMostWidth, kNumberMostDecimals};
+// A percentage goes to the engine scaled by this.
+constexpr double kPercentScale = 100.0;
 
 // ---- the engine ----------------------------------------------------------------
 

@@ -13,15 +13,6 @@ namespace zv {
 
 namespace {
 
-// Units in use of a two-unit mark of a context (separators, signs).
-int64_t markLength(const ZvChar *mark) { return mark[0] == 0 ? 0 : (mark[1] == 0 ? 1 : 2); }
-
-int64_t symbolLength(const NumberContext &context) {
-    int64_t n = 0;
-    while (n < 52 && context.symbol[n]) ++n;
-    return n;
-}
-
 bool isAsciiDigit(ZvChar u) { return u >= u'0' && u <= u'9'; }
 
 // The reader's own copy of the text, at most kReadUnits units.
@@ -62,7 +53,7 @@ struct ReadText {
 bool dropEndForm(ReadText &text, int32_t position, const ZvChar *sign) {
     if (position != 0) {
         if (sign[0] == 0) return false;
-        const int64_t length = markLength(sign);
+        const int64_t length = markUnits(sign);
         if (text.startsWith(sign, length)) {
             text.dropFront(length);
             return true;
@@ -88,7 +79,7 @@ bool removeForm(ReadText &text, int32_t position, const ZvChar *sign) {
     const int64_t before = text.n;
     if (position != 0) {
         if (sign[0] == 0) return false;
-        text.n = removeCharacters(text.c, text.n, sign, markLength(sign));
+        text.n = removeCharacters(text.c, text.n, sign, markUnits(sign));
     } else {
         text.removeAll(u'(');
         text.removeAll(u')');
@@ -120,7 +111,7 @@ int32_t runPlain(FormatCall *call, const ReadText &text, int32_t (*plain)(Format
 int64_t digitsBehindPoint(const ReadText &text, const NumberContext &own, const NumberContext &other) {
     auto symbolHoldsPoint = [](const NumberContext &context) {
         const ZvChar point = context.decimalSeparator[0];
-        return point != 0 && findChar(context.symbol, symbolLength(context), point) > 0;
+        return point != 0 && findChar(context.symbol, symbolUnits(context), point) > 0;
     };
     const ZvChar point = own.decimalSeparator[0];
     if (!symbolHoldsPoint(other) && !symbolHoldsPoint(own)) return 0;
@@ -138,7 +129,7 @@ int64_t digitsBehindPoint(const ReadText &text, const NumberContext &own, const 
             if (i == 0) return count;
             const ZvChar before = text.c[i - 1];
             auto lastOf = [&](const NumberContext &context) {
-                const int64_t n = symbolLength(context);
+                const int64_t n = symbolUnits(context);
                 return n > 0 && context.symbol[n - 1] == before;
             };
             if (isAsciiDigit(before) || before == u' ' || lastOf(own) || lastOf(other)) return count;
@@ -215,8 +206,7 @@ int32_t readFront(FormatCall *call, int item, LocaleReader reader, PlainReader p
 
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return plainRoute();
-    int32_t status = 0;
-    if (!checkReadLimits(call, &status)) return status;
+    if (const int32_t refused = checkLimits(call, kNumberLimits)) return refused;
 
     const int64_t came = roundTrip(call, n);
     if (came < 0) return plainRoute();
@@ -232,7 +222,7 @@ int32_t readFront(FormatCall *call, int item, LocaleReader reader, PlainReader p
 int32_t translateSeparators(ZvChar *text, int64_t *length, const NumberContext &context) {
     const ZvChar *point = context.decimalSeparator;
     const ZvChar *group = context.groupSeparator;
-    const int64_t groupLength = markLength(group);
+    const int64_t groupLength = markUnits(group);
     int64_t n = *length;
     if (group[0] != u',') {
         if (groupLength == 2) {
@@ -279,7 +269,8 @@ int32_t readLocaleNumber(int64_t length, LocaleBlock *block, int item, FormatCal
 
 int32_t readLocaleMoney(int64_t length, LocaleBlock *block, int item, FormatCall *call) {
     const NumberContext &own = *contextOf(block, item);
-    const NumberContext &other = *contextOf(block, item == 170 ? 171 : 170);
+    const NumberContext &other =
+        *contextOf(block, item == kItemMoneyContext ? kItemIntlMoneyContext : kItemMoneyContext);
     ReadText text;
     text.take(call, length);
 
@@ -293,8 +284,8 @@ int32_t readLocaleMoney(int64_t length, LocaleBlock *block, int item, FormatCall
         for (int64_t i = 0; i <= e; ++i) hashesBefore += text.c[i] == u'#';
         text.c[e + 1] = u'#';
     }
-    text.n = removeCharacters(text.c, text.n, own.symbol, symbolLength(own));
-    text.n = removeCharacters(text.c, text.n, other.symbol, symbolLength(other));
+    text.n = removeCharacters(text.c, text.n, own.symbol, symbolUnits(own));
+    text.n = removeCharacters(text.c, text.n, other.symbol, symbolUnits(other));
     if (hashesBefore >= 0) {
         for (int64_t i = 0, seen = 0; i < text.n; ++i) {
             if (text.c[i] != u'#') continue;
@@ -341,11 +332,23 @@ int32_t readLocalePercent(int64_t length, LocaleBlock *block, int item, FormatCa
     return runPlain(call, text, readPlainPercent);
 }
 
-int32_t readNlNum(FormatCall *call, void *) { return readFront(call, 183, readLocaleNumber, readPlainNumber); }
-int32_t readNlNumI(FormatCall *call, void *) { return readFront(call, 184, readLocaleNumber, readPlainNumber); }
-int32_t readNlMny(FormatCall *call, void *) { return readFront(call, 170, readLocaleMoney, readPlainNumber); }
-int32_t readNlMnyI(FormatCall *call, void *) { return readFront(call, 171, readLocaleMoney, readPlainNumber); }
-int32_t readNlPct(FormatCall *call, void *) { return readFront(call, 185, readLocalePercent, readPlainPercent); }
-int32_t readNlPctI(FormatCall *call, void *) { return readFront(call, 186, readLocalePercent, readPlainPercent); }
+int32_t readNlNum(FormatCall *call, void *) {
+    return readFront(call, kItemNumberContext, readLocaleNumber, readPlainNumber);
+}
+int32_t readNlNumI(FormatCall *call, void *) {
+    return readFront(call, kItemFixedNumberContext, readLocaleNumber, readPlainNumber);
+}
+int32_t readNlMny(FormatCall *call, void *) {
+    return readFront(call, kItemMoneyContext, readLocaleMoney, readPlainNumber);
+}
+int32_t readNlMnyI(FormatCall *call, void *) {
+    return readFront(call, kItemIntlMoneyContext, readLocaleMoney, readPlainNumber);
+}
+int32_t readNlPct(FormatCall *call, void *) {
+    return readFront(call, kItemPercentContext, readLocalePercent, readPlainPercent);
+}
+int32_t readNlPctI(FormatCall *call, void *) {
+    return readFront(call, kItemFixedPercentContext, readLocalePercent, readPlainPercent);
+}
 
 } // namespace zv

@@ -67,7 +67,8 @@ private:
 // text taken in and trimmed. False when the reader is done and *status holds
 // its answer.
 bool takeText(FormatCall *call, PlainText &text, int32_t *status) {
-    if (!checkReadLimits(call, status)) return false;
+    *status = checkLimits(call, kNumberLimits);
+    if (*status != 0) return false;
     storeValue(call, missingValue());
     int64_t length = call->inputLength < call->width ? call->inputLength : call->width;
     if (length < 0 || !call->input) length = 0;
@@ -103,16 +104,6 @@ int32_t parseInto(FormatCall *call, const PlainText &text, double *value) {
 }
 
 } // namespace
-
-bool checkReadLimits(const FormatCall *call, int32_t *status) {
-    if (!(call->flags & ZV_FLAG_CHECK_LIMITS)) return true;
-    if (call->width < 1) *status = ZV_WIDTH_TOO_SMALL;
-    else if (call->width > kReadUnits) *status = ZV_WIDTH_TOO_LARGE;
-    else if (call->decimals < 0) *status = ZV_DECIMALS_TOO_SMALL;
-    else if (call->decimals > 31) *status = ZV_DECIMALS_TOO_LARGE;
-    else return true;
-    return false;
-}
 
 void storeValue(FormatCall *call, double value) {
     if (call->output) std::memcpy(call->output, &value, sizeof value);

@@ -34,15 +34,24 @@ Span withoutOuterBlanks(Span s) {
     return s;
 }
 
-// The limits check of bit 0 of flags; 0 when the call passes.
-int32_t checkLimits(const FormatCall *call, int32_t widthLow, int32_t widthHigh, int32_t decimalsHigh) {
-    if (!(call->flags & ZV_FLAG_CHECK_LIMITS)) return 0;
-    if (call->width < widthLow) return ZV_WIDTH_TOO_SMALL;
-    if (call->width > widthHigh) return ZV_WIDTH_TOO_LARGE;
-    if (call->decimals < 0) return ZV_DECIMALS_TOO_SMALL;
-    if (call->decimals > decimalsHigh) return ZV_DECIMALS_TOO_LARGE;
-    return 0;
-}
+// The limits each reader checks under bit 0 of flags. A size number's own
+// digits have limits of their own.
+constexpr FieldLimits kBinaryLimits{1, 64, 31};
+constexpr FieldLimits kHexLimits{1, 16, 0};
+constexpr FieldLimits kSizeLimits{4, 35, 31};
+constexpr int64_t kSizeDigitsMost = 32;
+constexpr FieldLimits kUuidLimits{1, 200, 0};
+
+// The fields of the digit readers, and the count of digits from which the
+// field is a bit pattern rather than a number.
+constexpr int kBinaryField = 64, kBinaryPatternFrom = 57;
+constexpr int kHexField = 16, kHexPatternFrom = 16;
+constexpr double kSizeStep = 1024.0;
+
+// A UUID in its written form: 36 units, dashes at four places, 16 bytes.
+constexpr int kUuidUnits = 36;
+constexpr int kUuidBytes = 16;
+constexpr bool isUuidDash(int i) { return i == 8 || i == 13 || i == 18 || i == 23; }
 
 void storeDouble(FormatCall *call, double value) { std::memcpy(call->output, &value, sizeof value); }
 
@@ -120,23 +129,23 @@ int32_t encodeBase64(HostPool *pool, const Unit *source, int64_t length, ZvChar 
 } // namespace
 
 int32_t readBinaryNumber(FormatCall *call, void *) {
-    if (const int32_t refused = checkLimits(call, 1, 64, 31)) return refused;
-    return readDigitField(call, 1, 64, 57, kBadDigit);
+    if (const int32_t refused = checkLimits(call, kBinaryLimits)) return refused;
+    return readDigitField(call, 1, kBinaryField, kBinaryPatternFrom, kBadDigit);
 }
 
 int32_t readHexNumber(FormatCall *call, void *) {
-    if (const int32_t refused = checkLimits(call, 1, 16, 0)) return refused;
-    return readDigitField(call, 4, 16, 16, ZV_UNREADABLE);
+    if (const int32_t refused = checkLimits(call, kHexLimits)) return refused;
+    return readDigitField(call, 4, kHexField, kHexPatternFrom, ZV_UNREADABLE);
 }
 
 int32_t readSizeNumber(FormatCall *call, void *) {
-    if (const int32_t refused = checkLimits(call, 4, 35, 31)) return refused;
+    if (const int32_t refused = checkLimits(call, kSizeLimits)) return refused;
     const Span s = withoutOuterBlanks(readSpan(call));
     int64_t digitsEnd = s.length;
     while (digitsEnd > 0 && !(s.text[digitsEnd - 1] >= u'0' && s.text[digitsEnd - 1] <= u'9')) --digitsEnd;
     if (call->flags & ZV_FLAG_CHECK_LIMITS) {
         if (digitsEnd < 1) return ZV_WIDTH_TOO_SMALL;
-        if (digitsEnd > 32) return ZV_WIDTH_TOO_LARGE;
+        if (digitsEnd > kSizeDigitsMost) return ZV_WIDTH_TOO_LARGE;
     }
     storeDouble(call, missingValue());
     HostLocale *locale = parsingLocale(call);
@@ -154,7 +163,7 @@ int32_t readSizeNumber(FormatCall *call, void *) {
     if (unit == u'K' || unit == u'k') times = 1;
     if (unit == u'M' || unit == u'm') times = 2;
     if (unit == u'G' || unit == u'g') times = 3;
-    for (int k = 0; k < times; ++k) value *= 1024.0;
+    for (int k = 0; k < times; ++k) value *= kSizeStep;
     storeDouble(call, value);
     return 0;
 }
@@ -243,20 +252,19 @@ int32_t readQuotedText(FormatCall *call, void *) {
 }
 
 int32_t readUuid(FormatCall *call, void *) {
-    if (const int32_t refused = checkLimits(call, 1, 200, 0)) return refused;
+    if (const int32_t refused = checkLimits(call, kUuidLimits)) return refused;
     Span s = withoutOuterBlanks(readSpan(call));
-    if (s.length < 36) return kBadDigit;
+    if (s.length < kUuidUnits) return kBadDigit;
     if (s.text[0] == u'{') {
         ++s.text, --s.length;
         if (s.length > 0 && s.text[s.length - 1] == u'}') --s.length;
         s = withoutOuterBlanks(s);
     }
-    if (s.length != 36) return kBadDigit;
-    uint8_t bytes[16];
+    if (s.length != kUuidUnits) return kBadDigit;
+    uint8_t bytes[kUuidBytes];
     int n = 0;
-    for (int i = 0; i < 36; ++i) {
-        const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
-        if (dash) {
+    for (int i = 0; i < kUuidUnits; ++i) {
+        if (isUuidDash(i)) {
             if (s.text[i] != u'-') return kBadDigit;
             continue;
         }
@@ -268,7 +276,7 @@ int32_t readUuid(FormatCall *call, void *) {
             bytes[n / 2] = static_cast<uint8_t>(bytes[n / 2] | v);
         ++n;
     }
-    int64_t count = 16;
+    int64_t count = kUuidBytes;
     if (call->width < count) count = call->width;
     if (call->outputCapacity < count) count = call->outputCapacity;
     if (count < 0) count = 0;

@@ -22,6 +22,9 @@ const uint64_t kCallPoolKey = wordOf(u"ZVRG");
 
 constexpr int kCallPoolWord = 9;
 
+// Decimals that put the missing mark in the last place whatever they say.
+constexpr bool marksLastPlace(int32_t decimals) { return decimals == 98 || decimals == 99; }
+
 } // namespace
 
 ExtensionInstance *findInstance(const FormatCall *call) {
@@ -51,7 +54,7 @@ int32_t writeMissingMark(FormatCall *call) {
 
     const double value = inputValue(call);
     const ZvChar mark = isMissing(value) ? missingMarkOf(value) : u' ';
-    const int64_t at = (call->decimals == 98 || call->decimals == 99)
+    const int64_t at = marksLastPlace(call->decimals)
                            ? int64_t{call->width} - 1
                            : int64_t{call->width} - 1 - call->decimals;
     if (at >= 0 && at < call->outputCapacity) out[at] = mark;

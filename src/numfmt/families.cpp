@@ -28,6 +28,10 @@ void replacePoint(FormatCall *call, int64_t length) {
 
 namespace {
 
+// The fixed percent form's places around the digits: '(' or a blank in
+// front, '%' and ')' or a blank behind.
+constexpr int64_t kPercentDecoration = 3;
+
 // What a front does when the locale lacks the item.
 enum class Fallback { GroupedNumber, Percent, Money };
 
@@ -127,23 +131,24 @@ int32_t fixedPercent(FormatCall *call) {
     const double value = inputValue(call);
     if (isMissing(value)) {
         fillBounded(out, n, u' ', n);
-        if (out && n >= 3) out[n - 3] = missingMarkOf(value);
+        if (out && n >= kPercentDecoration) out[n - kPercentDecoration] = missingMarkOf(value);
         call->outputLength = static_cast<int32_t>(n < 0 ? 0 : n);
         return 0;
     }
     // The host needs a field of one place at least, and room for the
     // decoration on both sides.
-    if (call->width - 3 < 1 || call->outputCapacity - 3 < 1 || !out) {
+    if (call->width - kPercentDecoration < 1 || call->outputCapacity - kPercentDecoration < 1 || !out) {
         fillBounded(out, call->outputCapacity, u'*', call->width);
         call->outputLength = static_cast<int32_t>(n);
         return 0;
     }
     int64_t produced = n;
     const int32_t status =
-        askFormatNumber(call->locale, std::fabs(value) * 100.0, call->width - 3, call->decimals,
-                 ZV_NUMBER_PLAIN, out + 1, call->outputCapacity - 3, &produced);
+        askFormatNumber(call->locale, std::fabs(value) * kPercentScale, call->width - kPercentDecoration,
+                        call->decimals, ZV_NUMBER_PLAIN, out + 1, call->outputCapacity - kPercentDecoration,
+                        &produced);
     if (produced < 0) produced = 0;
-    if (produced > call->outputCapacity - 3) produced = call->outputCapacity - 3;
+    if (produced > call->outputCapacity - kPercentDecoration) produced = call->outputCapacity - kPercentDecoration;
     if (status != 0 && status != kHostPercentAccepted && status != kHostNotPlain) {
         call->outputLength = static_cast<int32_t>(produced);
         return status;
@@ -152,7 +157,7 @@ int32_t fixedPercent(FormatCall *call) {
     out[0] = negative ? u'(' : u' ';
     out[produced + 1] = u'%';
     out[produced + 2] = negative ? u')' : u' ';
-    call->outputLength = static_cast<int32_t>(produced + 3);
+    call->outputLength = static_cast<int32_t>(produced + kPercentDecoration);
     return status;
 }
 

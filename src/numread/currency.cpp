@@ -80,18 +80,7 @@ int32_t readCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionIn
                 if (text[i] == point0) text[i] = u'.';
     } else if (groupLength == 0 || group[0] != u',') {
         if (groupLength == 2) {
-            int64_t i = 0, o = 0;
-            while (i < n - 1) {
-                if (text[i] == group[0] && text[i + 1] == group[1]) {
-                    text[o++] = u',';
-                    i += 2;
-                } else {
-                    text[o++] = point0 == u',' && text[i] == u',' ? u'.' : text[i];
-                    ++i;
-                }
-            }
-            if (i == n - 1) text[o++] = text[i];
-            n = o;
+            n = translateGroupPairs(text, n, group, point0);
         } else {
             for (int64_t i = 0; i < n; ++i) {
                 if (groupLength > 0 && text[i] == group[0]) text[i] = u',';

@@ -226,18 +226,7 @@ int32_t translateSeparators(ZvChar *text, int64_t *length, const NumberContext &
     int64_t n = *length;
     if (group[0] != u',') {
         if (groupLength == 2) {
-            int64_t i = 0, o = 0;
-            while (i < n - 1) {
-                if (text[i] == group[0] && text[i + 1] == group[1]) {
-                    text[o++] = u',';
-                    i += 2;
-                } else {
-                    text[o++] = point[0] == u',' && text[i] == u',' ? u'.' : text[i];
-                    ++i;
-                }
-            }
-            if (i == n - 1) text[o++] = text[i];
-            n = o;
+            n = translateGroupPairs(text, n, group, point[0]);
         } else {
             if (n > 0 && text[0] == u'\'' && text[n - 1] == u'\'') return -1;
             for (int64_t i = 0; i < n; ++i) {

@@ -19,7 +19,9 @@ constexpr int64_t kPlainUnits = 256;
 // The host's answer when there is no parser to ask.
 constexpr int32_t kNoParser = ZV_UNREADABLE;
 
-constexpr double kPowersOfTen[32] = {
+constexpr uint64_t kSignBit = 0x8000000000000000ull;
+
+constexpr double kPowersOfTen[kNumberMostDecimals + 1] = {
     1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
     1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e24, 1e25, 1e26, 1e27, 1e28, 1e29, 1e30, 1e31,
 };
@@ -149,8 +151,8 @@ int32_t readPlainNumber(FormatCall *call) {
     if (!isMissing(value)) {
         const int32_t decimals = call->decimals;
         if (decimals > 0 && findChar(text.c, text.n, u'.') < 0)
-            value /= kPowersOfTen[decimals < 31 ? decimals : 31];
-        if (negate) value = doubleOf(bitsOf(value) ^ 0x8000000000000000ull);
+            value /= kPowersOfTen[decimals < kNumberMostDecimals ? decimals : kNumberMostDecimals];
+        if (negate) value = doubleOf(bitsOf(value) ^ kSignBit);
         storeValue(call, value);
     }
     return 0;
@@ -181,8 +183,8 @@ int32_t readPlainPercent(FormatCall *call) {
     status = parseInto(call, text, &value);
     if (status != 0) return status;
     if (isMissing(value)) return 0;
-    if (percent) value /= 100.0;
-    if (negate) value = doubleOf(bitsOf(value) ^ 0x8000000000000000ull);
+    if (percent) value /= kPercentScale;
+    if (negate) value = doubleOf(bitsOf(value) ^ kSignBit);
     storeValue(call, value);
     return 0;
 }

@@ -275,18 +275,17 @@ int32_t renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, Extension
     return 0;
 }
 
+void followSnapshot(ExtensionInstance *instance, const LocaleBlock *block, bool builtNow) {
+    if (builtNow || !instance->monetaryRecord)
+        std::memcpy(instance->itemSnapshot, block->items, sizeof instance->itemSnapshot);
+}
+
 int32_t runCurrencyMember(FormatCall *call, const CurrencyRow &row, CurrencyForm form) {
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return ZV_NO_INSTANCE;
-    bool builtNow = false;
-    if (!call->localeBlock) {
-        if (!ensureLocaleBlock(call, instance)) return 0;
-        builtNow = true;
-    }
-    // The snapshot follows each block built here, and a record about to be
-    // made from it takes the block at hand rather than an unfilled snapshot.
-    if (builtNow || !instance->monetaryRecord)
-        std::memcpy(instance->itemSnapshot, call->localeBlock->items, sizeof instance->itemSnapshot);
+    const bool builtNow = !call->localeBlock;
+    if (!ensureLocaleBlock(call, instance)) return 0;
+    followSnapshot(instance, call->localeBlock, builtNow);
     return renderCurrencyAmount(call, row, instance, form);
 }
 

@@ -76,12 +76,20 @@ bool ensureMonetaryRecord(FormatCall *call, ExtensionInstance *instance);
 int32_t renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
                              CurrencyForm form);
 
-// A member's whole routine: instance, block (and snapshot), core.
+// After a member has made sure of a locale block: the snapshot follows each
+// block built in the call (`builtNow`), and a record about to be made from it
+// takes the block at hand rather than an unfilled snapshot.
+void followSnapshot(ExtensionInstance *instance, const LocaleBlock *block, bool builtNow);
+
+// A format member's whole routine: instance, block (and snapshot), core.
 int32_t runCurrencyMember(FormatCall *call, const CurrencyRow &row, CurrencyForm form);
 
-template <const CurrencyRow &(*Row)(), CurrencyForm Form>
-int32_t writeCurrencyMember(FormatCall *call, void *) {
-    return runCurrencyMember(call, Row(), Form);
+// A member of the per-currency formats (Run is runCurrencyMember) or
+// informats (runCurrencyReader), bound to its row and form.
+template <int32_t (*Run)(FormatCall *, const CurrencyRow &, CurrencyForm), const CurrencyRow &(*Row)(),
+          CurrencyForm Form>
+int32_t currencyMember(FormatCall *call, void *) {
+    return Run(call, Row(), Form);
 }
 
 } // namespace zv

@@ -122,15 +122,9 @@ int32_t readCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionIn
 int32_t runCurrencyReader(FormatCall *call, const CurrencyRow &row, CurrencyForm form) {
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return ZV_NO_INSTANCE;
-    bool builtNow = false;
-    if (!call->localeBlock) {
-        if (buildLocaleBlock(call, instance) != 0 || !call->localeBlock) return ZV_UNREADABLE;
-        builtNow = true;
-    }
-    // The snapshot follows each block built here, and a record about to be
-    // made from it takes the block at hand rather than an unfilled snapshot.
-    if (builtNow || !instance->monetaryRecord)
-        std::memcpy(instance->itemSnapshot, call->localeBlock->items, sizeof instance->itemSnapshot);
+    const bool builtNow = !call->localeBlock;
+    if (builtNow && (buildLocaleBlock(call, instance) != 0 || !call->localeBlock)) return ZV_UNREADABLE;
+    followSnapshot(instance, call->localeBlock, builtNow);
     return readCurrencyAmount(call, row, instance, form);
 }
 

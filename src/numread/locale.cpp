@@ -143,6 +143,14 @@ int64_t digitsBehindPoint(const ReadText &text, const NumberContext &own, const 
 using LocaleReader = int32_t (*)(int64_t, LocaleBlock *, int, FormatCall *);
 using PlainReader = int32_t (*)(FormatCall *);
 
+// One informat of the family: the item whose context reads the text, the
+// locale reader, and the plain reader that finishes it or takes over.
+struct NumberReadRow {
+    int item;
+    LocaleReader reader;
+    PlainReader plain;
+};
+
 // The units that come back when `units` units of the text go to the host
 // encoding with `width` bytes of room and back to UTF-16; -1 when the way
 // back fails.
@@ -189,7 +197,7 @@ int64_t roundTrip(FormatCall *call, int64_t units) {
 // What all six informats do: bound and trim the text, find the instance,
 // check the limits, measure the text in host bytes, make sure of a locale
 // block, and run the locale reader.
-int32_t readFront(FormatCall *call, int item, LocaleReader reader, PlainReader plain) {
+int32_t readFront(FormatCall *call, const NumberReadRow &row) {
     int64_t n = call->inputLength < call->fieldLimit ? call->inputLength : call->fieldLimit;
     if (n < 0 || !call->input) n = 0;
     n = lengthWithoutTrailingBlanks(static_cast<const ZvChar *>(call->input), n);
@@ -199,7 +207,7 @@ int32_t readFront(FormatCall *call, int item, LocaleReader reader, PlainReader p
     auto plainRoute = [&]() {
         const int32_t inputLength = call->inputLength;
         call->inputLength = static_cast<int32_t>(n);
-        const int32_t status = plain(call);
+        const int32_t status = row.plain(call);
         call->inputLength = inputLength;
         return status;
     };
@@ -214,7 +222,7 @@ int32_t readFront(FormatCall *call, int item, LocaleReader reader, PlainReader p
 
     if (!call->localeBlock && buildLocaleBlock(call, instance) != 0) return plainRoute();
     if (!call->localeBlock) return plainRoute();
-    return reader(n, call->localeBlock, item, call) == 0 ? ZV_OK : ZV_UNREADABLE;
+    return row.reader(n, call->localeBlock, row.item, call) == 0 ? ZV_OK : ZV_UNREADABLE;
 }
 
 } // namespace
@@ -321,23 +329,22 @@ int32_t readLocalePercent(int64_t length, LocaleBlock *block, int item, FormatCa
     return runPlain(call, text, readPlainPercent);
 }
 
-int32_t readNlNum(FormatCall *call, void *) {
-    return readFront(call, kItemNumberContext, readLocaleNumber, readPlainNumber);
-}
-int32_t readNlNumI(FormatCall *call, void *) {
-    return readFront(call, kItemFixedNumberContext, readLocaleNumber, readPlainNumber);
-}
-int32_t readNlMny(FormatCall *call, void *) {
-    return readFront(call, kItemMoneyContext, readLocaleMoney, readPlainNumber);
-}
-int32_t readNlMnyI(FormatCall *call, void *) {
-    return readFront(call, kItemIntlMoneyContext, readLocaleMoney, readPlainNumber);
-}
-int32_t readNlPct(FormatCall *call, void *) {
-    return readFront(call, kItemPercentContext, readLocalePercent, readPlainPercent);
-}
-int32_t readNlPctI(FormatCall *call, void *) {
-    return readFront(call, kItemFixedPercentContext, readLocalePercent, readPlainPercent);
-}
+namespace {
+
+constexpr NumberReadRow kReadNlNum{kItemNumberContext, readLocaleNumber, readPlainNumber};
+constexpr NumberReadRow kReadNlNumI{kItemFixedNumberContext, readLocaleNumber, readPlainNumber};
+constexpr NumberReadRow kReadNlMny{kItemMoneyContext, readLocaleMoney, readPlainNumber};
+constexpr NumberReadRow kReadNlMnyI{kItemIntlMoneyContext, readLocaleMoney, readPlainNumber};
+constexpr NumberReadRow kReadNlPct{kItemPercentContext, readLocalePercent, readPlainPercent};
+constexpr NumberReadRow kReadNlPctI{kItemFixedPercentContext, readLocalePercent, readPlainPercent};
+
+} // namespace
+
+int32_t readNlNum(FormatCall *call, void *) { return readFront(call, kReadNlNum); }
+int32_t readNlNumI(FormatCall *call, void *) { return readFront(call, kReadNlNumI); }
+int32_t readNlMny(FormatCall *call, void *) { return readFront(call, kReadNlMny); }
+int32_t readNlMnyI(FormatCall *call, void *) { return readFront(call, kReadNlMnyI); }
+int32_t readNlPct(FormatCall *call, void *) { return readFront(call, kReadNlPct); }
+int32_t readNlPctI(FormatCall *call, void *) { return readFront(call, kReadNlPctI); }
 
 } // namespace zv

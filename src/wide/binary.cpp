@@ -91,6 +91,48 @@ HostLocale *parsingLocale(const FormatCall *call) {
     return call->locale;
 }
 
+// Pairs of hexadecimal digits with blanks anywhere: each digit goes to
+// `half(value, high)`, the first of a pair as the high half. kBadDigit at a
+// unit that is neither.
+template <typename Half>
+int32_t walkHexPairs(const ZvChar *text, int64_t length, Half half) {
+    bool high = true;
+    for (int64_t i = 0; i < length; ++i) {
+        if (text[i] == u' ') continue;
+        const int v = hexValue(text[i]);
+        if (v < 0) return kBadDigit;
+        half(v, high);
+        high = !high;
+    }
+    return 0;
+}
+
+// The raw bytes of a byte reader, no further than the target's room;
+// outputLength counts the complete bytes that went in.
+struct ByteTarget {
+    uint8_t *out;
+    int64_t capacity;
+    int64_t complete = 0;
+
+    explicit ByteTarget(FormatCall *call)
+        : out(static_cast<uint8_t *>(call->output)),
+          capacity(call->outputCapacity > 0 ? call->outputCapacity : 0) {}
+
+    void put(uint8_t byte) {
+        if (complete < capacity) out[complete] = byte;
+        ++complete;
+    }
+    // A half byte: the high one starts the byte, the low one completes it.
+    void putHalf(int v, bool high) {
+        if (complete < capacity) out[complete] = static_cast<uint8_t>(high ? v << 4 : out[complete] | v);
+        if (!high) ++complete;
+    }
+    int32_t finish(FormatCall *call) const {
+        call->outputLength = static_cast<int32_t>(complete < capacity ? complete : capacity);
+        return 0;
+    }
+};
+
 constexpr char kBase64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 template <typename Unit>
@@ -169,45 +211,27 @@ int32_t readSizeNumber(FormatCall *call, void *) {
 }
 
 int32_t hexToBytes(const ZvChar *text, int64_t length, uint8_t **bytes) {
-    bool high = true;
-    for (int64_t i = 0; i < length; ++i) {
-        if (text[i] == u' ') continue;
-        const int v = hexValue(text[i]);
-        if (v < 0) return kBadDigit;
+    return walkHexPairs(text, length, [bytes](int v, bool high) {
         if (high) {
             **bytes = static_cast<uint8_t>(v << 4);
         } else {
             **bytes = static_cast<uint8_t>(**bytes | v);
             ++*bytes;
         }
-        high = !high;
-    }
-    return 0;
+    });
 }
 
 int32_t readHexBytes(FormatCall *call, void *) {
     const Span s = readSpan(call);
-    uint8_t *out = static_cast<uint8_t *>(call->output);
-    const int64_t capacity = call->outputCapacity > 0 ? call->outputCapacity : 0;
-    int64_t complete = 0;
-    bool high = true;
-    for (int64_t i = 0; i < s.length; ++i) {
-        if (s.text[i] == u' ') continue;
-        const int v = hexValue(s.text[i]);
-        if (v < 0) return kBadDigit;
-        if (complete < capacity) out[complete] = static_cast<uint8_t>(high ? v << 4 : out[complete] | v);
-        if (!high) ++complete;
-        high = !high;
-    }
-    call->outputLength = static_cast<int32_t>(complete < capacity ? complete : capacity);
-    return 0;
+    ByteTarget target(call);
+    if (const int32_t bad = walkHexPairs(s.text, s.length, [&](int v, bool high) { target.putHalf(v, high); }))
+        return bad;
+    return target.finish(call);
 }
 
 int32_t readBitBytes(FormatCall *call, void *) {
     const Span s = readSpan(call);
-    uint8_t *out = static_cast<uint8_t *>(call->output);
-    const int64_t capacity = call->outputCapacity > 0 ? call->outputCapacity : 0;
-    int64_t complete = 0;
+    ByteTarget target(call);
     uint32_t byte = 0;
     for (int64_t i = 0; i < s.length; ++i) {
         const int64_t place = i + 1;
@@ -216,13 +240,9 @@ int32_t readBitBytes(FormatCall *call, void *) {
         if (c == u' ') continue;
         if (c != u'0' && c != u'1') return kBadDigit;
         byte = ((byte << 1) | (c == u'1' ? 1u : 0u)) & 0xFFu;
-        if (place % 8 == 0 || place == s.length) {
-            if (complete < capacity) out[complete] = static_cast<uint8_t>(byte);
-            ++complete;
-        }
+        if (place % 8 == 0 || place == s.length) target.put(static_cast<uint8_t>(byte));
     }
-    call->outputLength = static_cast<int32_t>(complete < capacity ? complete : capacity);
-    return 0;
+    return target.finish(call);
 }
 
 int32_t readQuotedText(FormatCall *call, void *) {

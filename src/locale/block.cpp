@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "frame/frame.hpp"
+#include "wide/wide.hpp"
 
 namespace zv {
 
@@ -14,11 +15,10 @@ constexpr int kItems = ZV_LOCALE_TABLE_ITEMS;
 constexpr int kTextUnits = ZV_ITEM_TEXT_UNITS;
 constexpr int kEscapeBytes = 7; // <Uxxxx>
 
-int hexValue(uint8_t b) {
-    if (b >= '0' && b <= '9') return b - '0';
-    if (b >= 'A' && b <= 'F') return b - 'A' + 10;
-    if (b >= 'a' && b <= 'f') return b - 'a' + 10;
-    return 0;
+// An escape's digit; any other byte counts as 0.
+int escapeDigit(uint8_t b) {
+    const int v = hexDigitValue(b);
+    return v < 0 ? 0 : v;
 }
 
 // True when the host encoding can show this one unit.
@@ -65,8 +65,8 @@ void decodeItem(LocaleItem &item, int k, const uint8_t *record, HostTranscoder *
             item.text[o++] = work[i++];
             continue;
         }
-        const ZvChar c = static_cast<ZvChar>((hexValue(src[i + 2]) << 12) | (hexValue(src[i + 3]) << 8) |
-                                             (hexValue(src[i + 4]) << 4) | hexValue(src[i + 5]));
+        const ZvChar c = static_cast<ZvChar>((escapeDigit(src[i + 2]) << 12) | (escapeDigit(src[i + 3]) << 8) |
+                                             (escapeDigit(src[i + 4]) << 4) | escapeDigit(src[i + 5]));
         i += kEscapeBytes;
         if (c == 0x00A4) { // the generic currency sign stands for the currency
             item.text[o++] = 1;

@@ -255,16 +255,16 @@ struct AmountWriter {
 
 } // namespace
 
-int32_t renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
-                             CurrencyForm form) {
+void renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
+                          CurrencyForm form) {
     if (!ensureMonetaryRecord(call, instance)) {
         missingMarkHeld(call);
-        return 0;
+        return;
     }
     double value = 0;
-    if (!beginNumberValue(call, &value)) return 0;
+    if (!beginNumberValue(call, &value)) return;
     const int32_t width = call->width;
-    if (width < 1) return 0;
+    if (width < 1) return;
     auto *out = static_cast<ZvChar *>(call->output);
     fillBounded(out, call->outputCapacity, u' ', width);
 
@@ -272,7 +272,6 @@ int32_t renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, Extension
                         instance->defaultLocale, value, out, width);
     writer.prepare(row, form);
     writer.run();
-    return 0;
 }
 
 void followSnapshot(ExtensionInstance *instance, const LocaleBlock *block, bool builtNow) {
@@ -286,7 +285,8 @@ int32_t runCurrencyMember(FormatCall *call, const CurrencyRow &row, CurrencyForm
     const bool builtNow = !call->localeBlock;
     if (!ensureLocaleBlock(call, instance)) return 0;
     followSnapshot(instance, call->localeBlock, builtNow);
-    return renderCurrencyAmount(call, row, instance, form);
+    renderCurrencyAmount(call, row, instance, form);
+    return 0;
 }
 
 } // namespace zv

@@ -73,8 +73,10 @@ struct MonetaryRecord {
 // allocated.
 bool ensureMonetaryRecord(FormatCall *call, ExtensionInstance *instance);
 
-int32_t renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
-                             CurrencyForm form);
+// The amount at call->input in the field: the locale's money dress with the
+// row's code or symbol, or at last the host's plain number.
+void renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
+                          CurrencyForm form);
 
 // After a member has made sure of a locale block: the snapshot follows each
 // block built in the call (`builtNow`), and a record about to be made from it

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "frame/frame.hpp"
+#include "wide/wide.hpp"
 
 namespace zv {
 
@@ -55,13 +56,6 @@ constexpr bool isUuidDash(int i) { return i == 8 || i == 13 || i == 18 || i == 2
 
 void storeDouble(FormatCall *call, double value) { std::memcpy(call->output, &value, sizeof value); }
 
-int hexValue(ZvChar c) {
-    if (c >= u'0' && c <= u'9') return c - u'0';
-    if (c >= u'A' && c <= u'F') return c - u'A' + 10;
-    if (c >= u'a' && c <= u'f') return c - u'a' + 10;
-    return -1;
-}
-
 // Digits of base 2 or 16 with blanks anywhere, right-justified in a field
 // of `fieldUnits` units whose left is filled with zeros. A field of all
 // digits (or, in base 2, of 57 or more) gives the bit pattern; fewer give
@@ -74,7 +68,7 @@ int32_t readDigitField(FormatCall *call, int bitsPerDigit, int fieldUnits, int p
     for (int64_t i = 0; i < s.length; ++i) {
         const ZvChar c = s.text[i];
         if (c == u' ') continue;
-        const int v = hexValue(c);
+        const int v = hexDigitValue(c);
         if (v < 0 || v >= (1 << bitsPerDigit) || digits == fieldUnits) return bad;
         word = (word << bitsPerDigit) | static_cast<uint64_t>(v);
         ++digits;
@@ -99,7 +93,7 @@ int32_t walkHexPairs(const ZvChar *text, int64_t length, Half half) {
     bool high = true;
     for (int64_t i = 0; i < length; ++i) {
         if (text[i] == u' ') continue;
-        const int v = hexValue(text[i]);
+        const int v = hexDigitValue(text[i]);
         if (v < 0) return kBadDigit;
         half(v, high);
         high = !high;
@@ -288,7 +282,7 @@ int32_t readUuid(FormatCall *call, void *) {
             if (s.text[i] != u'-') return kBadDigit;
             continue;
         }
-        const int v = hexValue(s.text[i]);
+        const int v = hexDigitValue(s.text[i]);
         if (v < 0) return kBadDigit;
         if (n % 2 == 0)
             bytes[n / 2] = static_cast<uint8_t>(v << 4);

@@ -22,6 +22,9 @@ const uint64_t kCallPoolKey = wordOf(u"ZVRG");
 
 constexpr int kCallPoolWord = 9;
 
+// Decimals that put the missing mark in the last place whatever they say.
+constexpr bool marksLastPlace(int32_t decimals) { return decimals == 98 || decimals == 99; }
+
 } // namespace
 
 ExtensionInstance *findInstance(const FormatCall *call) {
@@ -49,19 +52,9 @@ int32_t writeMissingMark(FormatCall *call) {
     if (!out) return 0;
     for (int32_t i = 0; i < call->outputCapacity; ++i) out[i] = u' ';
 
-    double value = 0;
-    if (call->input) std::memcpy(&value, call->input, sizeof value);
-    ZvChar mark = u' ';
-    if (isMissing(value)) {
-        const auto letter = static_cast<uint8_t>(~(bitsOf(value) >> 40) & 0xFFu);
-        if (letter == '-')
-            mark = u'_';
-        else if (letter >= 'A' && letter <= 'Z')
-            mark = letter;
-        else
-            mark = u'.';
-    }
-    const int64_t at = (call->decimals == 98 || call->decimals == 99)
+    const double value = inputValue(call);
+    const ZvChar mark = isMissing(value) ? missingMarkOf(value) : u' ';
+    const int64_t at = marksLastPlace(call->decimals)
                            ? int64_t{call->width} - 1
                            : int64_t{call->width} - 1 - call->decimals;
     if (at >= 0 && at < call->outputCapacity) out[at] = mark;
@@ -96,8 +89,7 @@ bool beginFormat(FormatCall *call, double low, double high, double *value, int32
         *status = ZV_NO_INSTANCE;
         return false;
     }
-    double v = 0;
-    if (call->input) std::memcpy(&v, call->input, sizeof v);
+    const double v = inputValue(call);
     call->outputLength = call->width;
     *status = 0;
     if (isMissing(v)) {

@@ -33,13 +33,13 @@ constexpr ZvWideEntry readWeekW = &zv::readWeekW;
 
 #define ZV_DECLARE_CURRENCY_ENTRIES(code)                                                      \
     constexpr ZvWideEntry readNlMni##code =                                                    \
-        &zv::readCurrencyMember<&zv::currency##code, zv::CurrencyForm::Code>;                 \
+        &zv::currencyMember<zv::runCurrencyReader, &zv::currency##code, zv::CurrencyForm::Code>;   \
     constexpr ZvWideEntry readNlMnl##code =                                                    \
-        &zv::readCurrencyMember<&zv::currency##code, zv::CurrencyForm::Symbol>;               \
+        &zv::currencyMember<zv::runCurrencyReader, &zv::currency##code, zv::CurrencyForm::Symbol>; \
     constexpr ZvWideEntry writeNlMni##code =                                                   \
-        &zv::writeCurrencyMember<&zv::currency##code, zv::CurrencyForm::Code>;                \
+        &zv::currencyMember<zv::runCurrencyMember, &zv::currency##code, zv::CurrencyForm::Code>;   \
     constexpr ZvWideEntry writeNlMnl##code =                                                   \
-        &zv::writeCurrencyMember<&zv::currency##code, zv::CurrencyForm::Symbol>;
+        &zv::currencyMember<zv::runCurrencyMember, &zv::currency##code, zv::CurrencyForm::Symbol>;
 ZV_FORMAT_CURRENCIES(ZV_DECLARE_CURRENCY_ENTRIES)
 #undef ZV_DECLARE_CURRENCY_ENTRIES
 

@@ -1,6 +1,7 @@
 // The exports: the anchor word, the build and teardown of the instance, the
 // version answers and the build record.
 #include <cstring>
+#include <iterator>
 
 #include "frame/frame.hpp"
 #include "frame/table.hpp"
@@ -14,17 +15,33 @@ namespace {
 
 constexpr int32_t kBuildFailureLevel = 4;
 
+// The low half of the journal descriptor's third word.
+constexpr uint64_t kJournalDescriptorFlags = 0x40000000u;
+// The locale whose plain digits the number routines rebuild.
+constexpr ZvChar kDefaultLocale[] = u"en_US";
+
+// The module's version, and the version it keeps faith with.
+struct Version {
+    int64_t major, minor, patch;
+};
+constexpr Version kVersionCurrent{ZVLOCFMT_VERSION_MAJOR, ZVLOCFMT_VERSION_MINOR, ZVLOCFMT_VERSION_PATCH};
+constexpr Version kVersionBase{6, 0, 0};
+
+void storeVersion(const Version &v, int64_t *a, int64_t *b, int64_t *c) {
+    if (a) *a = v.major;
+    if (b) *b = v.minor;
+    if (c) *c = v.patch;
+}
+
+// The instance's two version operations answer with a status, as the host's
+// table of operations has them; it is always 0.
 int32_t versionCurrent(ExtensionInstance *, int64_t *a, int64_t *b, int64_t *c) {
-    if (a) *a = ZVLOCFMT_VERSION_MAJOR;
-    if (b) *b = ZVLOCFMT_VERSION_MINOR;
-    if (c) *c = ZVLOCFMT_VERSION_PATCH;
+    storeVersion(kVersionCurrent, a, b, c);
     return 0;
 }
 
 int32_t versionBase(ExtensionInstance *, int64_t *a, int64_t *b, int64_t *c) {
-    if (a) *a = 6;
-    if (b) *b = 0;
-    if (c) *c = 0;
+    storeVersion(kVersionBase, a, b, c);
     return 0;
 }
 
@@ -38,7 +55,7 @@ void releaseTranscoder(HostTranscoder *t) {
 }
 
 // Closes and releases what the build made, then the pool with the instance.
-int32_t unwind(ExtensionInstance *instance) {
+void unwind(ExtensionInstance *instance) {
     HostJournal *journal = instance->journal;
     if (journal) {
         if (instance->journalOpen != 0) journal->ops->journalClose(journal);
@@ -50,12 +67,13 @@ int32_t unwind(ExtensionInstance *instance) {
     HostPool *pool = instance->pool;
     if (instance->monetaryRecord) pool->ops->poolFree(pool, instance->monetaryRecord);
     pool->ops->poolDestroy(pool);
-    return 0;
 }
 
+// The instance's destroy operation; its status, always 0, is the host's
+// table's shape.
 int32_t destroyInstance(ExtensionInstance *instance) {
-    if (!instance) return 0;
-    return unwind(instance);
+    if (instance) unwind(instance);
+    return 0;
 }
 
 // The build record behind zvvercn1: 26 words, strings but word 3 (seconds
@@ -115,8 +133,8 @@ ZV_EXPORT int32_t zvextent(HostAnchor *anchor) {
 }
 
 ZV_EXPORT int32_t zvextver(HostAnchor *anchor, int64_t *major, int64_t *minor) {
-    if (major) *major = ZVLOCFMT_VERSION_MAJOR;
-    if (minor) *minor = ZVLOCFMT_VERSION_MINOR;
+    if (major) *major = kVersionCurrent.major;
+    if (minor) *minor = kVersionCurrent.minor;
     hostAnchor = anchor;
     return 0;
 }
@@ -150,7 +168,7 @@ ZV_EXPORT ExtensionInstance *zvlocfmt(HostAnchor *anchor, HostJournal *errorJour
     instance->formatTable = formatTable();
     instance->journalOpen = 0;
 
-    uint64_t journalDescriptor[3] = {0, 0, 0x40000000u};
+    uint64_t journalDescriptor[3] = {0, 0, kJournalDescriptorFlags};
     instance->journal = anchor->ops->createJournal(anchor, journalDescriptor, 0, u"zvregional Jnl");
     instance->monetaryRecord = nullptr;
 
@@ -160,7 +178,8 @@ ZV_EXPORT ExtensionInstance *zvlocfmt(HostAnchor *anchor, HostJournal *errorJour
         if (instance->wideFromLocaleText)
             instance->wideToWide =
                 nls->ops->createTranscoder(nls, ZV_ENCODING_UTF16, ZV_ENCODING_UTF16, 0, 0);
-        if (instance->wideToWide) instance->defaultLocale = nls->ops->openLocale(nls, u"en_US", 5);
+        if (instance->wideToWide)
+            instance->defaultLocale = nls->ops->openLocale(nls, kDefaultLocale, std::size(kDefaultLocale) - 1);
     }
     if (!instance->wideFromLocaleText || !instance->wideToWide || !instance->defaultLocale) {
         unwind(instance);

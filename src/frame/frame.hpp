@@ -17,9 +17,11 @@ extern HostAnchor *hostAnchor;
 ExtensionInstance *findInstance(const FormatCall *call);
 
 // width copies of '*' from the start of output; outputLength = width; 0.
+// Like the missing mark below, it answers with the status 0 so that a
+// format routine can return it as its own answer to the host.
 int32_t starFill(FormatCall *call);
 
-// The mark of the missing value at input, placed by width and decimals.
+// The mark of the missing value at input, placed by width and decimals; 0.
 int32_t writeMissingMark(FormatCall *call);
 // The same with decimals held at 0 for the placing, so the mark stands last.
 int32_t missingMarkHeld(FormatCall *call);
@@ -36,6 +38,22 @@ inline double doubleOf(uint64_t b) {
 }
 inline bool isMissing(double v) { return (bitsOf(v) >> 48) == 0xFFFFu; }
 inline double missingValue() { return doubleOf(ZV_MISSING_BITS); }
+
+// The double at a format's input; 0 when there is none.
+inline double inputValue(const FormatCall *call) {
+    double v = 0;
+    if (call->input) std::memcpy(&v, call->input, sizeof v);
+    return v;
+}
+
+// The character that shows a missing value: byte 5 of the double, inverted;
+// '-' shows as '_', a letter A to Z as itself, anything else as '.'.
+inline ZvChar missingMarkOf(double v) {
+    const auto letter = static_cast<uint8_t>(~(bitsOf(v) >> 40) & 0xFFu);
+    if (letter == '-') return u'_';
+    if (letter >= 'A' && letter <= 'Z') return letter;
+    return u'.';
+}
 
 // The pool for a call's temporary memory: the callPool's when it carries the
 // key "ZVRG" and a pool in word 9, else the services' formatPool.
@@ -60,6 +78,23 @@ int32_t byteEntry(FormatCall *call, FormatCall *callPart, void *opaque) {
 // answer and the call is done.
 bool beginFormat(FormatCall *call, double low, double high, double *value, int32_t *status,
                  ExtensionInstance **instance);
+
+// The limits that a routine honouring bit 0 of `flags` checks itself.
+struct FieldLimits {
+    int32_t leastWidth, mostWidth, mostDecimals;
+};
+
+// 0 when the call is within the limits or doesn't ask for the check, else
+// 2, 3, 4 or 5 for a width too small or too large, decimals too small or
+// too large.
+inline int32_t checkLimits(const FormatCall *call, const FieldLimits &limits) {
+    if (!(call->flags & ZV_FLAG_CHECK_LIMITS)) return 0;
+    if (call->width < limits.leastWidth) return ZV_WIDTH_TOO_SMALL;
+    if (call->width > limits.mostWidth) return ZV_WIDTH_TOO_LARGE;
+    if (call->decimals < 0) return ZV_DECIMALS_TOO_SMALL;
+    if (call->decimals > limits.mostDecimals) return ZV_DECIMALS_TOO_LARGE;
+    return 0;
+}
 
 // The fifth step: a call without a locale block gets one. False when the
 // block can't be built; the field then holds stars and the answer is 0.

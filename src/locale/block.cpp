@@ -2,8 +2,10 @@
 #include "locale/block.hpp"
 
 #include <cstring>
+#include <iterator>
 
 #include "frame/frame.hpp"
+#include "wide/wide.hpp"
 
 namespace zv {
 
@@ -13,11 +15,10 @@ constexpr int kItems = ZV_LOCALE_TABLE_ITEMS;
 constexpr int kTextUnits = ZV_ITEM_TEXT_UNITS;
 constexpr int kEscapeBytes = 7; // <Uxxxx>
 
-int hexValue(uint8_t b) {
-    if (b >= '0' && b <= '9') return b - '0';
-    if (b >= 'A' && b <= 'F') return b - 'A' + 10;
-    if (b >= 'a' && b <= 'f') return b - 'a' + 10;
-    return 0;
+// An escape's digit; any other byte counts as 0.
+int escapeDigit(uint8_t b) {
+    const int v = hexDigitValue(b);
+    return v < 0 ? 0 : v;
 }
 
 // True when the host encoding can show this one unit.
@@ -64,8 +65,8 @@ void decodeItem(LocaleItem &item, int k, const uint8_t *record, HostTranscoder *
             item.text[o++] = work[i++];
             continue;
         }
-        const ZvChar c = static_cast<ZvChar>((hexValue(src[i + 2]) << 12) | (hexValue(src[i + 3]) << 8) |
-                                             (hexValue(src[i + 4]) << 4) | hexValue(src[i + 5]));
+        const ZvChar c = static_cast<ZvChar>((escapeDigit(src[i + 2]) << 12) | (escapeDigit(src[i + 3]) << 8) |
+                                             (escapeDigit(src[i + 4]) << 4) | escapeDigit(src[i + 5]));
         i += kEscapeBytes;
         if (c == 0x00A4) { // the generic currency sign stands for the currency
             item.text[o++] = 1;
@@ -96,6 +97,17 @@ void decodeItem(LocaleItem &item, int k, const uint8_t *record, HostTranscoder *
     item.text[o] = 0;
 }
 
+// Room of a context's symbol, less its terminating zero, and of its
+// two-unit marks.
+constexpr int kSymbolRoom = sizeof(NumberContext::symbol) / sizeof(ZvChar) - 1;
+constexpr int kMarkRoom = sizeof(NumberContext::decimalSeparator) / sizeof(ZvChar);
+constexpr int kGroupSizes = sizeof(NumberContext::groupSizes) / sizeof(int32_t);
+// A symbol holding "&#" stands for a character the host can't show once it
+// is longer than this.
+constexpr int64_t kKeptReferenceUnits = 4;
+// The fixed marks of NLNUMI and NLPCTI.
+constexpr int32_t kFixedGroupSize = 3;
+
 // Up to `room` units of an item into a zero-padded field.
 void copyUnits(ZvChar *to, int room, const LocaleItem &item) {
     for (int i = 0; i < room; ++i) to[i] = i < item.length ? item.text[i] : 0;
@@ -112,26 +124,40 @@ int32_t decimalValue(const LocaleItem &item) {
 }
 
 void groupSizesOf(NumberContext &ctx, const LocaleItem &item) {
-    for (int64_t i = 0; i < item.length && i < 16; ++i) ctx.groupSizes[i] = item.text[i] - 48;
+    for (int64_t i = 0; i < item.length && i < kGroupSizes; ++i) ctx.groupSizes[i] = item.text[i] - u'0';
 }
 
-void placements(NumberContext &ctx, const LocaleItem *items, int posPrecedes, int posSpaced,
-                int posSign, int negPrecedes, int negSpaced, int negSign) {
-    ctx.positiveSymbolPrecedes = decimalValue(items[posPrecedes]);
-    ctx.positiveSymbolSpaced = decimalValue(items[posSpaced]);
-    ctx.positiveSignPosition = decimalValue(items[posSign]);
-    ctx.negativeSymbolPrecedes = decimalValue(items[negPrecedes]);
-    ctx.negativeSymbolSpaced = decimalValue(items[negSpaced]);
-    ctx.negativeSignPosition = decimalValue(items[negSign]);
+// The six placement figures from the items that start at `first`.
+void placements(NumberContext &ctx, const LocaleItem *items, int first) {
+    ctx.positiveSymbolPrecedes = decimalValue(items[first + kPositiveSymbolPrecedes]);
+    ctx.positiveSymbolSpaced = decimalValue(items[first + kPositiveSymbolSpaced]);
+    ctx.positiveSignPosition = decimalValue(items[first + kPositiveSignPosition]);
+    ctx.negativeSymbolPrecedes = decimalValue(items[first + kNegativeSymbolPrecedes]);
+    ctx.negativeSymbolSpaced = decimalValue(items[first + kNegativeSymbolSpaced]);
+    ctx.negativeSignPosition = decimalValue(items[first + kNegativeSignPosition]);
+}
+
+// Separators and group sizes from the locale's items.
+void localeSeparators(NumberContext &ctx, const LocaleItem *items, int decimal, int group, int grouping) {
+    copyUnits(ctx.decimalSeparator, kMarkRoom, items[decimal]);
+    copyUnits(ctx.groupSeparator, kMarkRoom, items[group]);
+    groupSizesOf(ctx, items[grouping]);
 }
 
 void fixedSeparators(NumberContext &ctx) {
     ctx.decimalSeparator[0] = u'.';
     ctx.groupSeparator[0] = u',';
-    ctx.groupSizes[0] = 3;
+    ctx.groupSizes[0] = kFixedGroupSize;
 }
 
+void signs(NumberContext &ctx, const LocaleItem *items, int positive, int negative) {
+    copyUnits(ctx.positiveSign, kMarkRoom, items[positive]);
+    copyUnits(ctx.negativeSign, kMarkRoom, items[negative]);
+}
+
+// The percent forms: '%' behind the number, the sign in front.
 void percentPlacements(NumberContext &ctx) {
+    ctx.symbol[0] = u'%';
     ctx.positiveSymbolPrecedes = 0;
     ctx.positiveSymbolSpaced = 0;
     ctx.positiveSignPosition = 1;
@@ -146,50 +172,45 @@ bool holdsNumericReference(const LocaleItem &item) {
     return false;
 }
 
+// The items whose contexts stand in the block, in the block's order.
+constexpr int kContextItems[] = {kItemMoneyContext,       kItemIntlMoneyContext, kItemNumberContext,
+                                 kItemFixedNumberContext, kItemPercentContext,   kItemFixedPercentContext};
+
 void fillContexts(LocaleBlock &b) {
-    LocaleItem *it = b.items;
-    NumberContext *c = b.contexts;
+    const LocaleItem *it = b.items;
+    NumberContext &money = b.contexts[0], &intlMoney = b.contexts[1];
+    NumberContext &number = b.contexts[2], &fixedNumber = b.contexts[3];
+    NumberContext &percent = b.contexts[4], &fixedPercent = b.contexts[5];
 
-    // 170: local money. The local symbol, unless the host can't show it.
-    copyUnits(c[0].symbol, 51, it[156]);
-    if (it[156].length > 4 && holdsNumericReference(it[156])) {
-        std::memset(c[0].symbol, 0, sizeof c[0].symbol);
-        copyUnits(c[0].symbol, 51, it[155]);
+    // Local money: the local symbol, unless the host can't show it.
+    const LocaleItem &local = it[kItemCurrencySymbol];
+    copyUnits(money.symbol, kSymbolRoom, local);
+    if (local.length > kKeptReferenceUnits && holdsNumericReference(local)) {
+        std::memset(money.symbol, 0, sizeof money.symbol);
+        copyUnits(money.symbol, kSymbolRoom, it[kItemIntlCurrencySymbol]);
     }
-    // 171: international money.
-    copyUnits(c[1].symbol, 51, it[155]);
-    for (int m = 0; m < 2; ++m) {
-        copyUnits(c[m].decimalSeparator, 2, it[157]);
-        copyUnits(c[m].groupSeparator, 2, it[158]);
-        groupSizesOf(c[m], it[159]);
-        copyUnits(c[m].positiveSign, 2, it[160]);
-        copyUnits(c[m].negativeSign, 2, it[161]);
-        placements(c[m], it, 164, 165, 168, 166, 167, 169);
+    copyUnits(intlMoney.symbol, kSymbolRoom, it[kItemIntlCurrencySymbol]);
+    for (NumberContext *m : {&money, &intlMoney}) {
+        localeSeparators(*m, it, kItemMoneyDecimalSeparator, kItemMoneyGroupSeparator, kItemMoneyGrouping);
+        signs(*m, it, kItemMoneyPositiveSign, kItemMoneyNegativeSign);
+        placements(*m, it, kItemMoneyPlacements);
     }
-    c[0].fractionDigits = decimalValue(it[163]);
-    c[1].fractionDigits = decimalValue(it[162]);
+    money.fractionDigits = decimalValue(it[kItemFractionDigits]);
+    intlMoney.fractionDigits = decimalValue(it[kItemIntlFractionDigits]);
 
-    // 183 and 185 by the locale's marks, 184 and 186 by fixed ones.
-    for (int n = 2; n < 6; ++n) {
-        if (n == 2 || n == 4) {
-            copyUnits(c[n].decimalSeparator, 2, it[172]);
-            copyUnits(c[n].groupSeparator, 2, it[173]);
-            groupSizesOf(c[n], it[174]);
-        } else {
-            fixedSeparators(c[n]);
-        }
-        copyUnits(c[n].positiveSign, 2, it[175]);
-        copyUnits(c[n].negativeSign, 2, it[176]);
-    }
-    placements(c[2], it, 177, 178, 181, 179, 180, 182);
-    placements(c[3], it, 177, 178, 181, 179, 180, 182);
-    for (int n = 4; n < 6; ++n) {
-        c[n].symbol[0] = u'%';
-        percentPlacements(c[n]);
-    }
+    // NLNUM and NLPCT by the locale's marks, NLNUMI and NLPCTI by fixed ones.
+    for (NumberContext *n : {&number, &percent})
+        localeSeparators(*n, it, kItemDecimalSeparator, kItemGroupSeparator, kItemGrouping);
+    for (NumberContext *n : {&fixedNumber, &fixedPercent}) fixedSeparators(*n);
+    for (NumberContext *n : {&number, &fixedNumber, &percent, &fixedPercent})
+        signs(*n, it, kItemPositiveSign, kItemNegativeSign);
+    placements(number, it, kItemNumberPlacements);
+    placements(fixedNumber, it, kItemNumberPlacements);
+    percentPlacements(percent);
+    percentPlacements(fixedPercent);
 
-    const int owners[6] = {170, 171, 183, 184, 185, 186};
-    for (int n = 0; n < 6; ++n) it[owners[n]].numberContext = &c[n];
+    static_assert(std::size(kContextItems) == std::size(LocaleBlock{}.contexts));
+    for (size_t n = 0; n < std::size(kContextItems); ++n) b.items[kContextItems[n]].numberContext = &b.contexts[n];
 }
 
 void nameWidths(LocaleBlock &b, HostTranscoder *t) {
@@ -220,13 +241,13 @@ void nameWidths(LocaleBlock &b, HostTranscoder *t) {
 uint32_t directiveWidth(const LocaleBlock &b, uint8_t d, bool other) {
     auto w = [&](int plain, int alt) { return b.items[other ? alt : plain].maxWidth; };
     switch (d) {
-    case 'A': case 'F': return w(114, 128);
-    case 'B': case 'C': return w(71, 95);
-    case 'a': case 'f': return w(107, 121);
-    case 'b': return w(59, 83);
-    case 'Q': return w(139, 147);
-    case 'q': return w(135, 143);
-    case 'p': return b.items[151].maxWidth;
+    case 'A': case 'F': return w(kItemWeekdayFull, kItemWeekdayFullOther);
+    case 'B': case 'C': return w(kItemMonthFull, kItemMonthFullOther);
+    case 'a': case 'f': return w(kItemWeekdayAbbr, kItemWeekdayAbbrOther);
+    case 'b': return w(kItemMonthAbbr, kItemMonthAbbrOther);
+    case 'Q': return w(kItemQuarterFull, kItemQuarterFullOther);
+    case 'q': return w(kItemQuarterAbbr, kItemQuarterAbbrOther);
+    case 'p': return b.items[kItemAm].maxWidth;
     case 'G': case 'Y': return 4;
     case 'H': case 'I': case 'M': case 'S': case 'U': case 'V': case 'W': case 'd': case 'e':
     case 'g': case 'k': case 'l': case 'm': case 'o': case 's': case 'y': return 2;
@@ -239,7 +260,7 @@ uint32_t directiveWidth(const LocaleBlock &b, uint8_t d, bool other) {
 }
 
 uint32_t patternWidth(const LocaleBlock &b, const LocaleItem &item, HostTranscoder *t) {
-    // %x and %X stand for the texts of items 28 and 53, one level deep.
+    // %x and %X stand for the date and time patterns, one level deep.
     ZvChar work[kTextUnits];
     int n = 0;
     auto put = [&](ZvChar c) {
@@ -251,7 +272,7 @@ uint32_t patternWidth(const LocaleBlock &b, const LocaleItem &item, HostTranscod
             // A pair goes whole: "%%x" is a percent sign and a plain x.
             const ZvChar next = item.text[++i];
             if (next == u'x' || next == u'X') {
-                const LocaleItem &with = b.items[next == u'x' ? 28 : 53];
+                const LocaleItem &with = b.items[next == u'x' ? kItemDatePattern : kItemTimePattern];
                 for (int64_t k = 0; k < with.length; ++k) put(with.text[k]);
             } else {
                 put(c);
@@ -316,7 +337,7 @@ int32_t buildLocaleBlock(FormatCall *call, ExtensionInstance *instance) {
 
     fillContexts(b);
     nameWidths(b, call->transcoder);
-    for (int k = 28; k <= 57; ++k) b.items[k].maxWidth = patternWidth(b, b.items[k], call->transcoder);
+    for (int k = kItemFirstPattern; k <= kItemLastPattern; ++k) b.items[k].maxWidth = patternWidth(b, b.items[k], call->transcoder);
     return 0;
 }
 

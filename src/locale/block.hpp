@@ -9,11 +9,41 @@
 
 namespace zv {
 
-// Item numbers the routines name.
+// Item numbers the routines name. Where a locale gives two patterns for one
+// form, the first choice has the plain name and the second ends in Second.
 enum LocaleItemId : int {
     kItemLanguage = 2,
     kItemCalendar = 5,
     kItemDateOrder = 6,
+    kItemDatePattern = 28, // what %x stands for
+    kItemDatePatternSecond = 29,
+    kItemDateMedium = 30,
+    kItemDateLong = 31,
+    kItemDateWeekday = 32,
+    kItemDateWeekdaySecond = 33,
+    kItemYearMonth = 34,
+    kItemYearMonthSecond = 35,
+    kItemMonthDay = 36,
+    kItemMonthDaySecond = 37,
+    kItemYear = 38,
+    kItemYearSecond = 39,
+    kItemYearQuarter = 40,
+    kItemYearQuarterSecond = 41,
+    kItemYearWeek = 42,
+    kItemYearWeekSecond = 43,
+    kItemDatetimeAmPm = 44,
+    kItemDatetimeAmPmSecond = 45,
+    kItemDatetime = 46,
+    kItemDatetimeSecond = 47,
+    kItemDatetimeMedium = 48,
+    kItemDatetimeLong = 49,
+    kItemDatetimeWeekday = 50,
+    kItemDatetimeWeekdaySecond = 51,
+    kItemTimeAmPm = 52,
+    kItemTimePattern = 53, // what %X stands for
+    kItemFirstPattern = kItemDatePattern, // the patterns that get a maxWidth
+    kItemLastPattern = 57,
+    kItemDateBeforeTime = 58,
     kItemMonthAbbr = 59,
     kItemMonthFull = 71,
     kItemMonthAbbrOther = 83,
@@ -31,8 +61,47 @@ enum LocaleItemId : int {
     kItemDateSeparator = 153,
     kItemIntlCurrencySymbol = 155,
     kItemCurrencySymbol = 156,
+    kItemMoneyDecimalSeparator = 157,
+    kItemMoneyGroupSeparator = 158,
+    kItemMoneyGrouping = 159,
+    kItemMoneyPositiveSign = 160,
+    kItemMoneyNegativeSign = 161,
+    kItemIntlFractionDigits = 162,
+    kItemFractionDigits = 163,
+    kItemMoneyPlacements = 164, // the first of six placement figures
+    kItemMoneyContext = 170,    // NLMNY
+    kItemIntlMoneyContext = 171, // NLMNYI
     kItemDecimalSeparator = 172,
+    kItemGroupSeparator = 173,
+    kItemGrouping = 174,
+    kItemPositiveSign = 175,
+    kItemNegativeSign = 176,
+    kItemNumberPlacements = 177, // the first of six placement figures
+    kItemNumberContext = 183,      // NLNUM
+    kItemFixedNumberContext = 184, // NLNUMI
+    kItemPercentContext = 185,     // NLPCT
+    kItemFixedPercentContext = 186, // NLPCTI
 };
+
+// The six placement figures stand in this order from their first item.
+constexpr int kPositiveSymbolPrecedes = 0;
+constexpr int kPositiveSymbolSpaced = 1;
+constexpr int kNegativeSymbolPrecedes = 2;
+constexpr int kNegativeSymbolSpaced = 3;
+constexpr int kPositiveSignPosition = 4;
+constexpr int kNegativeSignPosition = 5;
+
+// Units in use of a context's two-unit mark (a separator or a sign): 0, 1
+// or 2.
+inline int markUnits(const ZvChar *mark) { return mark[0] == 0 ? 0 : (mark[1] == 0 ? 1 : 2); }
+
+// Units in use of a context's symbol.
+inline int64_t symbolUnits(const NumberContext &context) {
+    constexpr int64_t kRoom = sizeof context.symbol / sizeof(ZvChar);
+    int64_t n = 0;
+    while (n < kRoom && context.symbol[n]) ++n;
+    return n;
+}
 
 // The status when the call names no locale at all.
 constexpr int32_t kNoLocale = static_cast<int32_t>(0x803fe800u);
@@ -42,7 +111,8 @@ constexpr int32_t kNoLocale = static_cast<int32_t>(0x803fe800u);
 // status of the locale's text table.
 int32_t buildLocaleBlock(FormatCall *call, ExtensionInstance *instance);
 
-// The context of item 170, 171, 183, 184, 185 or 186.
+// The context of one of the six context items, kItemMoneyContext to
+// kItemFixedPercentContext.
 inline NumberContext *contextOf(LocaleBlock *block, int item) {
     return block->items[item].numberContext;
 }

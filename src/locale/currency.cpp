@@ -1,28 +1,24 @@
 // How a currency of the table is shown in its local form.
 #include "locale/currency.hpp"
 
+#include "wide/wide.hpp"
+
 namespace zv {
 
 namespace {
 
-int hexDigit(ZvChar c) {
-    if (c >= u'a' && c <= u'z') c = static_cast<ZvChar>(c - 32);
-    constexpr char16_t kDigits[] = u"0123456789ABCDEF";
-    for (int i = 0; i < 16; ++i)
-        if (kDigits[i] == c) return i;
-    return -1;
-}
+constexpr int kEscapeUnits = 7; // <Uxxxx>
 
 // A well-formed escape <Uxxxx> at p: its unit, or -1.
 int32_t escapeAt(const ZvChar *p) {
     if (p[0] != u'<' || p[1] != u'U') return -1;
     int32_t v = 0;
     for (int k = 2; k < 6; ++k) {
-        const int d = hexDigit(p[k]); // a zero unit ends the text and is no digit
+        const int d = hexDigitValue(p[k]); // a zero unit ends the text and is no digit
         if (d < 0) return -1;
         v = v * 16 + d;
     }
-    return p[6] == u'>' ? v : -1;
+    return p[kEscapeUnits - 1] == u'>' ? v : -1;
 }
 
 bool hostShows(HostTranscoder *t, ZvChar c) {
@@ -50,7 +46,7 @@ int64_t decodeRowSymbol(const CurrencyRow &row, FormatCall *call, ZvChar *destin
             return o;
         }
         ++o;
-        p += 7;
+        p += kEscapeUnits;
     }
     return o;
 }

@@ -107,11 +107,13 @@ constexpr int indexOf(const char (&code)[4]) {
 
 const CurrencyRow *currencyTable() { return kCurrencies; }
 
-// Each member routine is bound to its row once, when the program is built.
+// Each member routine is bound to its row once, when the program is built:
+// the search for the code runs in the compiler, never in a call.
 #define ZV_DEFINE_CURRENCY_ROW(code)                                                   \
     const CurrencyRow &currency##code() {                                              \
-        static_assert(indexOf(#code) >= 0);                                            \
-        return kCurrencies[indexOf(#code)];                                            \
+        constexpr int kRow = indexOf(#code);                                           \
+        static_assert(kRow >= 0);                                                      \
+        return kCurrencies[kRow];                                                      \
     }
 ZV_FORMAT_CURRENCIES(ZV_DEFINE_CURRENCY_ROW)
 #undef ZV_DEFINE_CURRENCY_ROW

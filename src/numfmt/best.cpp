@@ -17,22 +17,95 @@ constexpr double kLogMargin = 1e-12;
 constexpr int32_t kDecimalsLimit = 10;
 constexpr double kRoundingMargin = 0.5;
 constexpr int32_t kHostFieldLimit = 32;
-constexpr int32_t kNoNumberService = static_cast<int32_t>(0x803FE80Du);
 
-double valueOf(const FormatCall *call) {
-    double v = 0;
-    if (call->input) std::memcpy(&v, call->input, sizeof v);
-    return v;
+// The decimals that NLD asks for, or kBestFitChosen.
+constexpr int32_t kBestFitChosen = -1;
+
+// The decimal exponent of a positive magnitude: the host's, when it offers
+// one, else the floor of the logarithm lifted by a hair, so that a value a
+// hair below a power of ten counts as that power.
+int32_t exponentOf(HostAnchor *anchor, bool exponentMode, double magnitude, int32_t width) {
+    if (exponentMode) return anchor->ops->decimalExponent(anchor, magnitude, width - 3);
+    return static_cast<int32_t>(std::floor(std::log10(magnitude) + kLogMargin));
 }
 
-int32_t askHost(HostLocale *locale, double value, int32_t width, int32_t decimals, uint32_t flags,
-                ZvChar *target, int64_t capacity, int64_t *produced) {
-    if (!locale || !locale->ops || !locale->ops->formatNumber || !target || width < 1 ||
-        capacity < 1) {
-        *produced = 0;
-        return kNoNumberService;
+// A value below 1 with `s` significant digits wanted and x decimals on
+// offer: x when that shows them, the most the field holds when that does,
+// else the best fit.
+int32_t decimalsBelowOne(int32_t s, int32_t e, int32_t x, int32_t width) {
+    const int32_t need = s - e - 1;
+    if (need <= x) return x;
+    if (need <= width - 3) return width - 3;
+    return kBestFitChosen;
+}
+
+// Decimals traded for integer room until the integer digits fit: m is the
+// room at x decimals, t the top of the field. Without the host's exponent a
+// value at the top of the room must stay below 10^m once rounded to the
+// digits the field holds.
+int32_t decimalsWithIntegerRoom(int32_t s, int32_t e, int32_t x, int32_t m, int32_t t,
+                                double magnitude, bool exponentMode) {
+    while (x > 0) {
+        if (e < m) {
+            if (exponentMode || e < m - 1 ||
+                std::pow(10.0, m) - kRoundingMargin * std::pow(10.0, m - t) > magnitude)
+                break;
+        }
+        const int32_t r = s - m;
+        int32_t step = r > 0 ? x - r : x;
+        if (step <= 0) step = x;
+        m += step;
+        x -= step;
     }
-    return locale->ops->formatNumber(locale, value, width, decimals, flags, target, capacity, produced);
+    return x;
+}
+
+// The decimals that keep the significant digits asked for (`asked`, or the
+// default when 0 or less) in a field of `width`, or kBestFitChosen.
+int32_t significantDecimals(double value, int32_t width, int32_t asked, HostAnchor *anchor) {
+    if (value == 0) return 0;
+    const int32_t s = asked > 0 ? asked : kDefaultSignificant;
+    const int32_t b = width - s - 1;
+    if (b < 2 || !std::isfinite(value)) return kBestFitChosen;
+    const int32_t x = s + b / 2 - 1;
+    const int32_t m = width - x - 2; // room for integer digits at x decimals
+    const int32_t t = width - 2;
+    const bool exponentMode =
+        anchor && anchor->hostExponentMode && anchor->ops && anchor->ops->decimalExponent;
+    const double magnitude = std::fabs(value);
+    const int32_t e = exponentOf(anchor, exponentMode, magnitude, width);
+    if (e < 0) return decimalsBelowOne(s, e, x, width);
+    if (e > t) return kBestFitChosen;
+    return decimalsWithIntegerRoom(s, e, x, m, t, magnitude, exponentMode);
+}
+
+// What the host is asked for: the plain form at the chosen decimals, or its
+// best fit, spread over the field when NLD chose it itself.
+struct HostForm {
+    uint32_t flags;
+    int32_t decimals;
+    bool zeroFill;
+};
+
+HostForm hostFormFor(int32_t decimals, int32_t asked) {
+    if (decimals == kBestFitChosen) return {ZV_NUMBER_BEST_FIT, 0, true};
+    if (asked >= kDecimalsLimit) return {ZV_NUMBER_BEST_FIT, 0, false};
+    return {ZV_NUMBER_PLAIN, decimals, false};
+}
+
+// A short best-fit text gets the whole field: its digits go left and zeros
+// fill the places behind them. E-notation and a text without two leading
+// blanks or a point stay as they are.
+void spreadOverField(ZvChar *out, int64_t produced, int64_t capacity) {
+    if (produced <= 2 || findChar(out, produced, u'E') >= 0 || out[0] != u' ') return;
+    const bool hasPoint = findChar(out, produced, u'.') >= 0;
+    if (!hasPoint && out[1] != u' ') return;
+    const int64_t first = firstOther(out, produced, u' ');
+    if (first <= 0) return;
+    int64_t n = 0;
+    for (int64_t i = first; i < produced; ++i) out[n++] = out[i];
+    if (!hasPoint && n < capacity) out[n++] = u'.';
+    while (n < capacity) out[n++] = u'0';
 }
 
 HostLocale *currentLocaleOf(FormatCall *call, ExtensionInstance *instance) {
@@ -51,7 +124,7 @@ int32_t runFieldForm(FormatCall *call, bool significant) {
     if (significant) writeSignificant(call, instance);
     else writeBestFit(call);
     // A missing value's '.' is its mark, not a decimal point.
-    if (!isMissing(valueOf(call))) replacePoint(call, call->outputLength);
+    if (!isMissing(inputValue(call))) replacePoint(call, call->outputLength);
     return 0;
 }
 
@@ -72,7 +145,7 @@ int32_t writeBestFit(FormatCall *call) {
     }
     int64_t produced = call->outputCapacity;
     const int32_t status =
-        askHost(call->locale, valueOf(call), n, 0, ZV_NUMBER_BEST_FIT, out + lead, n, &produced);
+        askFormatNumber(call->locale, inputValue(call), n, 0, ZV_NUMBER_BEST_FIT, out + lead, n, &produced);
     if (status != 0) {
         const int32_t field = call->width < call->outputCapacity ? call->width : call->outputCapacity;
         fillBounded(out, call->outputCapacity, u'*', field);
@@ -87,7 +160,7 @@ int32_t writeBestFit(FormatCall *call) {
 
 int32_t writeSignificant(FormatCall *call, ExtensionInstance *instance) {
     auto *out = static_cast<ZvChar *>(call->output);
-    const double value = valueOf(call);
+    const double value = inputValue(call);
     const int32_t width = call->width;
     const int64_t capacity = width < call->outputCapacity ? width : call->outputCapacity;
     if (capacity < 1) {
@@ -95,77 +168,19 @@ int32_t writeSignificant(FormatCall *call, ExtensionInstance *instance) {
         return 0;
     }
     if (isMissing(value)) {
+        // The host's best fit writes the mark.
         int64_t produced = call->outputCapacity;
-        const int32_t status = askHost(call->locale, value, width, call->decimals, ZV_NUMBER_BEST_FIT,
-                                       out, capacity, &produced);
+        const int32_t status = askFormatNumber(call->locale, value, width, call->decimals,
+                                               ZV_NUMBER_BEST_FIT, out, capacity, &produced);
         call->outputLength = static_cast<int32_t>(produced);
         return status;
     }
 
-    HostAnchor *anchor = anchorOf(instance);
-    const bool exponentMode = anchor && anchor->hostExponentMode && anchor->ops &&
-                              anchor->ops->decimalExponent;
-    int32_t x = 0;
-    bool bestFit = false;
-    if (value != 0) {
-        const double magnitude = std::fabs(value);
-        const int32_t s = call->decimals > 0 ? call->decimals : kDefaultSignificant;
-        const int32_t b = width - s - 1;
-        if (b < 2 || !std::isfinite(value)) {
-            bestFit = true;
-        } else {
-            x = s + b / 2 - 1;
-            int32_t m = width - x - 2;
-            const int32_t t = width - 2;
-            const int32_t e = exponentMode
-                                  ? anchor->ops->decimalExponent(anchor, magnitude, width - 3)
-                                  : static_cast<int32_t>(std::floor(std::log10(magnitude) + kLogMargin));
-            if (e < 0) {
-                const int32_t need = s - e - 1;
-                if (need <= x) {
-                } else if (need <= width - 3) {
-                    x = width - 3;
-                } else {
-                    bestFit = true;
-                }
-            } else if (e > t) {
-                bestFit = true;
-            } else {
-                while (x > 0) {
-                    if (e < m) {
-                        if (exponentMode || e < m - 1 ||
-                            std::pow(10.0, m) - kRoundingMargin * std::pow(10.0, m - t) > magnitude)
-                            break;
-                    }
-                    const int32_t r = s - m;
-                    int32_t step = r > 0 ? x - r : x;
-                    if (step <= 0) step = x;
-                    m += step;
-                    x -= step;
-                }
-            }
-        }
-    }
-
-    uint32_t flags;
-    int32_t decimals;
-    bool zeroFill = false;
-    if (bestFit) {
-        flags = ZV_NUMBER_BEST_FIT;
-        decimals = 0;
-        zeroFill = true;
-    } else {
-        flags = ZV_NUMBER_PLAIN;
-        decimals = x;
-        if (call->decimals >= kDecimalsLimit) {
-            flags = ZV_NUMBER_BEST_FIT;
-            decimals = 0;
-        }
-    }
-
+    const HostForm form =
+        hostFormFor(significantDecimals(value, width, call->decimals, anchorOf(instance)), call->decimals);
     int64_t produced = call->outputCapacity;
-    const int32_t status = askHost(currentLocaleOf(call, instance), value, width, decimals, flags, out,
-                                   capacity, &produced);
+    const int32_t status = askFormatNumber(currentLocaleOf(call, instance), value, width, form.decimals,
+                                           form.flags, out, capacity, &produced);
     if (produced < 0) produced = 0;
     if (produced > capacity) produced = capacity;
     if (status == kHostNotPlain) {
@@ -178,21 +193,7 @@ int32_t writeSignificant(FormatCall *call, ExtensionInstance *instance) {
         return status;
     }
     call->outputLength = static_cast<int32_t>(produced);
-
-    // A short best-fit text gets the whole field: its digits go left and
-    // zeros fill the places behind them.
-    if (zeroFill && produced > 2 && findChar(out, produced, u'E') < 0 && out[0] == u' ') {
-        const bool hasPoint = findChar(out, produced, u'.') >= 0;
-        if (hasPoint || out[1] == u' ') {
-            const int64_t first = firstOther(out, produced, u' ');
-            if (first > 0) {
-                int64_t n = 0;
-                for (int64_t i = first; i < produced; ++i) out[n++] = out[i];
-                if (!hasPoint && n < capacity) out[n++] = u'.';
-                while (n < capacity) out[n++] = u'0';
-            }
-        }
-    }
+    if (form.zeroFill) spreadOverField(out, produced, capacity);
     return status;
 }
 

@@ -17,10 +17,6 @@ constexpr ZvChar kEmpty[1] = {0};
 
 using Work = WorkArea<kWork>;
 
-// Monetary items, in the order of the record's fields.
-constexpr int kItemDecimal = 157, kItemGroup = 158, kItemGrouping = 159;
-constexpr int kItemPositiveSign = 160, kItemNegativeSign = 161;
-
 const ZvChar *snapshotText(ExtensionInstance *instance, int item) {
     const LocaleItem &it = instance->itemSnapshot[item];
     return it.length < 1 ? kEmpty : it.text;
@@ -33,7 +29,7 @@ int8_t snapshotFigure(FormatCall *call, ExtensionInstance *instance, int item) {
     int64_t value = 0, used = 0;
     const int64_t length = it.length < ZV_ITEM_TEXT_UNITS ? it.length : ZV_ITEM_TEXT_UNITS;
     if (locale->ops->parseInteger(locale, it.text, length, 0, &value, &used) != 0) return 0;
-    if (value < -128 || value > 127) return 0;
+    if (value < INT8_MIN || value > INT8_MAX) return 0;
     return static_cast<int8_t>(value);
 }
 
@@ -51,104 +47,115 @@ bool ensureMonetaryRecord(FormatCall *call, ExtensionInstance *instance) {
     CurrencyRow &r = record->row;
     r.code = snapshotText(instance, kItemCurrencySymbol);
     r.symbol = snapshotText(instance, kItemCurrencySymbol);
-    r.decimalSeparator = snapshotText(instance, kItemDecimal);
-    r.groupSeparator = snapshotText(instance, kItemGroup);
-    r.grouping = snapshotText(instance, kItemGrouping);
-    r.positiveSign = snapshotText(instance, kItemPositiveSign);
-    r.negativeSign = snapshotText(instance, kItemNegativeSign);
-    r.intFractionDigits = snapshotFigure(call, instance, 162);
-    r.fractionDigits = snapshotFigure(call, instance, 163);
-    r.positiveSymbolPrecedes = snapshotFigure(call, instance, 164);
-    r.positiveSymbolSpaced = snapshotFigure(call, instance, 165);
-    r.negativeSymbolPrecedes = snapshotFigure(call, instance, 166);
-    r.negativeSymbolSpaced = snapshotFigure(call, instance, 167);
-    r.positiveSignPosition = snapshotFigure(call, instance, 168);
-    r.negativeSignPosition = snapshotFigure(call, instance, 169);
+    r.decimalSeparator = snapshotText(instance, kItemMoneyDecimalSeparator);
+    r.groupSeparator = snapshotText(instance, kItemMoneyGroupSeparator);
+    r.grouping = snapshotText(instance, kItemMoneyGrouping);
+    r.positiveSign = snapshotText(instance, kItemMoneyPositiveSign);
+    r.negativeSign = snapshotText(instance, kItemMoneyNegativeSign);
+    r.intFractionDigits = snapshotFigure(call, instance, kItemIntlFractionDigits);
+    r.fractionDigits = snapshotFigure(call, instance, kItemFractionDigits);
+    auto placement = [&](int figure) {
+        return snapshotFigure(call, instance, kItemMoneyPlacements + figure);
+    };
+    r.positiveSymbolPrecedes = placement(kPositiveSymbolPrecedes);
+    r.positiveSymbolSpaced = placement(kPositiveSymbolSpaced);
+    r.negativeSymbolPrecedes = placement(kNegativeSymbolPrecedes);
+    r.negativeSymbolSpaced = placement(kNegativeSymbolSpaced);
+    r.positiveSignPosition = placement(kPositiveSignPosition);
+    r.negativeSignPosition = placement(kNegativeSignPosition);
     instance->monetaryRecord = record;
     return true;
 }
 
-int32_t renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
-                             CurrencyForm form) {
-    auto *out = static_cast<ZvChar *>(call->output);
-    if (!ensureMonetaryRecord(call, instance)) {
-        const int32_t saved = call->decimals;
-        call->decimals = 0;
-        writeMissingMark(call);
-        call->decimals = saved;
-        return 0;
-    }
-    call->outputLength = call->width;
-    double value = 0;
-    if (call->input) std::memcpy(&value, call->input, sizeof value);
-    if (isMissing(value)) {
-        const int32_t saved = call->decimals;
-        call->decimals = 0;
-        writeMissingMark(call);
-        call->decimals = saved;
-        return 0;
-    }
-    const int32_t width = call->width;
-    if (width < 1) return 0;
-    fillBounded(out, call->outputCapacity, u' ', width);
+namespace {
 
-    const CurrencyRow &money = static_cast<MonetaryRecord *>(instance->monetaryRecord)->row;
-    const bool negative = value < 0.0;
-    const ZvChar *pattern =
-        negative ? signPattern(money.negativeSymbolPrecedes, money.negativeSymbolSpaced,
-                               money.negativeSignPosition)
-                 : signPattern(money.positiveSymbolPrecedes, money.positiveSymbolSpaced,
-                               money.positiveSignPosition);
-    const ZvChar *sign = negative ? money.negativeSign : money.positiveSign;
+// The currency's text: its code, or its symbol as the host encoding can show
+// it; at most kWork units.
+int64_t currencyMark(FormatCall *call, const CurrencyRow &row, CurrencyForm form,
+                     ZvChar (&mark)[kWork + 1]) {
+    int64_t length = 0;
+    if (form == CurrencyForm::Code) {
+        length = textLength(row.code);
+        if (length > kWork) length = kWork;
+        std::memcpy(mark, row.code, size_t(length) * sizeof(ZvChar));
+    } else {
+        length = decodeRowSymbol(row, call, mark);
+        if (length < 0) length = 0;
+        if (length > kWork) length = kWork;
+    }
+    return length;
+}
 
-    // The currency's text: its code, or its symbol as the host encoding can
-    // show it.
+// One amount in the shape of the locale's money: the host's plain digits
+// dressed by the monetary record, with the retreats of a too-narrow field.
+struct AmountWriter {
+    FormatCall *call;
+    const CurrencyRow &money;
+    HostLocale *en;
+    double value;
+    ZvChar *out;
+    int32_t width;
+    int32_t hostWidth; // the host is never asked for a field wider than the work area
+
+    AmountWriter(FormatCall *c, const CurrencyRow &m, HostLocale *locale, double v, ZvChar *field,
+                 int32_t w)
+        : call(c), money(m), en(locale), value(v), out(field), width(w), hostWidth(w < kWork ? w : kWork) {}
+
+    bool negative = false;
+    const ZvChar *pattern = nullptr;
+    const ZvChar *sign = nullptr;
+    int64_t signLength = 0;
     ZvChar symbol[kWork + 1] = {};
     int64_t symbolLength = 0;
-    if (form == CurrencyForm::Code) {
-        symbolLength = textLength(row.code);
-        if (symbolLength > kWork) symbolLength = kWork;
-        std::memcpy(symbol, row.code, size_t(symbolLength) * sizeof(ZvChar));
-    } else {
-        symbolLength = decodeRowSymbol(row, call, symbol);
-        if (symbolLength < 0) symbolLength = 0;
-        if (symbolLength > kWork) symbolLength = kWork;
-    }
 
-    HostLocale *en = instance->defaultLocale;
-    // The host is never asked for a field wider than the work area.
-    const int32_t hostWidth = width < kWork ? width : kWork;
-
+    // What the retreats have given up so far.
     bool grouping = true, symbolShown = true;
     int32_t narrowing = 0;
-    Work digits, number, result;
-    for (;;) {
-        // Step a: the digits.
-        ZvChar raw[kWork];
-        int64_t produced = 0;
-        auto ask = [&](int32_t w) {
-            produced = call->outputCapacity;
-            if (en && en->ops && en->ops->formatNumber && w >= 1)
-                en->ops->formatNumber(en, value, w, call->decimals, ZV_NUMBER_PLAIN, raw, kWork,
-                                      &produced);
-            else
-                produced = 0;
-            if (produced < 0) produced = 0;
-            if (produced > kWork) produced = kWork;
-            digits.takeTrimmed(raw, produced);
-        };
-        ask(hostWidth);
-        bool starred = false;
-        if (digits.n >= width) {
-            ask(hostWidth - narrowing);
-            if (digits.n > width) {
-                digits.clear();
-                digits.put(u'*');
-                starred = true;
-            }
-        }
+    int64_t measure = 0; // of the last dressed amount
 
-        // Step b: integer part and fraction.
+    Work digits, number, result;
+
+    // The pattern and sign of the value's sign, and the currency's text.
+    void prepare(const CurrencyRow &row, CurrencyForm form) {
+        negative = value < 0.0;
+        pattern = negative ? signPattern(money.negativeSymbolPrecedes, money.negativeSymbolSpaced,
+                                         money.negativeSignPosition)
+                           : signPattern(money.positiveSymbolPrecedes, money.positiveSymbolSpaced,
+                                         money.positiveSignPosition);
+        sign = negative ? money.negativeSign : money.positiveSign;
+        signLength = textLength(sign);
+        symbolLength = currencyMark(call, row, form, symbol);
+    }
+
+    // The host's plain digits at width w, left-justified and trimmed.
+    void askHost(int32_t w) {
+        ZvChar raw[kWork];
+        int64_t produced = call->outputCapacity;
+        if (en && en->ops && en->ops->formatNumber && w >= 1)
+            en->ops->formatNumber(en, value, w, call->decimals, ZV_NUMBER_PLAIN, raw, kWork, &produced);
+        else
+            produced = 0;
+        if (produced < 0) produced = 0;
+        if (produced > kWork) produced = kWork;
+        digits.takeTrimmed(raw, produced);
+    }
+
+    // The digits for this pass; a text that fills the field is asked for
+    // again at the narrowed width, and one still too wide is a lone '*'.
+    // True when the digits are that star.
+    bool digitsForPass() {
+        askHost(hostWidth);
+        if (digits.n < width) return false;
+        askHost(hostWidth - narrowing);
+        if (digits.n <= width) return false;
+        digits.clear();
+        digits.put(u'*');
+        return true;
+    }
+
+    // The digits without their sign, grouped by the record, with its whole
+    // decimal separator before the fraction. E-notation is never grouped.
+    void rebuildNumber(bool starred) {
         const ZvChar *d = digits.c;
         int64_t len = digits.n;
         int64_t intLength = len, fraction = 0;
@@ -168,67 +175,49 @@ int32_t renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, Extension
                 }
             }
         }
-
-        // Step c: groups.
         number.clear();
         int64_t g = money.grouping && money.grouping[0] ? int64_t(money.grouping[0]) - u'0' : 0;
         if (!grouping || e > 0) g = 0;
-        if (g > 0 && g < intLength) {
-            int64_t first = intLength % g;
-            if (first == 0) first = g;
-            number.put(d, first);
-            const int64_t groupLength = textLength(money.groupSeparator);
-            for (int64_t i = first; i < intLength; i += g) {
-                number.put(money.groupSeparator, groupLength);
-                number.put(d + i, g);
-            }
-        } else {
-            number.put(d, intLength);
-        }
-        // Step d: the fraction.
+        putGrouped(number, d, intLength, g, money.groupSeparator, textLength(money.groupSeparator));
         if (fraction > 0) {
             number.put(money.decimalSeparator, textLength(money.decimalSeparator));
             number.put(d + intLength + 1, fraction);
         }
+    }
 
-        // Step e: the pattern.
+    // The number in the sign pattern, without outer blanks; a positive amount
+    // under parentheses for negatives keeps one blank behind it.
+    void dressNumber() {
         result.clear();
-        for (const ZvChar *p = pattern; *p; ++p) {
-            switch (*p) {
-            case u'(':
-            case u')':
-                if (negative) result.put(*p);
-                break;
-            case u' ': result.put(u' '); break;
-            case u'V': result.put(number.c, number.n); break;
-            case u'$':
-                if (symbolShown) result.put(symbol, symbolLength);
-                break;
-            case u'-': result.put(sign, textLength(sign)); break;
-            default: break;
-            }
-        }
-        // Step f.
+        putPattern(result, pattern,
+                   PatternParts{negative, number.c, number.n, symbol, symbolShown ? symbolLength : 0,
+                                sign, signLength});
         result.trimBoth();
         if (value > 0.0 && money.negativeSignPosition == 0) result.put(u' ');
+    }
 
-        // Step g: measure and place.
+    // The dressed amount measured, in bytes while measureBytes is set, and
+    // set at the end of the field. False when it doesn't fit.
+    bool placeIfFits() {
         const bool overflow = number.overflow || result.overflow;
         const int64_t length = result.n;
-        int64_t measure = overflow ? int64_t(kWork) + 1 : length;
+        measure = overflow ? int64_t(kWork) + 1 : length;
         int32_t measured = 0;
         if (!overflow && length <= width && call->measureBytes) {
             int64_t bytes = 0;
             measured = hostMeasure(call, result.c, length, kScratchBytes, &bytes);
             measure = bytes;
         }
-        if (measure <= width && measured == 0) {
-            placeRight(out, call->outputCapacity, width, result.c, length);
-            call->outputLength = width;
-            return 0;
-        }
+        if (measure > width || measured != 0) return false;
+        placeRight(out, call->outputCapacity, width, result.c, length);
+        call->outputLength = width;
+        return true;
+    }
 
-        // Step 7: retreat.
+    // Gives up one thing for the next pass: the groups, the currency's text,
+    // then the host's field narrowed once by the excess. False when nothing
+    // is left to give up.
+    bool retreat() {
         if (grouping) {
             grouping = false;
         } else if (symbolShown) {
@@ -237,35 +226,67 @@ int32_t renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, Extension
             // Never ask the host for a field narrower than one place.
             const int64_t excess = measure - width;
             narrowing = static_cast<int32_t>(excess < hostWidth ? excess : hostWidth - 1);
-            if (narrowing < 1) break;
+            if (narrowing < 1) return false;
         } else {
-            break;
+            return false;
         }
+        return true;
     }
 
-    // Step 8: the plain number, without the locale's dress.
-    const int64_t capacity = width < call->outputCapacity ? width : call->outputCapacity;
-    int64_t produced = call->outputCapacity;
-    if (en && en->ops && en->ops->formatNumber && capacity >= 1)
-        en->ops->formatNumber(en, value, width, call->decimals, ZV_NUMBER_PLAIN, out, capacity,
-                              &produced);
-    call->outputLength = width;
-    return 0;
+    // The plain number, without the locale's dress: the last answer.
+    void writePlainNumber() {
+        const int64_t capacity = width < call->outputCapacity ? width : call->outputCapacity;
+        int64_t produced = call->outputCapacity;
+        if (en && en->ops && en->ops->formatNumber && capacity >= 1)
+            en->ops->formatNumber(en, value, width, call->decimals, ZV_NUMBER_PLAIN, out, capacity,
+                                  &produced);
+        call->outputLength = width;
+    }
+
+    void run() {
+        do {
+            rebuildNumber(digitsForPass());
+            dressNumber();
+            if (placeIfFits()) return;
+        } while (retreat());
+        writePlainNumber();
+    }
+};
+
+} // namespace
+
+void renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
+                          CurrencyForm form) {
+    if (!ensureMonetaryRecord(call, instance)) {
+        missingMarkHeld(call);
+        return;
+    }
+    double value = 0;
+    if (!beginNumberValue(call, &value)) return;
+    const int32_t width = call->width;
+    if (width < 1) return;
+    auto *out = static_cast<ZvChar *>(call->output);
+    fillBounded(out, call->outputCapacity, u' ', width);
+
+    AmountWriter writer(call, static_cast<MonetaryRecord *>(instance->monetaryRecord)->row,
+                        instance->defaultLocale, value, out, width);
+    writer.prepare(row, form);
+    writer.run();
+}
+
+void followSnapshot(ExtensionInstance *instance, const LocaleBlock *block, bool builtNow) {
+    if (builtNow || !instance->monetaryRecord)
+        std::memcpy(instance->itemSnapshot, block->items, sizeof instance->itemSnapshot);
 }
 
 int32_t runCurrencyMember(FormatCall *call, const CurrencyRow &row, CurrencyForm form) {
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return ZV_NO_INSTANCE;
-    bool builtNow = false;
-    if (!call->localeBlock) {
-        if (!ensureLocaleBlock(call, instance)) return 0;
-        builtNow = true;
-    }
-    // The snapshot follows each block built here, and a record about to be
-    // made from it takes the block at hand rather than an unfilled snapshot.
-    if (builtNow || !instance->monetaryRecord)
-        std::memcpy(instance->itemSnapshot, call->localeBlock->items, sizeof instance->itemSnapshot);
-    return renderCurrencyAmount(call, row, instance, form);
+    const bool builtNow = !call->localeBlock;
+    if (!ensureLocaleBlock(call, instance)) return 0;
+    followSnapshot(instance, call->localeBlock, builtNow);
+    renderCurrencyAmount(call, row, instance, form);
+    return 0;
 }
 
 } // namespace zv

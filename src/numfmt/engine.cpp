@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "frame/frame.hpp"
+#include "locale/block.hpp"
 #include "numfmt/numfmt.hpp"
 #include "numfmt/work.hpp"
 
@@ -27,8 +28,11 @@ namespace {
 
 constexpr int kWork = 256;
 constexpr int kScratchBytes = 200;
+// More passes than the retreats can take; a guard, never reached.
+constexpr int kMostPasses = 4 * kWork;
 
-int unitsOf(const ZvChar (&text)[2]) { return text[0] == 0 ? 0 : (text[1] == 0 ? 1 : 2); }
+// Where a dressed number stands after its measure.
+enum class Placement { Done, Stars, TooWide };
 
 struct Engine {
     FormatCall *call;
@@ -37,25 +41,47 @@ struct Engine {
     double value;
     int32_t savedDecimals;
 
+    Engine(FormatCall *c, const NumberContext *context, ExtensionInstance *i, double v, int32_t saved)
+        : call(c), ctx(context), instance(i), value(v), savedDecimals(saved) {}
+
+    // Fixed for the call once the separator is measured and the pattern chosen.
+    ZvChar *out = nullptr;
+    int32_t width = 0;
+    int sepUnits = 0;
+    int sepMeasure = 0; // in bytes while measureBytes is set
+    bool negative = false;
+    const ZvChar *pattern = nullptr;
+    const ZvChar *sign = nullptr;
+    int signUnits = 0;
+    int64_t symbolLength = 0;
+
+    // What the retreats have given up so far.
+    bool grouping = true, groupsUsed = false, zeroPoint = false;
+    int32_t narrowing = 0;
+    int64_t measure = -1; // of the last dressed number; -1 before the first
+    bool eFormWide = false; // this pass: E-notation with a two-place separator
+
+    WorkText digits, number, result;
+
     int32_t stars() {
-        auto *out = static_cast<ZvChar *>(call->output);
-        fillBounded(out, call->outputCapacity, u' ', call->outputCapacity);
-        fillBounded(out, call->outputCapacity, u'*', call->width);
+        auto *field = static_cast<ZvChar *>(call->output);
+        fillBounded(field, call->outputCapacity, u' ', call->outputCapacity);
+        fillBounded(field, call->outputCapacity, u'*', call->width);
         call->outputLength = call->width;
         call->decimals = savedDecimals;
         return 0;
     }
 
     // One call of the host's plain form; the left-justified text without
-    // trailing blanks in `text`, its length in *n. False: stars.
-    bool hostDigits(int32_t width, WorkText &text) {
+    // trailing blanks in `text`. False: stars.
+    bool hostDigits(int32_t hostWidth, WorkText &text) {
         HostLocale *en = instance->defaultLocale;
         text.clear();
-        if (!en || !en->ops || !en->ops->formatNumber || width < 1) return false;
+        if (!en || !en->ops || !en->ops->formatNumber || hostWidth < 1) return false;
         ZvChar raw[kWork];
         int64_t produced = call->outputCapacity;
-        const int32_t status = en->ops->formatNumber(en, value, width, call->decimals, ZV_NUMBER_PLAIN,
-                                                     raw, kWork, &produced);
+        const int32_t status = en->ops->formatNumber(en, value, hostWidth, call->decimals,
+                                                     ZV_NUMBER_PLAIN, raw, kWork, &produced);
         if (produced < 0) produced = 0;
         if (produced > kWork) produced = kWork;
         text.takeTrimmed(raw, produced);
@@ -69,159 +95,162 @@ struct Engine {
         return true;
     }
 
-    int32_t run() {
-        auto *out = static_cast<ZvChar *>(call->output);
-        const int32_t width = call->width;
-
+    // Blanks in the field, the decimal separator's measure and the pattern
+    // of the value's sign. False: stars.
+    bool prepare() {
+        out = static_cast<ZvChar *>(call->output);
+        width = call->width;
         fillBounded(out, call->outputCapacity, u' ', width);
 
-        // The decimal separator's measure.
-        const int sepUnits = unitsOf(ctx->decimalSeparator);
-        int sepMeasure = sepUnits;
+        sepUnits = markUnits(ctx->decimalSeparator);
+        sepMeasure = sepUnits;
         if (call->measureBytes && sepUnits > 0) {
             int64_t bytes = 0;
             if (hostMeasure(call, ctx->decimalSeparator, sepUnits, kScratchBytes, &bytes) != 0)
-                return stars();
+                return false;
             sepMeasure = static_cast<int>(bytes);
         }
         if (sepUnits == 0) call->decimals = 0;
 
-        const bool negative = value < 0.0;
-        const ZvChar *pattern =
-            negative ? signPattern(ctx->negativeSymbolPrecedes, ctx->negativeSymbolSpaced,
-                                   ctx->negativeSignPosition)
-                     : signPattern(ctx->positiveSymbolPrecedes, ctx->positiveSymbolSpaced,
-                                   ctx->positiveSignPosition);
-        const ZvChar *sign = negative ? ctx->negativeSign : ctx->positiveSign;
-        const int signUnits = unitsOf(negative ? ctx->negativeSign : ctx->positiveSign);
-        const int64_t symbolUnits = boundedLength(ctx->symbol, 52);
+        negative = value < 0.0;
+        pattern = negative ? signPattern(ctx->negativeSymbolPrecedes, ctx->negativeSymbolSpaced,
+                                         ctx->negativeSignPosition)
+                           : signPattern(ctx->positiveSymbolPrecedes, ctx->positiveSymbolSpaced,
+                                         ctx->positiveSignPosition);
+        sign = negative ? ctx->negativeSign : ctx->positiveSign;
+        signUnits = markUnits(negative ? ctx->negativeSign : ctx->positiveSign);
+        symbolLength = symbolUnits(*ctx);
+        return true;
+    }
 
-        bool grouping = true, groupsUsed = false, zeroPoint = false;
-        int32_t narrowing = 0;
-        int64_t measure = -1;
+    // The host's digits for this pass, at the full width and, once the field
+    // narrows or the text is too wide, at the narrowed one. False: stars.
+    bool digitsForPass() {
+        if (!hostDigits(width, digits)) return false;
+        if (digits.n > width || narrowing > 0) {
+            if (width - narrowing < 1) return false;
+            if (!hostDigits(width - narrowing, digits)) return false;
+        }
+        if (digits.n < 1) return false;
+        if (call->decimals > 0 && digits.n >= 2 && digits.c[0] == u'0' && digits.c[1] == u'.')
+            zeroPoint = true;
+        return true;
+    }
 
-        WorkText digits, number, result;
-        for (int pass = 0; pass < 4 * kWork; ++pass) {
-            bool eFormWide = false;
-            // Step 10: the digits.
-            if (!hostDigits(width, digits)) return stars();
-            if (digits.n > width || narrowing > 0) {
-                if (width - narrowing < 1) return stars();
-                if (!hostDigits(width - narrowing, digits)) return stars();
+    // Text that the host starred or wrote too wide is never dressed.
+    bool digitsWorthDressing() const {
+        return digits.n <= width && findChar(digits.c, digits.n, u'*') < 0;
+    }
+
+    // The digits without their sign, grouped by the context, with its
+    // decimal separator. E-notation keeps its integer part whole.
+    void rebuildNumber() {
+        const ZvChar *d = digits.c;
+        int64_t len = digits.n;
+        if (len > 0 && d[0] == u'-') {
+            ++d;
+            --len;
+        }
+        const int64_t e = findChar(d, len, u'E');
+        const int64_t point = findChar(d, len, u'.');
+        int64_t intLength = len;
+        const ZvChar *fraction = nullptr;
+        int64_t fractionLength = 0;
+        bool plainInteger = false; // copied without groups
+        if (e >= 0 && point >= 0) {
+            intLength = point;
+            fraction = d + point + 1;
+            fractionLength = len - point - 1;
+            plainInteger = true;
+        } else if (call->decimals == 0) {
+            intLength = len;
+        } else if (point >= 0) {
+            intLength = point;
+            fraction = d + point + 1;
+            fractionLength = len - point - 1;
+        } else {
+            grouping = false;
+        }
+
+        number.clear();
+        int32_t g = ctx->groupSizes[0];
+        if (!grouping || e > 0 || plainInteger) g = 0;
+        if (putGrouped(number, d, intLength, g, ctx->groupSeparator, markUnits(ctx->groupSeparator)))
+            groupsUsed = true;
+        if (fractionLength > 0) {
+            number.put(ctx->decimalSeparator, sepUnits);
+            number.put(fraction, fractionLength);
+            if (e >= 0 && sepMeasure == 2) eFormWide = true;
+        }
+    }
+
+    // The number in the sign pattern, without outer blanks; a positive value
+    // under parentheses for negatives keeps one blank behind it. Its length,
+    // or more than the work area when something overflowed.
+    int64_t dressNumber() {
+        if (number.overflow) return kWork + 1;
+        result.clear();
+        putPattern(result, pattern,
+                   PatternParts{negative, number.c, lengthWithoutTrailingBlanks(number.c, number.n),
+                                ctx->symbol, symbolLength, sign, signUnits});
+        result.trimBoth();
+        if (value > 0.0 && ctx->negativeSignPosition == 0) result.put(u' ');
+        return result.overflow ? kWork + 1 : result.n;
+    }
+
+    // The dressed number measured, in bytes while measureBytes is set, and
+    // set at the end of the field when it fits.
+    Placement place(int64_t length) {
+        measure = length;
+        int32_t measured = 0;
+        if (length <= width && call->measureBytes) {
+            int64_t bytes = 0;
+            measured = hostMeasure(call, result.c, length, kScratchBytes, &bytes);
+            measure = bytes;
+        }
+        if (measure > width) return Placement::TooWide;
+        if (measured != 0) return Placement::Stars;
+        placeRight(out, call->outputCapacity, width, result.c, length);
+        call->outputLength = width;
+        call->decimals = savedDecimals;
+        return Placement::Done;
+    }
+
+    // Gives up one thing for the next pass: the groups, then decimals one by
+    // one (a "0." text first tries one place narrower), then the host's
+    // field narrowed by the excess and by one more each time. False: stars.
+    bool retreat() {
+        if (grouping && groupsUsed) {
+            grouping = false;
+        } else if (call->decimals > 0) {
+            if (zeroPoint && narrowing == 0) narrowing = 1;
+            else --call->decimals;
+        } else if (narrowing == 0) {
+            if (measure < 0) return false;
+            narrowing = static_cast<int32_t>(measure - width);
+            if (eFormWide && narrowing > 1) --narrowing;
+            if (narrowing < 1 || narrowing >= width) return false;
+        } else {
+            if (width - narrowing < 2) return false;
+            ++narrowing;
+        }
+        return true;
+    }
+
+    int32_t run() {
+        if (!prepare()) return stars();
+        for (int pass = 0; pass < kMostPasses; ++pass) {
+            eFormWide = false;
+            if (!digitsForPass()) return stars();
+            if (digitsWorthDressing()) {
+                rebuildNumber();
+                switch (place(dressNumber())) {
+                case Placement::Done: return 0;
+                case Placement::Stars: return stars();
+                case Placement::TooWide: break;
+                }
             }
-            if (digits.n < 1) return stars();
-            if (call->decimals > 0 && digits.n >= 2 && digits.c[0] == u'0' && digits.c[1] == u'.')
-                zeroPoint = true;
-
-            if (digits.n <= width && findChar(digits.c, digits.n, u'*') < 0) {
-                // Step 11: rebuild the number.
-                const ZvChar *d = digits.c;
-                int64_t len = digits.n;
-                if (len > 0 && d[0] == u'-') {
-                    ++d;
-                    --len;
-                }
-                const int64_t e = findChar(d, len, u'E');
-                const int64_t point = findChar(d, len, u'.');
-                int64_t intLength = len;
-                const ZvChar *fraction = nullptr;
-                int64_t fractionLength = 0;
-                bool plainInteger = false; // copied without groups
-                if (e >= 0 && point >= 0) {
-                    intLength = point;
-                    fraction = d + point + 1;
-                    fractionLength = len - point - 1;
-                    plainInteger = true;
-                } else if (call->decimals == 0) {
-                    intLength = len;
-                } else if (point >= 0) {
-                    intLength = point;
-                    fraction = d + point + 1;
-                    fractionLength = len - point - 1;
-                } else {
-                    grouping = false;
-                }
-
-                number.clear();
-                int32_t g = ctx->groupSizes[0];
-                if (!grouping || e > 0 || plainInteger) g = 0;
-                if (g <= 0 || intLength <= g) {
-                    number.put(d, intLength);
-                } else {
-                    int64_t first = intLength % g;
-                    if (first == 0) first = g;
-                    number.put(d, first);
-                    for (int64_t i = first; i < intLength; i += g) {
-                        number.put(ctx->groupSeparator, unitsOf(ctx->groupSeparator));
-                        number.put(d + i, g);
-                    }
-                    groupsUsed = true;
-                }
-                if (fractionLength > 0) {
-                    number.put(ctx->decimalSeparator, sepUnits);
-                    number.put(fraction, fractionLength);
-                    if (e >= 0 && sepMeasure == 2) eFormWide = true;
-                }
-
-                int64_t length;
-                if (number.overflow) {
-                    length = kWork + 1;
-                } else {
-                    // Step 12: the pattern.
-                    result.clear();
-                    for (const ZvChar *p = pattern; *p; ++p) {
-                        switch (*p) {
-                        case u'(':
-                        case u')':
-                            if (negative) result.put(*p);
-                            break;
-                        case u' ': result.put(u' '); break;
-                        case u'V':
-                            result.put(number.c, lengthWithoutTrailingBlanks(number.c, number.n));
-                            break;
-                        case u'$': result.put(ctx->symbol, symbolUnits); break;
-                        case u'-': result.put(sign, signUnits); break;
-                        default: break;
-                        }
-                    }
-                    // Step 13.
-                    result.trimBoth();
-                    if (value > 0.0 && ctx->negativeSignPosition == 0) result.put(u' ');
-                    length = result.overflow ? kWork + 1 : result.n;
-                }
-
-                // Steps 14 and 15: measure and place.
-                measure = length;
-                int32_t measured = 0;
-                if (length <= width && call->measureBytes) {
-                    int64_t bytes = 0;
-                    measured = hostMeasure(call, result.c, length, kScratchBytes, &bytes);
-                    measure = bytes;
-                }
-                if (measure <= width) {
-                    if (measured != 0) return stars();
-                    placeRight(out, call->outputCapacity, width, result.c, length);
-                    call->outputLength = width;
-                    call->decimals = savedDecimals;
-                    return 0;
-                }
-            }
-
-            // Step 16: retreat.
-            if (grouping && groupsUsed) {
-                grouping = false;
-            } else if (call->decimals > 0) {
-                if (zeroPoint && narrowing == 0) narrowing = 1;
-                else --call->decimals;
-            } else if (narrowing == 0) {
-                if (measure < 0) return stars();
-                narrowing = static_cast<int32_t>(measure - width);
-                if (eFormWide && narrowing > 1) --narrowing;
-                if (narrowing < 1 || narrowing >= width) return stars();
-            } else {
-                if (width - narrowing < 2) return stars();
-                ++narrowing;
-            }
+            if (!retreat()) return stars();
         }
         return stars();
     }
@@ -234,23 +263,15 @@ int32_t renderLocaleNumber(int32_t itemLength, FormatCall *call, const NumberCon
     if (itemLength == 0) return -1;
     if (call->width < 1) return 0;
     auto *out = static_cast<ZvChar *>(call->output);
-    if (call->width > 32) {
-        call->width = 32;
-        fillBounded(out, call->outputCapacity, u'*', 32);
-        call->outputLength = 32;
+    if (call->width > kNumberMostWidth) {
+        call->width = kNumberMostWidth;
+        fillBounded(out, call->outputCapacity, u'*', kNumberMostWidth);
+        call->outputLength = kNumberMostWidth;
         return 0;
     }
-    const int32_t saved = call->decimals;
-    call->outputLength = call->width;
     double value = 0;
-    if (call->input) std::memcpy(&value, call->input, sizeof value);
-    if (isMissing(value)) {
-        call->decimals = 0;
-        writeMissingMark(call);
-        call->decimals = saved;
-        return 0;
-    }
-    Engine engine{call, context, instance, value, saved};
+    if (!beginNumberValue(call, &value)) return 0;
+    Engine engine(call, context, instance, value, call->decimals);
     if (!context || !instance || !call->input) return engine.stars();
     return engine.run();
 }

@@ -28,43 +28,9 @@ void replacePoint(FormatCall *call, int64_t length) {
 
 namespace {
 
-// The answer when there is no host number service to ask, or nothing to ask
-// it for (a field narrower than one place).
-constexpr int32_t kNoNumberService = static_cast<int32_t>(0x803FE80Du);
-
-// The character of a missing value's mark.
-ZvChar markOf(double value) {
-    const auto letter = static_cast<uint8_t>(~(bitsOf(value) >> 40) & 0xFFu);
-    if (letter == '-') return u'_';
-    if (letter >= 'A' && letter <= 'Z') return letter;
-    return u'.';
-}
-
-double valueOf(const FormatCall *call) {
-    double v = 0;
-    if (call->input) std::memcpy(&v, call->input, sizeof v);
-    return v;
-}
-
-bool validLimits(const FormatCall *call, int32_t *status) {
-    if (!(call->flags & ZV_FLAG_CHECK_LIMITS)) return true;
-    if (call->width < 1) *status = ZV_WIDTH_TOO_SMALL;
-    else if (call->width > 32) *status = ZV_WIDTH_TOO_LARGE;
-    else if (call->decimals < 0) *status = ZV_DECIMALS_TOO_SMALL;
-    else if (call->decimals > 31) *status = ZV_DECIMALS_TOO_LARGE;
-    else return true;
-    return false;
-}
-
-int32_t formatOn(HostLocale *locale, double value, int32_t width, int32_t decimals, uint32_t flags,
-                 ZvChar *target, int64_t capacity, int64_t *produced) {
-    if (!locale || !locale->ops || !locale->ops->formatNumber || !target || width < 1 ||
-        capacity < 1) {
-        *produced = 0;
-        return kNoNumberService;
-    }
-    return locale->ops->formatNumber(locale, value, width, decimals, flags, target, capacity, produced);
-}
+// The fixed percent form's places around the digits: '(' or a blank in
+// front, '%' and ')' or a blank behind.
+constexpr int64_t kPercentDecoration = 3;
 
 // What a front does when the locale lacks the item.
 enum class Fallback { GroupedNumber, Percent, Money };
@@ -75,27 +41,21 @@ struct NumberFormRow {
     Fallback fallback; // the fixed form for a locale without the item
 };
 
-constexpr NumberFormRow kNlNum{183, false, Fallback::GroupedNumber};
-constexpr NumberFormRow kNlNumI{184, false, Fallback::GroupedNumber};
-constexpr NumberFormRow kNlPct{185, true, Fallback::Percent};
-constexpr NumberFormRow kNlPctI{186, true, Fallback::Percent};
-constexpr NumberFormRow kNlMny{170, false, Fallback::Money};
-constexpr NumberFormRow kNlMnyI{171, false, Fallback::Money};
+constexpr NumberFormRow kNlNum{kItemNumberContext, false, Fallback::GroupedNumber};
+constexpr NumberFormRow kNlNumI{kItemFixedNumberContext, false, Fallback::GroupedNumber};
+constexpr NumberFormRow kNlPct{kItemPercentContext, true, Fallback::Percent};
+constexpr NumberFormRow kNlPctI{kItemFixedPercentContext, true, Fallback::Percent};
+constexpr NumberFormRow kNlMny{kItemMoneyContext, false, Fallback::Money};
+constexpr NumberFormRow kNlMnyI{kItemIntlMoneyContext, false, Fallback::Money};
 
 int32_t runNumberForm(FormatCall *call, const NumberFormRow &row) {
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return ZV_NO_INSTANCE;
     call->outputLength = call->width;
-    int32_t status = 0;
-    if (!validLimits(call, &status)) return status;
-    const double value = valueOf(call);
-    if (isMissing(value)) {
-        const int32_t saved = call->decimals;
-        call->decimals = 0;
-        status = writeMissingMark(call);
-        call->decimals = saved;
-        return status;
-    }
+    int32_t status = checkLimits(call, kNumberLimits);
+    if (status != 0) return status;
+    double value = 0;
+    if (!beginNumberValue(call, &value)) return 0;
     if (!ensureLocaleBlock(call, instance)) return 0;
 
     LocaleBlock *block = call->localeBlock;
@@ -103,7 +63,7 @@ int32_t runNumberForm(FormatCall *call, const NumberFormRow &row) {
     const NumberContext *context = item.numberContext ? item.numberContext : contextOf(block, row.item);
 
     const void *input = call->input;
-    const double scaled = value * 100.0;
+    const double scaled = value * kPercentScale;
     if (row.percent) call->input = &scaled;
     const int32_t rendered =
         renderLocaleNumber(static_cast<int32_t>(item.length), call, context, instance);
@@ -131,7 +91,7 @@ int32_t fixedGroupedNumber(FormatCall *call, ExtensionInstance *instance) {
     auto *out = static_cast<ZvChar *>(call->output);
     const int64_t capacity = call->width < call->outputCapacity ? call->width : call->outputCapacity;
     int64_t produced = call->outputCapacity;
-    int32_t status = formatOn(formatter, valueOf(call), call->width, call->decimals, ZV_NUMBER_GROUPED,
+    int32_t status = askFormatNumber(formatter, inputValue(call), call->width, call->decimals, ZV_NUMBER_GROUPED,
                               out, capacity, &produced);
     if (produced < 0) produced = 0;
     if (produced > capacity) produced = capacity;
@@ -154,7 +114,7 @@ int32_t fixedPlainNumber(FormatCall *call) {
     auto *out = static_cast<ZvChar *>(call->output);
     const int64_t capacity = call->width < call->outputCapacity ? call->width : call->outputCapacity;
     int64_t produced = call->outputCapacity;
-    const int32_t status = formatOn(call->locale, valueOf(call), call->width, call->decimals,
+    const int32_t status = askFormatNumber(call->locale, inputValue(call), call->width, call->decimals,
                                     ZV_NUMBER_PLAIN, out, capacity, &produced);
     if (status != 0 && status != kHostNotPlain) {
         fillBounded(out, call->outputCapacity, u'*', call->width);
@@ -168,26 +128,27 @@ int32_t fixedPlainNumber(FormatCall *call) {
 int32_t fixedPercent(FormatCall *call) {
     auto *out = static_cast<ZvChar *>(call->output);
     const int64_t n = call->width < call->outputCapacity ? call->width : call->outputCapacity;
-    const double value = valueOf(call);
+    const double value = inputValue(call);
     if (isMissing(value)) {
         fillBounded(out, n, u' ', n);
-        if (out && n >= 3) out[n - 3] = markOf(value);
+        if (out && n >= kPercentDecoration) out[n - kPercentDecoration] = missingMarkOf(value);
         call->outputLength = static_cast<int32_t>(n < 0 ? 0 : n);
         return 0;
     }
     // The host needs a field of one place at least, and room for the
     // decoration on both sides.
-    if (call->width - 3 < 1 || call->outputCapacity - 3 < 1 || !out) {
+    if (call->width - kPercentDecoration < 1 || call->outputCapacity - kPercentDecoration < 1 || !out) {
         fillBounded(out, call->outputCapacity, u'*', call->width);
         call->outputLength = static_cast<int32_t>(n);
         return 0;
     }
     int64_t produced = n;
     const int32_t status =
-        formatOn(call->locale, std::fabs(value) * 100.0, call->width - 3, call->decimals,
-                 ZV_NUMBER_PLAIN, out + 1, call->outputCapacity - 3, &produced);
+        askFormatNumber(call->locale, std::fabs(value) * kPercentScale, call->width - kPercentDecoration,
+                        call->decimals, ZV_NUMBER_PLAIN, out + 1, call->outputCapacity - kPercentDecoration,
+                        &produced);
     if (produced < 0) produced = 0;
-    if (produced > call->outputCapacity - 3) produced = call->outputCapacity - 3;
+    if (produced > call->outputCapacity - kPercentDecoration) produced = call->outputCapacity - kPercentDecoration;
     if (status != 0 && status != kHostPercentAccepted && status != kHostNotPlain) {
         call->outputLength = static_cast<int32_t>(produced);
         return status;
@@ -196,13 +157,13 @@ int32_t fixedPercent(FormatCall *call) {
     out[0] = negative ? u'(' : u' ';
     out[produced + 1] = u'%';
     out[produced + 2] = negative ? u')' : u' ';
-    call->outputLength = static_cast<int32_t>(produced + 3);
+    call->outputLength = static_cast<int32_t>(produced + kPercentDecoration);
     return status;
 }
 
 int32_t fixedPercentMinus(FormatCall *call) {
     const int32_t status = fixedPercent(call);
-    const double value = valueOf(call);
+    const double value = inputValue(call);
     if (isMissing(value) || (status != 0 && status != kHostNotPlain) || !(value < 0.0)) return status;
     auto *out = static_cast<ZvChar *>(call->output);
     int64_t length = call->outputLength;
@@ -259,7 +220,7 @@ int32_t runFixedPercentForm(FormatCall *call, bool minus) {
     if (minus) fixedPercentMinus(call);
     else fixedPercent(call);
     // A missing value's '.' is its mark, not a decimal point.
-    if (!isMissing(valueOf(call))) replacePoint(call, call->outputLength);
+    if (!isMissing(inputValue(call))) replacePoint(call, call->outputLength);
     return 0;
 }
 

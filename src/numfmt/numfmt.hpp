@@ -5,10 +5,19 @@
 
 #include <cstdint>
 
+#include "frame/frame.hpp"
 #include "locale/currency.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
 namespace zv {
+
+// The limits of the NLNUM, NLPCT and NLMNY families and their informats, as
+// they check them (NLPCT's table row asks for 4 places at least).
+constexpr int32_t kNumberMostWidth = 32;
+constexpr int32_t kNumberMostDecimals = 31;
+constexpr FieldLimits kNumberLimits{1, kNumberMostWidth, kNumberMostDecimals};
+// A percentage goes to the engine scaled by this.
+constexpr double kPercentScale = 100.0;
 
 // ---- the engine ----------------------------------------------------------------
 
@@ -64,15 +73,25 @@ struct MonetaryRecord {
 // allocated.
 bool ensureMonetaryRecord(FormatCall *call, ExtensionInstance *instance);
 
-int32_t renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
-                             CurrencyForm form);
+// The amount at call->input in the field: the locale's money dress with the
+// row's code or symbol, or at last the host's plain number.
+void renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
+                          CurrencyForm form);
 
-// A member's whole routine: instance, block (and snapshot), core.
+// After a member has made sure of a locale block: the snapshot follows each
+// block built in the call (`builtNow`), and a record about to be made from it
+// takes the block at hand rather than an unfilled snapshot.
+void followSnapshot(ExtensionInstance *instance, const LocaleBlock *block, bool builtNow);
+
+// A format member's whole routine: instance, block (and snapshot), core.
 int32_t runCurrencyMember(FormatCall *call, const CurrencyRow &row, CurrencyForm form);
 
-template <const CurrencyRow &(*Row)(), CurrencyForm Form>
-int32_t writeCurrencyMember(FormatCall *call, void *) {
-    return runCurrencyMember(call, Row(), Form);
+// A member of the per-currency formats (Run is runCurrencyMember) or
+// informats (runCurrencyReader), bound to its row and form.
+template <int32_t (*Run)(FormatCall *, const CurrencyRow &, CurrencyForm), const CurrencyRow &(*Row)(),
+          CurrencyForm Form>
+int32_t currencyMember(FormatCall *call, void *) {
+    return Run(call, Row(), Form);
 }
 
 } // namespace zv

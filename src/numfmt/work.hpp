@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "frame/frame.hpp"
 #include "wide/wide.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
@@ -16,6 +17,32 @@ constexpr int32_t kHostNotPlain = static_cast<int32_t>(0x803FE816u);
 constexpr int32_t kHostUngrouped = static_cast<int32_t>(0x803FE85Bu);
 // Another answer of the plain form that the percent forms accept.
 constexpr int32_t kHostPercentAccepted = static_cast<int32_t>(0x803FE80Eu);
+// The answer when there is no host number service to ask, or nothing to ask
+// it for (a field or target narrower than one place).
+constexpr int32_t kNoNumberService = static_cast<int32_t>(0x803FE80Du);
+
+// The locale's formatNumber into `target`, or kNoNumberService with nothing
+// produced.
+inline int32_t askFormatNumber(HostLocale *locale, double value, int32_t width, int32_t decimals,
+                               uint32_t flags, ZvChar *target, int64_t capacity, int64_t *produced) {
+    if (!locale || !locale->ops || !locale->ops->formatNumber || !target || width < 1 ||
+        capacity < 1) {
+        *produced = 0;
+        return kNoNumberService;
+    }
+    return locale->ops->formatNumber(locale, value, width, decimals, flags, target, capacity, produced);
+}
+
+// The opening of a number form: outputLength is the width, and a missing
+// value gets its mark in the last place. True when `value` still needs
+// writing.
+inline bool beginNumberValue(FormatCall *call, double *value) {
+    call->outputLength = call->width;
+    *value = inputValue(call);
+    if (!isMissing(*value)) return true;
+    missingMarkHeld(call);
+    return false;
+}
 
 template <int Capacity>
 struct WorkArea {
@@ -72,6 +99,56 @@ inline void placeRight(ZvChar *out, int64_t capacity, int64_t width, const ZvCha
     for (int64_t i = 0; i < length; ++i) {
         const int64_t at = start + i;
         if (at >= 0 && at < capacity) out[at] = text[i];
+    }
+}
+
+// The integer digits with `separator` in front of each further `size`
+// digits; the first group takes what is left over. A size of 0 or less, or
+// digits no longer than one group, go whole. True when a separator went in.
+template <int Capacity>
+inline bool putGrouped(WorkArea<Capacity> &out, const ZvChar *digits, int64_t length, int64_t size,
+                       const ZvChar *separator, int64_t separatorLength) {
+    if (size <= 0 || length <= size) {
+        out.put(digits, length);
+        return false;
+    }
+    int64_t first = length % size;
+    if (first == 0) first = size;
+    out.put(digits, first);
+    for (int64_t i = first; i < length; i += size) {
+        out.put(separator, separatorLength);
+        out.put(digits + i, size);
+    }
+    return true;
+}
+
+// What the commands of a sign-placement pattern stand for.
+struct PatternParts {
+    bool negative;
+    const ZvChar *number;
+    int64_t numberLength;
+    const ZvChar *symbol;
+    int64_t symbolLength;
+    const ZvChar *sign;
+    int64_t signLength;
+};
+
+// The pattern spelled out: '(' and ')' only for a negative value, a blank,
+// 'V' the number, '$' the symbol, '-' the sign; other characters add nothing.
+template <int Capacity>
+inline void putPattern(WorkArea<Capacity> &out, const ZvChar *pattern, const PatternParts &parts) {
+    for (const ZvChar *p = pattern; *p; ++p) {
+        switch (*p) {
+        case u'(':
+        case u')':
+            if (parts.negative) out.put(*p);
+            break;
+        case u' ': out.put(u' '); break;
+        case u'V': out.put(parts.number, parts.numberLength); break;
+        case u'$': out.put(parts.symbol, parts.symbolLength); break;
+        case u'-': out.put(parts.sign, parts.signLength); break;
+        default: break;
+        }
     }
 }
 

@@ -80,18 +80,7 @@ int32_t readCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionIn
                 if (text[i] == point0) text[i] = u'.';
     } else if (groupLength == 0 || group[0] != u',') {
         if (groupLength == 2) {
-            int64_t i = 0, o = 0;
-            while (i < n - 1) {
-                if (text[i] == group[0] && text[i + 1] == group[1]) {
-                    text[o++] = u',';
-                    i += 2;
-                } else {
-                    text[o++] = point0 == u',' && text[i] == u',' ? u'.' : text[i];
-                    ++i;
-                }
-            }
-            if (i == n - 1) text[o++] = text[i];
-            n = o;
+            n = translateGroupPairs(text, n, group, point0);
         } else {
             for (int64_t i = 0; i < n; ++i) {
                 if (groupLength > 0 && text[i] == group[0]) text[i] = u',';
@@ -133,15 +122,9 @@ int32_t readCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionIn
 int32_t runCurrencyReader(FormatCall *call, const CurrencyRow &row, CurrencyForm form) {
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return ZV_NO_INSTANCE;
-    bool builtNow = false;
-    if (!call->localeBlock) {
-        if (buildLocaleBlock(call, instance) != 0 || !call->localeBlock) return ZV_UNREADABLE;
-        builtNow = true;
-    }
-    // The snapshot follows each block built here, and a record about to be
-    // made from it takes the block at hand rather than an unfilled snapshot.
-    if (builtNow || !instance->monetaryRecord)
-        std::memcpy(instance->itemSnapshot, call->localeBlock->items, sizeof instance->itemSnapshot);
+    const bool builtNow = !call->localeBlock;
+    if (builtNow && (buildLocaleBlock(call, instance) != 0 || !call->localeBlock)) return ZV_UNREADABLE;
+    followSnapshot(instance, call->localeBlock, builtNow);
     return readCurrencyAmount(call, row, instance, form);
 }
 

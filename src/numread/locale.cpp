@@ -13,15 +13,6 @@ namespace zv {
 
 namespace {
 
-// Units in use of a two-unit mark of a context (separators, signs).
-int64_t markLength(const ZvChar *mark) { return mark[0] == 0 ? 0 : (mark[1] == 0 ? 1 : 2); }
-
-int64_t symbolLength(const NumberContext &context) {
-    int64_t n = 0;
-    while (n < 52 && context.symbol[n]) ++n;
-    return n;
-}
-
 bool isAsciiDigit(ZvChar u) { return u >= u'0' && u <= u'9'; }
 
 // The reader's own copy of the text, at most kReadUnits units.
@@ -62,7 +53,7 @@ struct ReadText {
 bool dropEndForm(ReadText &text, int32_t position, const ZvChar *sign) {
     if (position != 0) {
         if (sign[0] == 0) return false;
-        const int64_t length = markLength(sign);
+        const int64_t length = markUnits(sign);
         if (text.startsWith(sign, length)) {
             text.dropFront(length);
             return true;
@@ -88,7 +79,7 @@ bool removeForm(ReadText &text, int32_t position, const ZvChar *sign) {
     const int64_t before = text.n;
     if (position != 0) {
         if (sign[0] == 0) return false;
-        text.n = removeCharacters(text.c, text.n, sign, markLength(sign));
+        text.n = removeCharacters(text.c, text.n, sign, markUnits(sign));
     } else {
         text.removeAll(u'(');
         text.removeAll(u')');
@@ -120,7 +111,7 @@ int32_t runPlain(FormatCall *call, const ReadText &text, int32_t (*plain)(Format
 int64_t digitsBehindPoint(const ReadText &text, const NumberContext &own, const NumberContext &other) {
     auto symbolHoldsPoint = [](const NumberContext &context) {
         const ZvChar point = context.decimalSeparator[0];
-        return point != 0 && findChar(context.symbol, symbolLength(context), point) > 0;
+        return point != 0 && findChar(context.symbol, symbolUnits(context), point) > 0;
     };
     const ZvChar point = own.decimalSeparator[0];
     if (!symbolHoldsPoint(other) && !symbolHoldsPoint(own)) return 0;
@@ -138,7 +129,7 @@ int64_t digitsBehindPoint(const ReadText &text, const NumberContext &own, const 
             if (i == 0) return count;
             const ZvChar before = text.c[i - 1];
             auto lastOf = [&](const NumberContext &context) {
-                const int64_t n = symbolLength(context);
+                const int64_t n = symbolUnits(context);
                 return n > 0 && context.symbol[n - 1] == before;
             };
             if (isAsciiDigit(before) || before == u' ' || lastOf(own) || lastOf(other)) return count;
@@ -151,6 +142,14 @@ int64_t digitsBehindPoint(const ReadText &text, const NumberContext &own, const 
 
 using LocaleReader = int32_t (*)(int64_t, LocaleBlock *, int, FormatCall *);
 using PlainReader = int32_t (*)(FormatCall *);
+
+// One informat of the family: the item whose context reads the text, the
+// locale reader, and the plain reader that finishes it or takes over.
+struct NumberReadRow {
+    int item;
+    LocaleReader reader;
+    PlainReader plain;
+};
 
 // The units that come back when `units` units of the text go to the host
 // encoding with `width` bytes of room and back to UTF-16; -1 when the way
@@ -198,7 +197,7 @@ int64_t roundTrip(FormatCall *call, int64_t units) {
 // What all six informats do: bound and trim the text, find the instance,
 // check the limits, measure the text in host bytes, make sure of a locale
 // block, and run the locale reader.
-int32_t readFront(FormatCall *call, int item, LocaleReader reader, PlainReader plain) {
+int32_t readFront(FormatCall *call, const NumberReadRow &row) {
     int64_t n = call->inputLength < call->fieldLimit ? call->inputLength : call->fieldLimit;
     if (n < 0 || !call->input) n = 0;
     n = lengthWithoutTrailingBlanks(static_cast<const ZvChar *>(call->input), n);
@@ -208,15 +207,14 @@ int32_t readFront(FormatCall *call, int item, LocaleReader reader, PlainReader p
     auto plainRoute = [&]() {
         const int32_t inputLength = call->inputLength;
         call->inputLength = static_cast<int32_t>(n);
-        const int32_t status = plain(call);
+        const int32_t status = row.plain(call);
         call->inputLength = inputLength;
         return status;
     };
 
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return plainRoute();
-    int32_t status = 0;
-    if (!checkReadLimits(call, &status)) return status;
+    if (const int32_t refused = checkLimits(call, kNumberLimits)) return refused;
 
     const int64_t came = roundTrip(call, n);
     if (came < 0) return plainRoute();
@@ -224,7 +222,7 @@ int32_t readFront(FormatCall *call, int item, LocaleReader reader, PlainReader p
 
     if (!call->localeBlock && buildLocaleBlock(call, instance) != 0) return plainRoute();
     if (!call->localeBlock) return plainRoute();
-    return reader(n, call->localeBlock, item, call) == 0 ? ZV_OK : ZV_UNREADABLE;
+    return row.reader(n, call->localeBlock, row.item, call) == 0 ? ZV_OK : ZV_UNREADABLE;
 }
 
 } // namespace
@@ -232,22 +230,11 @@ int32_t readFront(FormatCall *call, int item, LocaleReader reader, PlainReader p
 int32_t translateSeparators(ZvChar *text, int64_t *length, const NumberContext &context) {
     const ZvChar *point = context.decimalSeparator;
     const ZvChar *group = context.groupSeparator;
-    const int64_t groupLength = markLength(group);
+    const int64_t groupLength = markUnits(group);
     int64_t n = *length;
     if (group[0] != u',') {
         if (groupLength == 2) {
-            int64_t i = 0, o = 0;
-            while (i < n - 1) {
-                if (text[i] == group[0] && text[i + 1] == group[1]) {
-                    text[o++] = u',';
-                    i += 2;
-                } else {
-                    text[o++] = point[0] == u',' && text[i] == u',' ? u'.' : text[i];
-                    ++i;
-                }
-            }
-            if (i == n - 1) text[o++] = text[i];
-            n = o;
+            n = translateGroupPairs(text, n, group, point[0]);
         } else {
             if (n > 0 && text[0] == u'\'' && text[n - 1] == u'\'') return -1;
             for (int64_t i = 0; i < n; ++i) {
@@ -279,7 +266,8 @@ int32_t readLocaleNumber(int64_t length, LocaleBlock *block, int item, FormatCal
 
 int32_t readLocaleMoney(int64_t length, LocaleBlock *block, int item, FormatCall *call) {
     const NumberContext &own = *contextOf(block, item);
-    const NumberContext &other = *contextOf(block, item == 170 ? 171 : 170);
+    const NumberContext &other =
+        *contextOf(block, item == kItemMoneyContext ? kItemIntlMoneyContext : kItemMoneyContext);
     ReadText text;
     text.take(call, length);
 
@@ -293,8 +281,8 @@ int32_t readLocaleMoney(int64_t length, LocaleBlock *block, int item, FormatCall
         for (int64_t i = 0; i <= e; ++i) hashesBefore += text.c[i] == u'#';
         text.c[e + 1] = u'#';
     }
-    text.n = removeCharacters(text.c, text.n, own.symbol, symbolLength(own));
-    text.n = removeCharacters(text.c, text.n, other.symbol, symbolLength(other));
+    text.n = removeCharacters(text.c, text.n, own.symbol, symbolUnits(own));
+    text.n = removeCharacters(text.c, text.n, other.symbol, symbolUnits(other));
     if (hashesBefore >= 0) {
         for (int64_t i = 0, seen = 0; i < text.n; ++i) {
             if (text.c[i] != u'#') continue;
@@ -341,11 +329,22 @@ int32_t readLocalePercent(int64_t length, LocaleBlock *block, int item, FormatCa
     return runPlain(call, text, readPlainPercent);
 }
 
-int32_t readNlNum(FormatCall *call, void *) { return readFront(call, 183, readLocaleNumber, readPlainNumber); }
-int32_t readNlNumI(FormatCall *call, void *) { return readFront(call, 184, readLocaleNumber, readPlainNumber); }
-int32_t readNlMny(FormatCall *call, void *) { return readFront(call, 170, readLocaleMoney, readPlainNumber); }
-int32_t readNlMnyI(FormatCall *call, void *) { return readFront(call, 171, readLocaleMoney, readPlainNumber); }
-int32_t readNlPct(FormatCall *call, void *) { return readFront(call, 185, readLocalePercent, readPlainPercent); }
-int32_t readNlPctI(FormatCall *call, void *) { return readFront(call, 186, readLocalePercent, readPlainPercent); }
+namespace {
+
+constexpr NumberReadRow kReadNlNum{kItemNumberContext, readLocaleNumber, readPlainNumber};
+constexpr NumberReadRow kReadNlNumI{kItemFixedNumberContext, readLocaleNumber, readPlainNumber};
+constexpr NumberReadRow kReadNlMny{kItemMoneyContext, readLocaleMoney, readPlainNumber};
+constexpr NumberReadRow kReadNlMnyI{kItemIntlMoneyContext, readLocaleMoney, readPlainNumber};
+constexpr NumberReadRow kReadNlPct{kItemPercentContext, readLocalePercent, readPlainPercent};
+constexpr NumberReadRow kReadNlPctI{kItemFixedPercentContext, readLocalePercent, readPlainPercent};
+
+} // namespace
+
+int32_t readNlNum(FormatCall *call, void *) { return readFront(call, kReadNlNum); }
+int32_t readNlNumI(FormatCall *call, void *) { return readFront(call, kReadNlNumI); }
+int32_t readNlMny(FormatCall *call, void *) { return readFront(call, kReadNlMny); }
+int32_t readNlMnyI(FormatCall *call, void *) { return readFront(call, kReadNlMnyI); }
+int32_t readNlPct(FormatCall *call, void *) { return readFront(call, kReadNlPct); }
+int32_t readNlPctI(FormatCall *call, void *) { return readFront(call, kReadNlPctI); }
 
 } // namespace zv

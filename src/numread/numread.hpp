@@ -49,13 +49,8 @@ int32_t readNlPctI(FormatCall *call, void *opaque);
 int32_t readCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
                            CurrencyForm form);
 
-// A member's whole routine: instance, block (and snapshot), core. -1 without
-// an instance; 1 when no locale block can be built.
+// An informat member's whole routine: instance, block (and snapshot), core.
+// -1 without an instance; 1 when no locale block can be built.
 int32_t runCurrencyReader(FormatCall *call, const CurrencyRow &row, CurrencyForm form);
-
-template <const CurrencyRow &(*Row)(), CurrencyForm Form>
-int32_t readCurrencyMember(FormatCall *call, void *) {
-    return runCurrencyReader(call, Row(), Form);
-}
 
 } // namespace zv

@@ -19,7 +19,9 @@ constexpr int64_t kPlainUnits = 256;
 // The host's answer when there is no parser to ask.
 constexpr int32_t kNoParser = ZV_UNREADABLE;
 
-constexpr double kPowersOfTen[32] = {
+constexpr uint64_t kSignBit = 0x8000000000000000ull;
+
+constexpr double kPowersOfTen[kNumberMostDecimals + 1] = {
     1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
     1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e24, 1e25, 1e26, 1e27, 1e28, 1e29, 1e30, 1e31,
 };
@@ -67,7 +69,8 @@ private:
 // text taken in and trimmed. False when the reader is done and *status holds
 // its answer.
 bool takeText(FormatCall *call, PlainText &text, int32_t *status) {
-    if (!checkReadLimits(call, status)) return false;
+    *status = checkLimits(call, kNumberLimits);
+    if (*status != 0) return false;
     storeValue(call, missingValue());
     int64_t length = call->inputLength < call->width ? call->inputLength : call->width;
     if (length < 0 || !call->input) length = 0;
@@ -103,16 +106,6 @@ int32_t parseInto(FormatCall *call, const PlainText &text, double *value) {
 }
 
 } // namespace
-
-bool checkReadLimits(const FormatCall *call, int32_t *status) {
-    if (!(call->flags & ZV_FLAG_CHECK_LIMITS)) return true;
-    if (call->width < 1) *status = ZV_WIDTH_TOO_SMALL;
-    else if (call->width > kReadUnits) *status = ZV_WIDTH_TOO_LARGE;
-    else if (call->decimals < 0) *status = ZV_DECIMALS_TOO_SMALL;
-    else if (call->decimals > 31) *status = ZV_DECIMALS_TOO_LARGE;
-    else return true;
-    return false;
-}
 
 void storeValue(FormatCall *call, double value) {
     if (call->output) std::memcpy(call->output, &value, sizeof value);
@@ -158,8 +151,8 @@ int32_t readPlainNumber(FormatCall *call) {
     if (!isMissing(value)) {
         const int32_t decimals = call->decimals;
         if (decimals > 0 && findChar(text.c, text.n, u'.') < 0)
-            value /= kPowersOfTen[decimals < 31 ? decimals : 31];
-        if (negate) value = doubleOf(bitsOf(value) ^ 0x8000000000000000ull);
+            value /= kPowersOfTen[decimals < kNumberMostDecimals ? decimals : kNumberMostDecimals];
+        if (negate) value = doubleOf(bitsOf(value) ^ kSignBit);
         storeValue(call, value);
     }
     return 0;
@@ -190,8 +183,8 @@ int32_t readPlainPercent(FormatCall *call) {
     status = parseInto(call, text, &value);
     if (status != 0) return status;
     if (isMissing(value)) return 0;
-    if (percent) value /= 100.0;
-    if (negate) value = doubleOf(bitsOf(value) ^ 0x8000000000000000ull);
+    if (percent) value /= kPercentScale;
+    if (negate) value = doubleOf(bitsOf(value) ^ kSignBit);
     storeValue(call, value);
     return 0;
 }

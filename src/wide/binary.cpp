@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "frame/frame.hpp"
+#include "wide/wide.hpp"
 
 namespace zv {
 
@@ -34,24 +35,26 @@ Span withoutOuterBlanks(Span s) {
     return s;
 }
 
-// The limits check of bit 0 of flags; 0 when the call passes.
-int32_t checkLimits(const FormatCall *call, int32_t widthLow, int32_t widthHigh, int32_t decimalsHigh) {
-    if (!(call->flags & ZV_FLAG_CHECK_LIMITS)) return 0;
-    if (call->width < widthLow) return ZV_WIDTH_TOO_SMALL;
-    if (call->width > widthHigh) return ZV_WIDTH_TOO_LARGE;
-    if (call->decimals < 0) return ZV_DECIMALS_TOO_SMALL;
-    if (call->decimals > decimalsHigh) return ZV_DECIMALS_TOO_LARGE;
-    return 0;
-}
+// The limits each reader checks under bit 0 of flags. A size number's own
+// digits have limits of their own.
+constexpr FieldLimits kBinaryLimits{1, 64, 31};
+constexpr FieldLimits kHexLimits{1, 16, 0};
+constexpr FieldLimits kSizeLimits{4, 35, 31};
+constexpr int64_t kSizeDigitsMost = 32;
+constexpr FieldLimits kUuidLimits{1, 200, 0};
+
+// The fields of the digit readers, and the count of digits from which the
+// field is a bit pattern rather than a number.
+constexpr int kBinaryField = 64, kBinaryPatternFrom = 57;
+constexpr int kHexField = 16, kHexPatternFrom = 16;
+constexpr double kSizeStep = 1024.0;
+
+// A UUID in its written form: 36 units, dashes at four places, 16 bytes.
+constexpr int kUuidUnits = 36;
+constexpr int kUuidBytes = 16;
+constexpr bool isUuidDash(int i) { return i == 8 || i == 13 || i == 18 || i == 23; }
 
 void storeDouble(FormatCall *call, double value) { std::memcpy(call->output, &value, sizeof value); }
-
-int hexValue(ZvChar c) {
-    if (c >= u'0' && c <= u'9') return c - u'0';
-    if (c >= u'A' && c <= u'F') return c - u'A' + 10;
-    if (c >= u'a' && c <= u'f') return c - u'a' + 10;
-    return -1;
-}
 
 // Digits of base 2 or 16 with blanks anywhere, right-justified in a field
 // of `fieldUnits` units whose left is filled with zeros. A field of all
@@ -65,7 +68,7 @@ int32_t readDigitField(FormatCall *call, int bitsPerDigit, int fieldUnits, int p
     for (int64_t i = 0; i < s.length; ++i) {
         const ZvChar c = s.text[i];
         if (c == u' ') continue;
-        const int v = hexValue(c);
+        const int v = hexDigitValue(c);
         if (v < 0 || v >= (1 << bitsPerDigit) || digits == fieldUnits) return bad;
         word = (word << bitsPerDigit) | static_cast<uint64_t>(v);
         ++digits;
@@ -81,6 +84,48 @@ HostLocale *parsingLocale(const FormatCall *call) {
         if (HostLocale *current = nls->ops->currentLocale(nls)) return current;
     return call->locale;
 }
+
+// Pairs of hexadecimal digits with blanks anywhere: each digit goes to
+// `half(value, high)`, the first of a pair as the high half. kBadDigit at a
+// unit that is neither.
+template <typename Half>
+int32_t walkHexPairs(const ZvChar *text, int64_t length, Half half) {
+    bool high = true;
+    for (int64_t i = 0; i < length; ++i) {
+        if (text[i] == u' ') continue;
+        const int v = hexDigitValue(text[i]);
+        if (v < 0) return kBadDigit;
+        half(v, high);
+        high = !high;
+    }
+    return 0;
+}
+
+// The raw bytes of a byte reader, no further than the target's room;
+// outputLength counts the complete bytes that went in.
+struct ByteTarget {
+    uint8_t *out;
+    int64_t capacity;
+    int64_t complete = 0;
+
+    explicit ByteTarget(FormatCall *call)
+        : out(static_cast<uint8_t *>(call->output)),
+          capacity(call->outputCapacity > 0 ? call->outputCapacity : 0) {}
+
+    void put(uint8_t byte) {
+        if (complete < capacity) out[complete] = byte;
+        ++complete;
+    }
+    // A half byte: the high one starts the byte, the low one completes it.
+    void putHalf(int v, bool high) {
+        if (complete < capacity) out[complete] = static_cast<uint8_t>(high ? v << 4 : out[complete] | v);
+        if (!high) ++complete;
+    }
+    int32_t finish(FormatCall *call) const {
+        call->outputLength = static_cast<int32_t>(complete < capacity ? complete : capacity);
+        return 0;
+    }
+};
 
 constexpr char kBase64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
@@ -120,23 +165,23 @@ int32_t encodeBase64(HostPool *pool, const Unit *source, int64_t length, ZvChar 
 } // namespace
 
 int32_t readBinaryNumber(FormatCall *call, void *) {
-    if (const int32_t refused = checkLimits(call, 1, 64, 31)) return refused;
-    return readDigitField(call, 1, 64, 57, kBadDigit);
+    if (const int32_t refused = checkLimits(call, kBinaryLimits)) return refused;
+    return readDigitField(call, 1, kBinaryField, kBinaryPatternFrom, kBadDigit);
 }
 
 int32_t readHexNumber(FormatCall *call, void *) {
-    if (const int32_t refused = checkLimits(call, 1, 16, 0)) return refused;
-    return readDigitField(call, 4, 16, 16, ZV_UNREADABLE);
+    if (const int32_t refused = checkLimits(call, kHexLimits)) return refused;
+    return readDigitField(call, 4, kHexField, kHexPatternFrom, ZV_UNREADABLE);
 }
 
 int32_t readSizeNumber(FormatCall *call, void *) {
-    if (const int32_t refused = checkLimits(call, 4, 35, 31)) return refused;
+    if (const int32_t refused = checkLimits(call, kSizeLimits)) return refused;
     const Span s = withoutOuterBlanks(readSpan(call));
     int64_t digitsEnd = s.length;
     while (digitsEnd > 0 && !(s.text[digitsEnd - 1] >= u'0' && s.text[digitsEnd - 1] <= u'9')) --digitsEnd;
     if (call->flags & ZV_FLAG_CHECK_LIMITS) {
         if (digitsEnd < 1) return ZV_WIDTH_TOO_SMALL;
-        if (digitsEnd > 32) return ZV_WIDTH_TOO_LARGE;
+        if (digitsEnd > kSizeDigitsMost) return ZV_WIDTH_TOO_LARGE;
     }
     storeDouble(call, missingValue());
     HostLocale *locale = parsingLocale(call);
@@ -154,51 +199,33 @@ int32_t readSizeNumber(FormatCall *call, void *) {
     if (unit == u'K' || unit == u'k') times = 1;
     if (unit == u'M' || unit == u'm') times = 2;
     if (unit == u'G' || unit == u'g') times = 3;
-    for (int k = 0; k < times; ++k) value *= 1024.0;
+    for (int k = 0; k < times; ++k) value *= kSizeStep;
     storeDouble(call, value);
     return 0;
 }
 
 int32_t hexToBytes(const ZvChar *text, int64_t length, uint8_t **bytes) {
-    bool high = true;
-    for (int64_t i = 0; i < length; ++i) {
-        if (text[i] == u' ') continue;
-        const int v = hexValue(text[i]);
-        if (v < 0) return kBadDigit;
+    return walkHexPairs(text, length, [bytes](int v, bool high) {
         if (high) {
             **bytes = static_cast<uint8_t>(v << 4);
         } else {
             **bytes = static_cast<uint8_t>(**bytes | v);
             ++*bytes;
         }
-        high = !high;
-    }
-    return 0;
+    });
 }
 
 int32_t readHexBytes(FormatCall *call, void *) {
     const Span s = readSpan(call);
-    uint8_t *out = static_cast<uint8_t *>(call->output);
-    const int64_t capacity = call->outputCapacity > 0 ? call->outputCapacity : 0;
-    int64_t complete = 0;
-    bool high = true;
-    for (int64_t i = 0; i < s.length; ++i) {
-        if (s.text[i] == u' ') continue;
-        const int v = hexValue(s.text[i]);
-        if (v < 0) return kBadDigit;
-        if (complete < capacity) out[complete] = static_cast<uint8_t>(high ? v << 4 : out[complete] | v);
-        if (!high) ++complete;
-        high = !high;
-    }
-    call->outputLength = static_cast<int32_t>(complete < capacity ? complete : capacity);
-    return 0;
+    ByteTarget target(call);
+    if (const int32_t bad = walkHexPairs(s.text, s.length, [&](int v, bool high) { target.putHalf(v, high); }))
+        return bad;
+    return target.finish(call);
 }
 
 int32_t readBitBytes(FormatCall *call, void *) {
     const Span s = readSpan(call);
-    uint8_t *out = static_cast<uint8_t *>(call->output);
-    const int64_t capacity = call->outputCapacity > 0 ? call->outputCapacity : 0;
-    int64_t complete = 0;
+    ByteTarget target(call);
     uint32_t byte = 0;
     for (int64_t i = 0; i < s.length; ++i) {
         const int64_t place = i + 1;
@@ -207,13 +234,9 @@ int32_t readBitBytes(FormatCall *call, void *) {
         if (c == u' ') continue;
         if (c != u'0' && c != u'1') return kBadDigit;
         byte = ((byte << 1) | (c == u'1' ? 1u : 0u)) & 0xFFu;
-        if (place % 8 == 0 || place == s.length) {
-            if (complete < capacity) out[complete] = static_cast<uint8_t>(byte);
-            ++complete;
-        }
+        if (place % 8 == 0 || place == s.length) target.put(static_cast<uint8_t>(byte));
     }
-    call->outputLength = static_cast<int32_t>(complete < capacity ? complete : capacity);
-    return 0;
+    return target.finish(call);
 }
 
 int32_t readQuotedText(FormatCall *call, void *) {
@@ -243,24 +266,23 @@ int32_t readQuotedText(FormatCall *call, void *) {
 }
 
 int32_t readUuid(FormatCall *call, void *) {
-    if (const int32_t refused = checkLimits(call, 1, 200, 0)) return refused;
+    if (const int32_t refused = checkLimits(call, kUuidLimits)) return refused;
     Span s = withoutOuterBlanks(readSpan(call));
-    if (s.length < 36) return kBadDigit;
+    if (s.length < kUuidUnits) return kBadDigit;
     if (s.text[0] == u'{') {
         ++s.text, --s.length;
         if (s.length > 0 && s.text[s.length - 1] == u'}') --s.length;
         s = withoutOuterBlanks(s);
     }
-    if (s.length != 36) return kBadDigit;
-    uint8_t bytes[16];
+    if (s.length != kUuidUnits) return kBadDigit;
+    uint8_t bytes[kUuidBytes];
     int n = 0;
-    for (int i = 0; i < 36; ++i) {
-        const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
-        if (dash) {
+    for (int i = 0; i < kUuidUnits; ++i) {
+        if (isUuidDash(i)) {
             if (s.text[i] != u'-') return kBadDigit;
             continue;
         }
-        const int v = hexValue(s.text[i]);
+        const int v = hexDigitValue(s.text[i]);
         if (v < 0) return kBadDigit;
         if (n % 2 == 0)
             bytes[n / 2] = static_cast<uint8_t>(v << 4);
@@ -268,7 +290,7 @@ int32_t readUuid(FormatCall *call, void *) {
             bytes[n / 2] = static_cast<uint8_t>(bytes[n / 2] | v);
         ++n;
     }
-    int64_t count = 16;
+    int64_t count = kUuidBytes;
     if (call->width < count) count = call->width;
     if (call->outputCapacity < count) count = call->outputCapacity;
     if (count < 0) count = 0;

@@ -59,6 +59,14 @@ bool isGraphic(ZvChar c);
 bool isControl(ZvChar c);
 bool isFixedSpace(ZvChar c);
 
+// The value of an ASCII hexadecimal digit of either case, or -1.
+inline int hexDigitValue(ZvChar c) {
+    if (c >= u'0' && c <= u'9') return c - u'0';
+    if (c >= u'A' && c <= u'F') return c - u'A' + 10;
+    if (c >= u'a' && c <= u'f') return c - u'a' + 10;
+    return -1;
+}
+
 // ---- case ------------------------------------------------------------------
 void foldUpper(ZvChar *text, int64_t length);
 void foldLower(ZvChar *text, int64_t length);

@@ -8,6 +8,7 @@
 // above the tie and below the next rounding boundary.
 #include "numbers.hpp"
 
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -89,6 +90,13 @@ int incrementLast(char *text, int n) {
 constexpr int kShortPlaces = 19;
 constexpr uint64_t kShortLimit = 10000000000000000000ull; // 10^19
 
+constexpr auto kPowersOfFive = [] {
+    std::array<uint64_t, kShortPlaces + 1> p{};
+    p[0] = 1;
+    for (int i = 1; i <= kShortPlaces; ++i) p[size_t(i)] = p[size_t(i) - 1] * 5;
+    return p;
+}();
+
 bool shortFixedDigits(double a, int places, char *out, int *length) {
     if (places > kShortPlaces || !(a < 1e19)) return false;
     const uint64_t bits = std::bit_cast<uint64_t>(a);
@@ -96,9 +104,7 @@ bool shortFixedDigits(double a, int places, char *out, int *length) {
     const uint64_t fraction = bits & ((uint64_t(1) << 52) - 1);
     const uint64_t m = biased == 0 ? fraction : fraction | (uint64_t(1) << 52);
     const int e = (biased == 0 ? 1 : biased) - 1075;
-    uint64_t power = 1;
-    for (int i = 0; i < places; ++i) power *= 5;
-    unsigned __int128 x = static_cast<unsigned __int128>(m) * power; // below 2^98
+    unsigned __int128 x = static_cast<unsigned __int128>(m) * kPowersOfFive[places]; // below 2^98
     const int shift = e + places;
     if (shift >= 0) {
         x <<= shift; // a < 10^19 keeps this below 2^128
@@ -234,6 +240,9 @@ int integerLength(double v, Text &t) {
 }
 
 int32_t plainForm(double v, int width, int decimals, Text &t) {
+    // Most values fit with all their decimals: that text is the answer.
+    plainAt(v, decimals, t);
+    if (t.n <= width) return 0;
     const int whole = integerLength(v, t);
     if (whole <= width) {
         // The most places that leave room for the point; one fewer each time the

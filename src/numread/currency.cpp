@@ -93,7 +93,7 @@ int32_t readCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionIn
     if (markLength > 0) {
         for (int64_t at = findSubstring(text, n, mark, markLength); at >= 0;
              at = findSubstring(text, n, mark, markLength)) {
-            for (int64_t i = at + markLength; i < n; ++i) text[i - markLength] = text[i];
+            std::memmove(text + at, text + at + markLength, size_t(n - at - markLength) * sizeof(ZvChar));
             n -= markLength;
         }
     }

@@ -15,6 +15,7 @@ constexpr double kDayLimit = 6589336.0;       // one past 31 December 20000
 constexpr double kFirstSecond = -11928470400.0;
 constexpr double kSecondLimit = 569318630400.0;
 constexpr double kLastYearDay = 20000365.0;
+constexpr double kSecondsPerDay = 86400.0;
 
 // Days in years before `year`, counted so that 1 January 1960 is day 0.
 int64_t daysBefore(int64_t year);

@@ -49,8 +49,9 @@ int64_t cleanDateText(ZvChar *text, int64_t length);
 // Reads a date, a time or both out of `text` under one %-pattern of the
 // call's locale block. outDate and outTime are preset by the caller and
 // written only when there is a value for them.
-// 0: read (or nothing read at all); 2: a time with hour, minute or second
-// missing; -1: failure.
+constexpr int32_t kLocaleFormRead = 0;        // read, or nothing read at all
+constexpr int32_t kLocaleFormPartialTime = 2; // a time with hour, minute or second missing
+constexpr int32_t kLocaleFormFailed = -1;
 int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
                        const ZvChar *pattern, int64_t patternLength, double *outDate,
                        double *outTime);

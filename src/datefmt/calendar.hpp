@@ -10,12 +10,21 @@
 
 namespace zv {
 
+constexpr int64_t kFirstYear = 1582;
+constexpr int64_t kLastYear = 20000;
 constexpr double kFirstDay = -138061.0;       // 1 January 1582
 constexpr double kDayLimit = 6589336.0;       // one past 31 December 20000
-constexpr double kFirstSecond = -11928470400.0;
-constexpr double kSecondLimit = 569318630400.0;
-constexpr double kLastYearDay = 20000365.0;
 constexpr double kSecondsPerDay = 86400.0;
+constexpr double kSecondsPerHour = 3600.0;
+constexpr double kFirstSecond = kFirstDay * kSecondsPerDay; // -11928470400
+constexpr double kSecondLimit = kDayLimit * kSecondsPerDay; // 569318630400
+// A year-day code is year * kYearDayBase + day of the year, 1 January being 1.
+constexpr int64_t kYearDayBase = 1000;
+constexpr double kLastYearDay = 20000365.0;   // 31 December 20000
+// Years up to this one are two-digit years, settled by the pivot.
+constexpr int64_t kLastTwoDigitYear = 99;
+// The calendar's pivot of two-digit years when the host sets none.
+constexpr int64_t kCalendarYearPivot = 1950;
 
 // Days in years before `year`, counted so that 1 January 1960 is day 0.
 int64_t daysBefore(int64_t year);
@@ -26,6 +35,17 @@ int leapFigure(int64_t year);
 int64_t settleTwoDigitYear(int64_t year, int64_t pivot);
 // The host's ZV_NAME_YEARCUTOFF, or `fallback` when it isn't set.
 int64_t yearPivot(int64_t fallback);
+// The host's ZV_NAME_YEARCUTOFF into *value: 0, or nonzero when it isn't set
+// (or there is no host), *value then as it was.
+int32_t readYearCutoff(int64_t *value);
+
+// The host's clock: value - shift is the present datetime as a second count.
+struct HostClock {
+    double value = 0.0;
+    double shift = 0.0;
+};
+// Both 0 when the host has no clock.
+HostClock readHostClock();
 
 double ymdToYearDay(double year, double month, double day);
 double yearDayToDayCount(double code);

@@ -95,8 +95,8 @@ int32_t writeClock(FormatCall *call) {
     const int d = call->decimals < 0 ? 0 : (call->decimals > 30 ? 30 : call->decimals);
     const double half = 5.0 / std::pow(10.0, d + 1) + 0.00000001;
     int hourCarry = 0, minuteCarry = 0;
-    const double inHour = std::fmod(v, 3600.0);
-    if (inHour + half >= 3600.0) {
+    const double inHour = std::fmod(v, kSecondsPerHour);
+    if (inHour + half >= kSecondsPerHour) {
         v -= inHour;
         hourCarry = 1;
     } else {
@@ -171,8 +171,8 @@ int32_t writeClockAmPm(FormatCall *call) {
     if (!openClock(call, &v, &opened)) return opened;
     if (call->decimals == 0 && v - std::trunc(v) >= 0.5) v = std::floor(v + 0.000000000001) + 1;
     else if (call->decimals == 1 && v - std::trunc(v) >= 0.95) v = std::floor(v + 0.000000000001) + 1;
-    v = std::fmod(v, 86400.0);
-    if (v < 0) v += 86400.0;
+    v = std::fmod(v, kSecondsPerDay);
+    if (v < 0) v += kSecondsPerDay;
     const int64_t h = static_cast<int64_t>(std::trunc(v)) / 3600;
     const bool pm = h >= 12;
     const int width = call->width;
@@ -220,8 +220,8 @@ namespace {
 
 double foldIntoDay(double v, bool alwaysBelowADay, bool *wasNegative) {
     *wasNegative = v < 0;
-    if (v < 0) v = 86400.0 - std::fmod(-v, 86400.0);
-    if ((alwaysBelowADay || !*wasNegative) && v >= 86400.0) v = std::fmod(v, 86400.0);
+    if (v < 0) v = kSecondsPerDay - std::fmod(-v, kSecondsPerDay);
+    if ((alwaysBelowADay || !*wasNegative) && v >= kSecondsPerDay) v = std::fmod(v, kSecondsPerDay);
     return v;
 }
 

@@ -144,7 +144,7 @@ struct Offset {
 
 void putOffset(Out &out, const Fields &f, HostTimeZone *tz, Offset &offset) {
     auto orZero = [](bool has, double v) { return has ? v : 0.0; };
-    const double absolute = 86400.0 * orZero(f.hasDate, f.day) +
+    const double absolute = kSecondsPerDay * orZero(f.hasDate, f.day) +
                             60.0 * (60.0 * orZero(f.hasHour, f.hour) + orZero(f.hasMinute, f.minute)) +
                             orZero(f.hasSecond, f.second);
     double seconds = tz ? tz->ops->timeZoneOffset(tz, absolute, 0) : 0.0;
@@ -511,7 +511,7 @@ int32_t writeTimePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern,
     if (patternLength == 0) return kPatternEmpty;
     if (isMissing(seconds) || !(seconds >= 0)) return kPatternNoValue;
     const double r = roundedToDecimals(seconds, decimals);
-    const double hour = std::floor(std::fabs(r / 3600.0));
+    const double hour = std::floor(std::fabs(r / kSecondsPerHour));
     return expandPattern(missingValue(), hour, minuteOf(r), secondOf(r), pattern, patternLength, output,
                          fieldWidth, decimals, block, nullptr);
 }

@@ -153,12 +153,12 @@ int32_t writeDtWeekV(FormatCall *call, void *opaque) {
 
     double t;
     if (v >= 0) {
-        t = std::fmod(v, 86400.0);
+        t = std::fmod(v, kSecondsPerDay);
     } else {
-        const double r = std::fmod(-v, 86400.0);
-        t = r == 0 ? 0 : 86400.0 - r;
+        const double r = std::fmod(-v, kSecondsPerDay);
+        t = r == 0 ? 0 : kSecondsPerDay - r;
     }
-    const double day = (v - t) / 86400.0;
+    const double day = (v - t) / kSecondsPerDay;
     fillField(call, u' ');
     const void *input = call->input;
     call->input = &day;

@@ -26,8 +26,15 @@ struct DatePatternRow {
 constexpr int kDatePatternRowCount = 148;
 extern const DatePatternRow datePatternTable[kDatePatternRowCount];
 
+// What a row of the table gave, in *kindOut of readByPattern.
+constexpr int32_t kReadNothing = 0;
+constexpr int32_t kReadDate = 1;     // a day count
+constexpr int32_t kReadTime = 2;     // seconds of a time
+constexpr int32_t kReadDatetime = 3; // a second count
+
 // Statuses of the readers.
 constexpr int32_t kNoFormFits = 999;
+constexpr int32_t kRowWithoutPattern = 1;
 constexpr int32_t kDateReadFailed = static_cast<int32_t>(0x80000000u);
 
 // Reads `text` under the rows of `name` (row null: the first row that

@@ -2,6 +2,7 @@
 // the date pattern table are tried in order until one gives a value.
 #include <cmath>
 
+#include "datefmt/calendar.hpp"
 #include "dateread/dateread.hpp"
 #include "frame/frame.hpp"
 #include "wide/wide.hpp"
@@ -71,10 +72,10 @@ int32_t guess(FormatCall *call, Keep keep) {
     }
 
     double value = found ? *output : missingValue();
-    if (kind == 1 && !isMissing(value)) value *= 86400.0;
+    if (kind == kReadDate && !isMissing(value)) value *= kSecondsPerDay;
     if (!isMissing(value)) {
         if (keep == Keep::Day) value = static_cast<double>(static_cast<int64_t>(value) / 86400);
-        else if (keep == Keep::Time) value = std::fmod(value, 86400.0);
+        else if (keep == Keep::Time) value = std::fmod(value, kSecondsPerDay);
     }
     *output = value;
     return 0;

@@ -354,10 +354,8 @@ void valueOf(RowTry &r, const DatePatternRow &row, const ZvChar *name, int64_t n
         const int64_t m = f[kMinute] < 0 ? 0 : f[kMinute];
         cs.zoneOffset = -static_cast<double>(h * 3600 + m * 60) * cs.zoneSign;
         if (nameLength == 7 && (sameText(name, nameLength, u"B8601LZ") || sameText(name, nameLength, u"E8601LZ"))) {
-            double clock[2] = {0.0, 0.0};
-            if (hostAnchor && hostAnchor->ops && hostAnchor->ops->readClock)
-                hostAnchor->ops->readClock(hostAnchor, 16, clock, 0x10800000u);
-            cs.zoneOffset -= std::trunc(clock[1]);
+            // Local-time forms: the host's shift of its clock moves the time on.
+            cs.zoneOffset -= std::trunc(readHostClock().shift);
         }
         f[kHour] = cs.savedHour;
         f[kMinute] = cs.savedMinute;
@@ -386,21 +384,21 @@ void valueOf(RowTry &r, const DatePatternRow &row, const ZvChar *name, int64_t n
         const double h = f[kHour] == -1 ? 0.0 : static_cast<double>(f[kHour]);
         const double m = f[kMinute] == -1 ? 0.0 : static_cast<double>(f[kMinute]);
         const double s = f[kSecond] == -1 ? 0.0 : static_cast<double>(f[kSecond]);
-        time = (cs.fraction + cs.zoneOffset) + (h * 3600.0 + m * 60.0 + s);
+        time = (cs.fraction + cs.zoneOffset) + (h * kSecondsPerHour + m * 60.0 + s);
         hasTime = true;
     }
 
     if (row.kind[0] == u'D' && row.kind[1] == u'T' && row.kind[2] == u'E') {
         *outValue = date;
-        *kindOut = 1;
+        *kindOut = kReadDate;
     } else if (row.kind[0] == u'T') {
         *outValue = hasTime ? time : missingValue();
-        *kindOut = 2;
+        *kindOut = kReadTime;
     } else if (hasDate && hasTime) {
-        *outValue = date * 86400.0 + time;
-        *kindOut = 3;
+        *outValue = date * kSecondsPerDay + time;
+        *kindOut = kReadDatetime;
     } else {
-        *kindOut = 0;
+        *kindOut = kReadNothing;
     }
 }
 
@@ -499,12 +497,12 @@ int32_t readByPattern(const ZvChar *name, int64_t nameLength, const DatePatternR
 
     bool first = true;
     while (true) {
-        *kindOut = 0;
+        *kindOut = kReadNothing;
         if (!current) return kNoFormFits;
         if (nameLength != 0 && !sameText(name, nameLength, current->name)) return kNoFormFits;
         if (nameLength == 0 && !first) return kNoFormFits;
         first = false;
-        if (!current->pattern) return 1;
+        if (!current->pattern) return kRowWithoutPattern;
 
         RowTry r{};
         r.text = work;

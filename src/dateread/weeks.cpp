@@ -49,10 +49,8 @@ int64_t wholeCutoff(double value) {
 
 // The calendar year of the present day by the host's clock.
 int64_t presentYear() {
-    double clock[2] = {0.0, 0.0};
-    HostAnchor *anchor = hostAnchor;
-    if (anchor && anchor->ops && anchor->ops->readClock) anchor->ops->readClock(anchor, 16, clock, 0x10800000u);
-    const double days = std::floor((clock[0] - clock[1]) / 86400.0);
+    const HostClock clock = readHostClock();
+    const double days = std::floor((clock.value - clock.shift) / kSecondsPerDay);
     double year = 0, month = 0, day = 0;
     yearDayToYmd(&year, &month, &day, dayCountToYearDay(days));
     if (isMissing(year) || !(year >= 0 && year <= 1e6)) return -1;
@@ -68,12 +66,8 @@ int32_t readWeekEntry(FormatCall *call, const ZvChar *letter) {
     if (length <= 0) return ZV_UNREADABLE;
 
     int64_t cutoff = kWeekYearCutoff;
-    HostAnchor *anchor = hostAnchor;
-    if (anchor && anchor->ops && anchor->ops->readOption) {
-        int64_t value = 0;
-        int64_t size = 8;
-        if (anchor->ops->readOption(anchor, u"ZV_NAME_YEARCUTOFF", 18, 3, &value, &size) == 0) cutoff = value;
-    }
+    int64_t value = 0;
+    if (readYearCutoff(&value) == 0) cutoff = value;
     double *out = static_cast<double *>(call->output);
     *out = static_cast<double>(cutoff);
     return readWeekText(text, length, letter, out) == 0 ? ZV_OK : kNotAWeekText;
@@ -117,7 +111,8 @@ int32_t readWeekText(const ZvChar *text, int64_t length, const ZvChar *letter, d
     if (year.count == 0) yearNumber = presentYear();
 
     if (dayNumber == 0) dayNumber = 1;
-    const bool yearOk = (yearNumber >= 1582 && yearNumber <= 20000) || (yearNumber >= 0 && yearNumber < 100);
+    const bool yearOk = (yearNumber >= kFirstYear && yearNumber <= kLastYear) ||
+                        (yearNumber >= 0 && yearNumber <= kLastTwoDigitYear);
     if (!yearOk || weekNumber > 53 || dayNumber > 31) return kOutOfRange;
 
     const double jan1 = yearDayToDayCount(ymdToYearDay(static_cast<double>(yearNumber), 1, 1));

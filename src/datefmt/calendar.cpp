@@ -218,7 +218,16 @@ int32_t roundToUnit(double value, double unit, double *result) {
     return 0;
 }
 
+WeekMode weekModeOf(const ZvChar *letter) {
+    const ZvChar c = letter ? letter[0] : 0;
+    return c == u'U' ? WeekMode::U : c == u'W' ? WeekMode::W : WeekMode::V;
+}
+
 int32_t weekOfDate(double dayCount, const ZvChar *mode, double *year, double *week, double *dayNumber) {
+    return weekOfDate(dayCount, weekModeOf(mode), year, week, dayNumber);
+}
+
+int32_t weekOfDate(double dayCount, WeekMode mode, double *year, double *week, double *dayNumber) {
     double y, m, d;
     yearDayToYmd(&y, &m, &d, dayCountToYearDay(dayCount));
     const double weekday = weekdayOf(dayCount);
@@ -229,16 +238,19 @@ int32_t weekOfDate(double dayCount, const ZvChar *mode, double *year, double *we
     const int64_t yy = static_cast<int64_t>(y);
     const int mm = static_cast<int>(m), dd = static_cast<int>(d);
     const int wd = static_cast<int>(weekday); // 1 Sunday .. 7 Saturday
+    // Days since 1 January. Leap years here follow the plain Gregorian rule,
+    // not leapFigure: in a year that 4000 divides, n runs one ahead from March
+    // on, as strftime and the ISO 8601 week tools count the days, so that week
+    // numbers and week years agree with theirs in every year of the range.
     int64_t n = 31 * (mm - 1) + dd - 1;
     if (mm >= 3) n -= static_cast<int64_t>(0.4 * mm + 2.3) - (plainLeap(yy) ? 1 : 0);
 
-    const ZvChar kind = mode ? mode[0] : u'V';
     const int isoDay = wd == 1 ? 7 : wd - 1;
-    if (kind == u'U') {
+    if (mode == WeekMode::U) {
         *year = y;
         *week = std::floor((n + 8.0 - wd) / 7.0);
         *dayNumber = wd;
-    } else if (kind == u'W') {
+    } else if (mode == WeekMode::W) {
         *year = y;
         *week = std::floor((n + 7.0 - ((wd + 5) % 7)) / 7.0);
         *dayNumber = isoDay;

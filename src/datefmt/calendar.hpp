@@ -59,7 +59,17 @@ double secondOf(double seconds);
 double timeOfDay(double seconds);
 int32_t writeSignedField(int value, ZvChar *field, int width);
 int32_t roundToUnit(double value, double unit, double *result);
-// mode: a wide text whose first unit is U, V or W.
+// The three conventions of weeks, by the letters that name them.
+enum class WeekMode : ZvChar {
+    U = u'U', // from the year's first Sunday, days before it in week 0; Sunday is day 1
+    V = u'V', // ISO 8601: the week of the first Thursday is week 1; Monday is day 1
+    W = u'W', // from the year's first Monday, days before it in week 0; Monday is day 1
+};
+// The mode that a wide text names by its first unit; V for any other.
+WeekMode weekModeOf(const ZvChar *letter);
+
+int32_t weekOfDate(double dayCount, WeekMode mode, double *year, double *week, double *dayNumber);
+// The same with the mode as a wide text whose first unit is U, V or W.
 int32_t weekOfDate(double dayCount, const ZvChar *mode, double *year, double *week, double *dayNumber);
 
 } // namespace zv

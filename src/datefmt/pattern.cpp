@@ -316,13 +316,13 @@ void putYear(Walk &w, const Directive &d) {
 // The year of the week date, as the year is written.
 void putWeekYear(Walk &w, const Directive &d) {
     double y, week, n;
-    weekOfDate(w.f.day, u"V", &y, &week, &n);
+    weekOfDate(w.f.day, WeekMode::V, &y, &week, &n);
     const int64_t wy = isMissing(y) ? w.f.year : wholeOf(y);
     if (!d.lower) w.out.digits((wy / 100) % 100, 2, u'0');
     w.out.digits(wy % 100, 2, u'0');
 }
 
-void putWeek(Walk &w, const Directive &d, const ZvChar *mode) {
+void putWeek(Walk &w, const Directive &d, WeekMode mode) {
     double y, week, n;
     weekOfDate(w.f.day, mode, &y, &week, &n);
     w.out.digits(isMissing(week) ? 0 : wholeOf(week), 2, d.pad);
@@ -392,11 +392,11 @@ bool writeDirective(Walk &w, const Directive &d) {
         else out.digits(sundayWeek(f), 2, pad);
         break;
     case u'V':
-        if (!d.lower) putWeek(w, d, u"V");
+        if (!d.lower) putWeek(w, d, WeekMode::V);
         break;
     case u'W':
         if (d.lower) out.digits(f.weekday, 1, pad);
-        else putWeek(w, d, u"W");
+        else putWeek(w, d, WeekMode::W);
         break;
     case u'Y': putYear(w, d); break;
     case u'Z':

@@ -15,7 +15,7 @@ namespace zv {
 
 // The week date in a field of *fieldWidth units, from the left: WW, W WW,
 // YY W WW, YY W WW DD, CC YY W WW DD, or CC YY - W WW - DD from 11 on.
-int32_t writeWeekDate(ZvChar *output, int *fieldWidth, const ZvChar *mode, double dayCount) {
+int32_t writeWeekDate(ZvChar *output, int *fieldWidth, WeekMode mode, double dayCount) {
     double y, w, n;
     weekOfDate(dayCount, mode, &y, &w, &n);
     if (isMissing(y)) return 1;
@@ -89,7 +89,7 @@ bool openWeek(FormatCall *call, double *day, int32_t *status) {
     return true;
 }
 
-int32_t weekFormat(FormatCall *call, const ZvChar *mode) {
+int32_t weekFormat(FormatCall *call, WeekMode mode) {
     double day;
     int32_t status = 0;
     if (!openWeek(call, &day, &status)) return status;
@@ -138,9 +138,9 @@ int32_t shortWeekFormat(FormatCall *call, const ZvChar *yearDirective, const ZvC
 
 } // namespace
 
-int32_t writeWeekU(FormatCall *call, void *) { return weekFormat(call, u"U"); }
-int32_t writeWeekV(FormatCall *call, void *) { return weekFormat(call, u"V"); }
-int32_t writeWeekW(FormatCall *call, void *) { return weekFormat(call, u"W"); }
+int32_t writeWeekU(FormatCall *call, void *) { return weekFormat(call, WeekMode::U); }
+int32_t writeWeekV(FormatCall *call, void *) { return weekFormat(call, WeekMode::V); }
+int32_t writeWeekW(FormatCall *call, void *) { return weekFormat(call, WeekMode::W); }
 int32_t writeYyWeekU(FormatCall *call, void *) { return shortWeekFormat(call, u"%Y", u"%U"); }
 int32_t writeYyWeekV(FormatCall *call, void *) { return shortWeekFormat(call, u"%G", u"%V"); }
 int32_t writeYyWeekW(FormatCall *call, void *) { return shortWeekFormat(call, u"%Y", u"%W"); }

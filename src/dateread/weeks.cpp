@@ -57,7 +57,7 @@ int64_t presentYear() {
     return static_cast<int64_t>(year);
 }
 
-int32_t readWeekEntry(FormatCall *call, const ZvChar *letter) {
+int32_t readWeekEntry(FormatCall *call, WeekMode mode) {
     int64_t length = call->inputLength;
     if (call->fieldLimit < length) length = call->fieldLimit;
     const ZvChar *text = static_cast<const ZvChar *>(call->input);
@@ -70,12 +70,16 @@ int32_t readWeekEntry(FormatCall *call, const ZvChar *letter) {
     if (readYearCutoff(&value) == 0) cutoff = value;
     double *out = static_cast<double *>(call->output);
     *out = static_cast<double>(cutoff);
-    return readWeekText(text, length, letter, out) == 0 ? ZV_OK : kNotAWeekText;
+    return readWeekText(text, length, mode, out) == 0 ? ZV_OK : kNotAWeekText;
 }
 
 } // namespace
 
 int32_t readWeekText(const ZvChar *text, int64_t length, const ZvChar *letter, double *cutoffInOut) {
+    return readWeekText(text, length, weekModeOf(letter), cutoffInOut);
+}
+
+int32_t readWeekText(const ZvChar *text, int64_t length, WeekMode mode, double *cutoffInOut) {
     if (!text || length < 0) length = 0;
     Part year, week, extraWeek, day;
     int weeksMet = 0;
@@ -120,15 +124,15 @@ int32_t readWeekText(const ZvChar *text, int64_t length, const ZvChar *letter, d
     const int64_t wd = static_cast<int64_t>(weekdayOf(jan1));
     int64_t shifted = weekNumber;
     int64_t base = 2;
-    switch (letter ? letter[0] : 0) {
-    case u'U':
+    switch (mode) {
+    case WeekMode::U:
         if (wd == 1) shifted = weekNumber - 1;
         base = 1;
         break;
-    case u'W':
+    case WeekMode::W:
         if (wd == 1 || wd == 2) shifted = weekNumber - 1;
         break;
-    default: // V
+    case WeekMode::V:
         if (!(wd == 6 || wd == 7)) shifted = weekNumber - 1;
         break;
     }
@@ -141,8 +145,8 @@ int32_t readWeekText(const ZvChar *text, int64_t length, const ZvChar *letter, d
     return 0;
 }
 
-int32_t readWeekU(FormatCall *call, void *) { return readWeekEntry(call, u"U"); }
-int32_t readWeekV(FormatCall *call, void *) { return readWeekEntry(call, u"V"); }
-int32_t readWeekW(FormatCall *call, void *) { return readWeekEntry(call, u"W"); }
+int32_t readWeekU(FormatCall *call, void *) { return readWeekEntry(call, WeekMode::U); }
+int32_t readWeekV(FormatCall *call, void *) { return readWeekEntry(call, WeekMode::V); }
+int32_t readWeekW(FormatCall *call, void *) { return readWeekEntry(call, WeekMode::W); }
 
 } // namespace zv

@@ -7,6 +7,7 @@
 #include "dateread/dateread.hpp"
 #include "frame/frame.hpp"
 #include "locale/block.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -40,8 +41,6 @@ bool holds(const ZvChar *pattern, ZvChar a, ZvChar b) {
     return false;
 }
 
-bool isAsciiDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
-bool isAsciiLetter(ZvChar c) { return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'); }
 bool isRunStop(ZvChar c) {
     return c == u' ' || isAsciiDigit(c) || c == u',' || c == u'.';
 }

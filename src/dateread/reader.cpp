@@ -6,6 +6,7 @@
 #include "dateread/dateread.hpp"
 #include "frame/frame.hpp"
 #include "locale/block.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -95,8 +96,6 @@ bool sameFolded(const ZvChar *a, const ZvChar *b, int64_t n) {
         if (x[i] != y[i]) return false;
     return true;
 }
-
-bool isAsciiDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
 
 struct Reader {
     const LocaleBlock *block;

@@ -6,6 +6,7 @@
 #include "datefmt/calendar.hpp"
 #include "dateread/weekread.hpp"
 #include "frame/frame.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -15,8 +16,6 @@ namespace {
 constexpr int32_t kNotAWeekText = static_cast<int32_t>(0x80000000u);
 constexpr int32_t kNotDigits = -1;
 constexpr int32_t kOutOfRange = 1;
-
-bool isAsciiDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
 
 // The first characters of one part of the text, ended by a zero, with the
 // count of all characters that went to it.

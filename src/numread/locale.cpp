@@ -7,6 +7,7 @@
 #include "locale/block.hpp"
 #include "numread/numread.hpp"
 #include "numread/work.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -21,8 +22,6 @@ int64_t symbolLength(const NumberContext &context) {
     while (n < 52 && context.symbol[n]) ++n;
     return n;
 }
-
-bool isAsciiDigit(ZvChar u) { return u >= u'0' && u <= u'9'; }
 
 // The reader's own copy of the text, at most kReadUnits units.
 struct ReadText {

@@ -17,6 +17,9 @@ namespace zv {
 namespace {
 
 constexpr int kClockUnits = 40;
+constexpr int kClockMaxDecimals = 39;
+// More decimals than this change nothing in the half unit of the rounding.
+constexpr int kRoundedDecimals = 30;
 // Places of the seconds: the most a 40-unit clock shows (hour of one digit,
 // minutes, seconds, two colons and the point take the other 8 units).
 constexpr int kMaxPlaces = kClockUnits - 8;
@@ -33,7 +36,7 @@ int32_t clockLimits(const FormatCall *call) {
     if (call->width < 2) return ZV_WIDTH_TOO_SMALL;
     if (call->width > kClockUnits) return ZV_WIDTH_TOO_LARGE;
     if (call->decimals < 0) return ZV_DECIMALS_TOO_SMALL;
-    if (call->decimals > 39) return ZV_DECIMALS_TOO_LARGE;
+    if (call->decimals > kClockMaxDecimals) return ZV_DECIMALS_TOO_LARGE;
     return 0;
 }
 
@@ -92,7 +95,7 @@ int32_t writeClock(FormatCall *call) {
     int32_t opened;
     if (!openClock(call, &v, &opened)) return opened;
 
-    const int d = call->decimals < 0 ? 0 : (call->decimals > 30 ? 30 : call->decimals);
+    const int d = call->decimals < 0 ? 0 : (call->decimals > kRoundedDecimals ? kRoundedDecimals : call->decimals);
     const double half = 5.0 / std::pow(10.0, d + 1) + 0.00000001;
     int hourCarry = 0, minuteCarry = 0;
     const double inHour = std::fmod(v, kSecondsPerHour);
@@ -236,7 +239,7 @@ int32_t timeFormat(FormatCall *call, bool amPm) {
     if (!ensureLocaleBlock(call, instance)) return 0;
     if (call->decimals < 0) return 0;
 
-    const LocaleItem &item = call->localeBlock->items[amPm ? 52 : 53];
+    const LocaleItem &item = call->localeBlock->items[amPm ? kItemTimeAmPm : kItemTime];
     const DateCall d{call, instance, folded, ValueKind::Time};
     for (int k = call->decimals; k >= 0; --k) {
         int w = call->width;

@@ -101,18 +101,27 @@ void restoreField(FormatCall *call, SavedField saved) {
     call->outputCapacity = saved.capacity;
 }
 
+// The zone text that the engine wrote in front of `end`: the last units of
+// the pattern's text, blanks for places outside the field.
+void zoneTextBefore(const FormatCall *call, int64_t end, ZvChar *zone) {
+    const auto *out = static_cast<const ZvChar *>(call->output);
+    fillWide(zone, u' ', kZoneUnits);
+    for (int i = 0; i < kZoneUnits; ++i) {
+        const int64_t at = end - kZoneUnits + i;
+        if (out && at >= 0 && at < fieldUnits(call)) zone[i] = out[at];
+    }
+}
+
 int32_t datetimeWithZone(FormatCall *call, void *opaque, int first, int second, ZvWideEntry narrower) {
     DateCall d;
     int32_t status = 0;
     int fieldWidth = 0;
     if (answeredByPattern(call, &d, first, second, true, &fieldWidth, &status)) return status;
 
-    ZvChar zone[kZoneUnits];
+    // Nothing fitted: the zone is taken from behind the text of the last try.
     const auto *out = static_cast<const ZvChar *>(call->output);
-    const int64_t textEnd = out ? lengthWithoutTrailingBlanks(out, fieldUnits(call)) : 0;
-    fillWide(zone, u' ', kZoneUnits);
-    for (int i = 0; i < kZoneUnits; ++i)
-        if (textEnd - kZoneUnits + i >= 0) zone[i] = out[textEnd - kZoneUnits + i];
+    ZvChar zone[kZoneUnits];
+    zoneTextBefore(call, out ? lengthWithoutTrailingBlanks(out, fieldUnits(call)) : 0, zone);
 
     const SavedField saved = narrowForZone(call, true);
     status = narrower(call, opaque);
@@ -133,13 +142,9 @@ int32_t clockWithZone(FormatCall *call, bool zone) {
     int fieldWidth = 0;
     if (answeredByPattern(call, &d, kItemTime, kNoSecondItem, zone, &fieldWidth, &status)) return status;
 
+    // The zone stands at the end of the last try's field.
     ZvChar zoneText[kZoneUnits];
-    const auto *out = static_cast<const ZvChar *>(call->output);
-    fillWide(zoneText, u' ', kZoneUnits);
-    for (int i = 0; i < kZoneUnits; ++i) {
-        const int64_t at = int64_t(fieldWidth) - kZoneUnits + i;
-        if (out && at >= 0 && at < fieldUnits(call)) zoneText[i] = out[at];
-    }
+    zoneTextBefore(call, fieldWidth, zoneText);
 
     const SavedField saved = narrowForZone(call, zone);
     HostLocale *locale = call->locale;

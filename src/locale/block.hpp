@@ -14,34 +14,22 @@ enum LocaleItemId : int {
     kItemLanguage = 2,
     kItemCalendar = 5,
     kItemDateOrder = 6,
-    // %-patterns; the second of a pair is tried when the first doesn't fit.
-    kItemDate = 28, // what %x stands for
-    kItemDateSecond = 29,
-    kItemDateMedium = 30,
-    kItemDateLong = 31,
-    kItemDateWeekday = 32,
-    kItemDateWeekdaySecond = 33,
-    kItemYearMonth = 34,
-    kItemYearMonthSecond = 35,
-    kItemMonthDay = 36,
-    kItemMonthDaySecond = 37,
-    kItemYear = 38,
-    kItemYearSecond = 39,
-    kItemYearQuarter = 40,
-    kItemYearQuarterSecond = 41,
-    kItemYearWeek = 42,
-    kItemYearWeekSecond = 43,
-    kItemDatetimeAmPm = 44,
-    kItemDatetimeAmPmSecond = 45,
-    kItemDatetime = 46,
-    kItemDatetimeSecond = 47,
-    kItemDatetimeMedium = 48,
-    kItemDatetimeLong = 49,
-    kItemDatetimeWeekday = 50,
-    kItemDatetimeWeekdaySecond = 51,
-    kItemTimeAmPm = 52,
-    kItemTime = 53, // what %X stands for
-    kItemDateBeforeTime = 58,
+    // %-patterns; one named ...Second is the second choice, tried when the
+    // first does not fit.
+    kItemDate = 28, kItemDateSecond = 29, // the first is what %x stands for
+    kItemDateMedium = 30, kItemDateLong = 31,
+    kItemDateWeekday = 32, kItemDateWeekdaySecond = 33,
+    kItemYearMonth = 34, kItemYearMonthSecond = 35,
+    kItemMonthDay = 36, kItemMonthDaySecond = 37,
+    kItemYear = 38, kItemYearSecond = 39,
+    kItemYearQuarter = 40, kItemYearQuarterSecond = 41,
+    kItemYearWeek = 42, kItemYearWeekSecond = 43,
+    kItemDatetimeAmPm = 44, kItemDatetimeAmPmSecond = 45,
+    kItemDatetime = 46, kItemDatetimeSecond = 47,
+    kItemDatetimeMedium = 48, kItemDatetimeLong = 49,
+    kItemDatetimeWeekday = 50, kItemDatetimeWeekdaySecond = 51,
+    kItemTimeAmPm = 52, kItemTime = 53, // the second is what %X stands for
+    kItemDateBeforeTime = 58, // starts with %x when the date goes before the time
     // Lists of names, each as long as its count below.
     kItemMonthAbbr = 59,
     kItemMonthFull = 71,

@@ -15,6 +15,11 @@ namespace zv {
 namespace {
 
 constexpr int kNormalisedRoom = 64;
+// A run of digits shorter than this may be padded; the day-month-year rows
+// take eight characters apart.
+constexpr int kShortDigitRun = 8;
+// Characters more that a row reading seconds admits, for their fraction.
+constexpr int64_t kSecondsRoom = 10;
 constexpr int kMaxCountedDigits = 19;
 
 const ZvChar kWeekdayWords[] = u"SUN MON TUE WED THU FRI SAT ";
@@ -401,6 +406,86 @@ void valueOf(RowTry &r, const DatePatternRow &row, const ZvChar *name, int64_t n
     }
 }
 
+// The text the rows read: with `normalise` a cleaned copy of its first
+// kNormalisedRoom characters; for the day-month-year names an odd count of
+// digits led by "0".
+struct RowText {
+    ZvChar normalised[kNormalisedRoom];
+    ZvChar padded[kShortDigitRun + 1];
+    const ZvChar *text = nullptr;
+    int64_t length = 0;
+};
+
+void takeText(RowText &t, const ZvChar *text, int64_t textLength, bool normalise) {
+    t.text = text;
+    t.length = textLength;
+    if (!normalise) return;
+    t.length = textLength < kNormalisedRoom ? textLength : kNormalisedRoom;
+    for (int64_t i = 0; i < t.length; ++i) t.normalised[i] = text[i];
+    t.length = cleanDateText(t.normalised, t.length);
+    t.text = t.normalised;
+}
+
+// Digits throughout, once a "T" at the ninth place, a closing "Z" and the
+// sign of a zone are taken for digits: the basic ISO forms and plain runs.
+bool allDigitsOf(const ZvChar *text, int64_t length) {
+    for (int64_t i = 0; i < length; ++i) {
+        ZvChar c = text[i];
+        if (i == 8 && c == u'T' && length > 9) c = u'0';
+        if (i == length - 1 && c == u'Z') c = u'0';
+        if ((length == 11 || length == 20) && i == length - 5 && (c == u'-' || c == u'+')) c = u'0';
+        if (!isAsciiDigit(c)) return false;
+    }
+    return true;
+}
+
+bool isDayMonthYearName(const ZvChar *name, int64_t nameLength) {
+    return nameLength == 6 &&
+           (sameText(name, 6, u"YYMMDD") || sameText(name, 6, u"DDMMYY") || sameText(name, 6, u"MMDDYY"));
+}
+
+// A short run of an odd count of digits reads as if a "0" led it: 12345 as
+// 012345.
+void padOddDigits(RowText &t) {
+    int64_t a = 0, b = t.length;
+    while (a < b && t.text[a] == u' ') ++a;
+    while (b > a && t.text[b - 1] == u' ') --b;
+    bool digits = true;
+    for (int64_t i = a; i < b; ++i) digits = digits && isAsciiDigit(t.text[i]);
+    if (!(b - a < kShortDigitRun && digits && (b - a) % 2 == 1)) return;
+    t.padded[0] = u'0';
+    for (int64_t i = a; i < b; ++i) t.padded[1 + i - a] = t.text[i];
+    t.text = t.padded;
+    t.length = 1 + b - a;
+}
+
+// The first row of the name whose widths admit the text, seconds allowing
+// for kSecondsRoom more. Eight characters that are not all digits skip a
+// day-month-year row without separators.
+const DatePatternRow *firstRow(const ZvChar *name, int64_t nameLength, int64_t length, bool allDigits,
+                               bool dayMonthYear) {
+    for (int i = 0; i < kDatePatternRowCount; ++i) {
+        const DatePatternRow &r = datePatternTable[i];
+        if (!sameText(name, nameLength, r.name)) continue;
+        const int64_t extra = holds(r.pattern, u'%', u'S') ? kSecondsRoom : 0;
+        if (length < static_cast<int64_t>(r.minWidth) || length > static_cast<int64_t>(r.maxWidth) + extra)
+            continue;
+        if (dayMonthYear && length == kShortDigitRun && !allDigits && !holds(r.pattern, u'%', u'c') &&
+            i + 1 < kDatePatternRowCount)
+            return &datePatternTable[i + 1];
+        return &r;
+    }
+    return nullptr;
+}
+
+// The row behind `r` in the table; null behind the last one and for a row
+// that is not the table's own.
+const DatePatternRow *nextRow(const DatePatternRow *r) {
+    for (int64_t i = 0; i + 1 < kDatePatternRowCount; ++i)
+        if (datePatternTable + i == r) return &datePatternTable[i + 1];
+    return nullptr;
+}
+
 } // namespace
 
 int64_t cleanDateText(ZvChar *text, int64_t length) {
@@ -427,85 +512,30 @@ int32_t readByPattern(const ZvChar *name, int64_t nameLength, const DatePatternR
     if (textLength < 0 || !text) textLength = 0;
     if (nameLength < 0 || !name) nameLength = 0;
 
-    ZvChar normalised[kNormalisedRoom];
-    const ZvChar *work = text;
-    int64_t length = textLength;
-    if (normalise) {
-        length = textLength < kNormalisedRoom ? textLength : kNormalisedRoom;
-        for (int64_t i = 0; i < length; ++i) normalised[i] = text[i];
-        length = cleanDateText(normalised, length);
-        work = normalised;
-    }
-
+    RowText t;
+    takeText(t, text, textLength, normalise != 0);
     CallState state;
-    // Digits throughout, once a "T" at the ninth place, a closing "Z" and
-    // the sign of a zone are taken for digits.
-    state.allDigits = true;
-    for (int64_t i = 0; i < length; ++i) {
-        ZvChar c = work[i];
-        if (i == 8 && c == u'T' && length > 9) c = u'0';
-        if (i == length - 1 && c == u'Z') c = u'0';
-        if ((length == 11 || length == 20) && i == length - 5 && (c == u'-' || c == u'+')) c = u'0';
-        if (!isAsciiDigit(c)) {
-            state.allDigits = false;
-            break;
-        }
-    }
-
-    const bool dayMonthYearName = nameLength == 6 && (sameText(name, 6, u"YYMMDD") ||
-                                                      sameText(name, 6, u"DDMMYY") ||
-                                                      sameText(name, 6, u"MMDDYY"));
-    ZvChar padded[9];
-    if (dayMonthYearName) {
-        int64_t a = 0, b = length;
-        while (a < b && work[a] == u' ') ++a;
-        while (b > a && work[b - 1] == u' ') --b;
-        bool digits = true;
-        for (int64_t i = a; i < b; ++i) digits = digits && isAsciiDigit(work[i]);
-        if (b - a < 8 && digits && (b - a) % 2 == 1) {
-            padded[0] = u'0';
-            for (int64_t i = a; i < b; ++i) padded[1 + i - a] = work[i];
-            work = padded;
-            length = 1 + b - a;
-        }
-    }
-
-    const DatePatternRow *const table = datePatternTable;
-    auto indexOf = [&](const DatePatternRow *r) -> int64_t {
-        for (int64_t i = 0; i < kDatePatternRowCount; ++i)
-            if (table + i == r) return i;
-        return -1;
-    };
+    state.allDigits = allDigitsOf(t.text, t.length);
+    const bool dayMonthYear = isDayMonthYearName(name, nameLength);
+    if (dayMonthYear) padOddDigits(t);
 
     const DatePatternRow *current = row;
     if (!current) {
         if (nameLength == 0) return kNoFormFits;
-        for (int i = 0; i < kDatePatternRowCount && !current; ++i) {
-            const DatePatternRow &r = table[i];
-            if (!sameText(name, nameLength, r.name)) continue;
-            const int64_t extra = holds(r.pattern, u'%', u'S') ? 10 : 0;
-            if (length >= static_cast<int64_t>(r.minWidth) && length <= static_cast<int64_t>(r.maxWidth) + extra) {
-                current = &r;
-                if (dayMonthYearName && length == 8 && !state.allDigits && !holds(r.pattern, u'%', u'c') &&
-                    i + 1 < kDatePatternRowCount)
-                    current = &table[i + 1];
-            }
-        }
+        current = firstRow(name, nameLength, t.length, state.allDigits, dayMonthYear);
         if (!current) return kNoFormFits;
     }
-
-    bool first = true;
-    while (true) {
+    // The rows of the name from the first on; a row given alone is tried alone.
+    for (bool first = true;; first = false) {
         *kindOut = kReadNothing;
         if (!current) return kNoFormFits;
         if (nameLength != 0 && !sameText(name, nameLength, current->name)) return kNoFormFits;
         if (nameLength == 0 && !first) return kNoFormFits;
-        first = false;
         if (!current->pattern) return kRowWithoutPattern;
 
         RowTry r{};
-        r.text = work;
-        r.length = length;
+        r.text = t.text;
+        r.length = t.length;
         r.pos = 0;
         for (int64_t &f : r.field) f = -1;
         r.amPm = u' ';
@@ -516,8 +546,7 @@ int32_t readByPattern(const ZvChar *name, int64_t nameLength, const DatePatternR
             return 0;
         }
         *outValue = missingValue();
-        const int64_t at = indexOf(current);
-        current = at >= 0 && at + 1 < kDatePatternRowCount ? &table[at + 1] : nullptr;
+        current = nextRow(current);
     }
 }
 

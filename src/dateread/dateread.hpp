@@ -26,6 +26,13 @@ struct DatePatternRow {
 constexpr int kDatePatternRowCount = 148;
 extern const DatePatternRow datePatternTable[kDatePatternRowCount];
 
+// Characters more that a row reading seconds admits, for their fraction.
+constexpr int64_t kSecondsRoom = 10;
+// kSecondsRoom when the row's pattern reads seconds ("%S"), else 0.
+int64_t secondsRoomOf(const DatePatternRow &row);
+// Where the pair a, b first stands in a zero-ended pattern, or -1.
+int64_t firstPair(const ZvChar *pattern, ZvChar a, ZvChar b);
+
 // What a row of the table gave, in *kindOut of readByPattern.
 constexpr int32_t kReadNothing = 0;
 constexpr int32_t kReadDate = 1;     // a day count

@@ -18,8 +18,7 @@ constexpr int kNormalisedRoom = 64;
 // A run of digits shorter than this may be padded; the day-month-year rows
 // take eight characters apart.
 constexpr int kShortDigitRun = 8;
-// Characters more that a row reading seconds admits, for their fraction.
-constexpr int64_t kSecondsRoom = 10;
+
 constexpr int kMaxCountedDigits = 19;
 
 const ZvChar kWeekdayWords[] = u"SUN MON TUE WED THU FRI SAT ";
@@ -40,11 +39,6 @@ bool sameText(const ZvChar *a, int64_t aLength, const ZvChar *b) {
     return true;
 }
 
-bool holds(const ZvChar *pattern, ZvChar a, ZvChar b) {
-    for (int64_t i = 0; pattern && pattern[i] != 0 && pattern[i + 1] != 0; ++i)
-        if (pattern[i] == a && pattern[i + 1] == b) return true;
-    return false;
-}
 
 bool isRunStop(ZvChar c) {
     return c == u' ' || isAsciiDigit(c) || c == u',' || c == u'.';
@@ -459,18 +453,17 @@ void padOddDigits(RowText &t) {
     t.length = 1 + b - a;
 }
 
-// The first row of the name whose widths admit the text, seconds allowing
-// for kSecondsRoom more. Eight characters that are not all digits skip a
+// The first row of the name whose widths admit the text. Eight characters that are not all digits skip a
 // day-month-year row without separators.
 const DatePatternRow *firstRow(const ZvChar *name, int64_t nameLength, int64_t length, bool allDigits,
                                bool dayMonthYear) {
     for (int i = 0; i < kDatePatternRowCount; ++i) {
         const DatePatternRow &r = datePatternTable[i];
         if (!sameText(name, nameLength, r.name)) continue;
-        const int64_t extra = holds(r.pattern, u'%', u'S') ? kSecondsRoom : 0;
-        if (length < static_cast<int64_t>(r.minWidth) || length > static_cast<int64_t>(r.maxWidth) + extra)
+        if (length < static_cast<int64_t>(r.minWidth) ||
+            length > static_cast<int64_t>(r.maxWidth) + secondsRoomOf(r))
             continue;
-        if (dayMonthYear && length == kShortDigitRun && !allDigits && !holds(r.pattern, u'%', u'c') &&
+        if (dayMonthYear && length == kShortDigitRun && !allDigits && firstPair(r.pattern, u'%', u'c') < 0 &&
             i + 1 < kDatePatternRowCount)
             return &datePatternTable[i + 1];
         return &r;
@@ -487,6 +480,14 @@ const DatePatternRow *nextRow(const DatePatternRow *r) {
 }
 
 } // namespace
+
+int64_t firstPair(const ZvChar *pattern, ZvChar a, ZvChar b) {
+    for (int64_t i = 0; pattern && pattern[i] != 0 && pattern[i + 1] != 0; ++i)
+        if (pattern[i] == a && pattern[i + 1] == b) return i;
+    return -1;
+}
+
+int64_t secondsRoomOf(const DatePatternRow &row) { return firstPair(row.pattern, u'%', u'S') >= 0 ? kSecondsRoom : 0; }
 
 int64_t cleanDateText(ZvChar *text, int64_t length) {
     int64_t n = length;

@@ -170,12 +170,12 @@ double clockPart(double seconds) {
 double minuteOf(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
     const double y = std::trunc(std::fmod(clockPart(seconds), kSecondsPerHour));
-    return std::trunc(y / 60.0);
+    return std::trunc(y / kSecondsPerMinute);
 }
 
 double secondOf(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
-    return std::fmod(clockPart(seconds), 60.0);
+    return std::fmod(clockPart(seconds), kSecondsPerMinute);
 }
 
 double timeOfDay(double seconds) {

@@ -16,6 +16,7 @@ constexpr double kFirstDay = -138061.0;       // 1 January 1582
 constexpr double kDayLimit = 6589336.0;       // one past 31 December 20000
 constexpr double kSecondsPerDay = 86400.0;
 constexpr double kSecondsPerHour = 3600.0;
+constexpr double kSecondsPerMinute = 60.0;
 constexpr double kFirstSecond = kFirstDay * kSecondsPerDay; // -11928470400
 constexpr double kSecondLimit = kDayLimit * kSecondsPerDay; // 569318630400
 // A year-day code is year * kYearDayBase + day of the year, 1 January being 1.

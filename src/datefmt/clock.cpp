@@ -103,8 +103,8 @@ int32_t writeClock(FormatCall *call) {
         v -= inHour;
         hourCarry = 1;
     } else {
-        const double inMinute = std::fmod(v, 60.0);
-        if (inMinute + half >= 60.0) {
+        const double inMinute = std::fmod(v, kSecondsPerMinute);
+        if (inMinute + half >= kSecondsPerMinute) {
             v -= inMinute;
             minuteCarry = 1;
         }
@@ -176,7 +176,7 @@ int32_t writeClockAmPm(FormatCall *call) {
     else if (call->decimals == 1 && v - std::trunc(v) >= 0.95) v = std::floor(v + 0.000000000001) + 1;
     v = std::fmod(v, kSecondsPerDay);
     if (v < 0) v += kSecondsPerDay;
-    const int64_t h = static_cast<int64_t>(std::trunc(v)) / 3600;
+    const int64_t h = static_cast<int64_t>(std::trunc(v)) / static_cast<int64_t>(kSecondsPerHour);
     const bool pm = h >= 12;
     const int width = call->width;
     if (width < 5) {
@@ -184,8 +184,10 @@ int32_t writeClockAmPm(FormatCall *call) {
         putAt(call, width - 2, pm ? u"PM" : u"AM", 2);
         return 0;
     }
-    if (h > 12) v -= 43200;
-    else if (h == 0) v += 43200;
+    // The 12-hour clock: afternoon hours less twelve, midnight as 12.
+    constexpr double kHalfDay = kSecondsPerDay / 2;
+    if (h > 12) v -= kHalfDay;
+    else if (h == 0) v += kHalfDay;
 
     const void *input = call->input;
     call->input = &v;

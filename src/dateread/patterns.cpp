@@ -382,7 +382,7 @@ void valueOf(RowTry &r, const DatePatternRow &row, const ZvChar *name, int64_t n
         const double h = f[kHour] == -1 ? 0.0 : static_cast<double>(f[kHour]);
         const double m = f[kMinute] == -1 ? 0.0 : static_cast<double>(f[kMinute]);
         const double s = f[kSecond] == -1 ? 0.0 : static_cast<double>(f[kSecond]);
-        time = (cs.fraction + cs.zoneOffset) + (h * kSecondsPerHour + m * 60.0 + s);
+        time = (cs.fraction + cs.zoneOffset) + (h * kSecondsPerHour + m * kSecondsPerMinute + s);
         hasTime = true;
     }
 

@@ -16,6 +16,10 @@ namespace {
 constexpr int32_t kNotAWeekText = static_cast<int32_t>(0x80000000u);
 constexpr int32_t kNotDigits = -1;
 constexpr int32_t kOutOfRange = 1;
+constexpr int64_t kLastWeek = 53;
+constexpr int64_t kLastDayNumber = 31; // days beyond the week run into the next one
+// The cut-off that a cut-off of 0 stands for.
+constexpr int64_t kCutoffForZero = 1900;
 
 // The first characters of one part of the text, ended by a zero, with the
 // count of all characters that went to it.
@@ -40,7 +44,7 @@ int32_t twoDigits(const ZvChar *s) {
 
 // The cut-off as a whole number: 1900 for 0, else truncated.
 int64_t wholeCutoff(double value) {
-    if (std::isnan(value) || value == 0.0) return 1900;
+    if (std::isnan(value) || value == 0.0) return kCutoffForZero;
     if (value > 1e15) return static_cast<int64_t>(1e15);
     if (value < -1e15) return static_cast<int64_t>(-1e15);
     return static_cast<int64_t>(value);
@@ -116,7 +120,7 @@ int32_t readWeekText(const ZvChar *text, int64_t length, WeekMode mode, double *
     if (dayNumber == 0) dayNumber = 1;
     const bool yearOk = (yearNumber >= kFirstYear && yearNumber <= kLastYear) ||
                         (yearNumber >= 0 && yearNumber <= kLastTwoDigitYear);
-    if (!yearOk || weekNumber > 53 || dayNumber > 31) return kOutOfRange;
+    if (!yearOk || weekNumber > kLastWeek || dayNumber > kLastDayNumber) return kOutOfRange;
 
     const double jan1 = yearDayToDayCount(ymdToYearDay(static_cast<double>(yearNumber), 1, 1));
     if (isMissing(jan1)) return kOutOfRange;

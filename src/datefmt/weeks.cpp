@@ -145,12 +145,31 @@ int32_t writeYyWeekU(FormatCall *call, void *) { return shortWeekFormat(call, u"
 int32_t writeYyWeekV(FormatCall *call, void *) { return shortWeekFormat(call, u"%G", u"%V"); }
 int32_t writeYyWeekW(FormatCall *call, void *) { return shortWeekFormat(call, u"%Y", u"%W"); }
 
-int32_t writeDtWeekV(FormatCall *call, void *opaque) {
-    const double v = valueAt(call);
-    const int32_t w = call->width;
-    call->outputLength = w;
-    if (isMissing(v)) return missingMarkHeld(call);
+namespace {
 
+// The pieces of DTWEEKV by width: the first row whose width the field
+// reaches. Narrower fields show the week date alone.
+struct DtWeekPieces {
+    int fromWidth;
+    const ZvChar *timePattern;
+    int timeLength;
+    int weekWidth;
+};
+constexpr DtWeekPieces kDtWeekPieces[] = {
+    {20, u"%H:%M:%S", 8, 11},
+    {18, u"%H:%M:%S", 8, 9},
+    {15, u"%H:%M", 5, 9},
+    {12, u"%H", 2, 9},
+};
+
+const DtWeekPieces *dtWeekPiecesFor(int width) {
+    for (const DtWeekPieces &p : kDtWeekPieces)
+        if (width >= p.fromWidth) return &p;
+    return nullptr;
+}
+
+// The time of day, from 0 up to a day also before 1960, and the day it falls on.
+double splitDatetime(double v, double *day) {
     double t;
     if (v >= 0) {
         t = std::fmod(v, kSecondsPerDay);
@@ -158,41 +177,48 @@ int32_t writeDtWeekV(FormatCall *call, void *opaque) {
         const double r = std::fmod(-v, kSecondsPerDay);
         t = r == 0 ? 0 : kSecondsPerDay - r;
     }
-    const double day = (v - t) / kSecondsPerDay;
+    *day = (v - t) / kSecondsPerDay;
+    return t;
+}
+
+} // namespace
+
+int32_t writeDtWeekV(FormatCall *call, void *opaque) {
+    const double v = valueAt(call);
+    const int32_t w = call->width;
+    call->outputLength = w;
+    if (isMissing(v)) return missingMarkHeld(call);
+
+    double day;
+    const double t = splitDatetime(v, &day);
     fillField(call, u' ');
     const void *input = call->input;
     call->input = &day;
 
-    int32_t status = 0;
-    if (w < 12) {
-        status = writeWeekV(call, opaque);
+    const DtWeekPieces *pieces = dtWeekPiecesFor(w);
+    if (!pieces) {
+        const int32_t status = writeWeekV(call, opaque);
         call->input = input;
         return status;
     }
-    const ZvChar *timePattern = u"%H:%M:%S";
-    int timeLength = 8, weekWidth = 9;
-    if (w <= 14) timePattern = u"%H", timeLength = 2;
-    else if (w <= 17) timePattern = u"%H:%M", timeLength = 5;
-    else if (w >= 20) weekWidth = 11;
-
     if (!findInstance(call)) {
         call->input = input;
         return ZV_NO_INSTANCE;
     }
-    call->width = weekWidth;
+    call->width = pieces->weekWidth;
     if (writeWeekV(call, opaque) != 0 && call->output) {
         // A week text that fails stands as stars, and the time still follows.
         const int32_t saved = call->width;
         starFill(call);
         call->width = saved;
     }
-    putAt(call, weekWidth, u":", 1);
+    putAt(call, pieces->weekWidth, u":", 1);
     // The clock needs no names: it is written whether or not a block was built.
     ZvChar time[kPatternUnits];
-    int tw = timeLength;
-    const int32_t s = writeTimePattern(time, &tw, timePattern, wideLength(timePattern), t, 0,
+    int tw = pieces->timeLength;
+    const int32_t s = writeTimePattern(time, &tw, pieces->timePattern, wideLength(pieces->timePattern), t, 0,
                                        call->localeBlock);
-    if (s == kPatternFits || s == kPatternTooLong) putAt(call, weekWidth + 1, time, timeLength);
+    if (s == kPatternFits || s == kPatternTooLong) putAt(call, pieces->weekWidth + 1, time, pieces->timeLength);
     call->width = w;
     call->outputLength = w;
     call->input = input;

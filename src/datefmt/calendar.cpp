@@ -13,6 +13,22 @@ namespace {
 
 constexpr int kMonthDays[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
+// The calendar's own count of days at 1 January 1960: daysBefore and
+// dayCountToYearDay take it off so that this day is day 0.
+constexpr int64_t kDayCountShift = 715875;
+// A count of days that 7 divides with remainder 5, so that 1 January 1960, a
+// Friday, comes out as weekday 6 (Sunday being 1), and large enough that the
+// sum stays near or above 0 over the whole range.
+constexpr int64_t kWeekdayShift = 138052;
+
+constexpr const ZvChar *kYearCutoffOption = u"ZV_NAME_YEARCUTOFF";
+constexpr int64_t kYearCutoffOptionLength = 18;
+constexpr int32_t kOptionInteger = 3; // the host's type of a 64-bit integer option
+// What the host's readClock takes: the size of the record of two doubles
+// and the flags that ask for the clock value and its shift.
+constexpr int32_t kClockRecordSize = 2 * sizeof(double);
+constexpr uint32_t kClockFlags = 0x10800000u;
+
 bool refusedDay(double days) { return isMissing(days) || !(days >= kFirstDay && days < kDayLimit); }
 bool refusedSecond(double s) { return isMissing(s) || !(s >= kFirstSecond && s < kSecondLimit); }
 
@@ -25,11 +41,11 @@ bool plainLeap(int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
 bool splitCode(double code, int64_t *year, int64_t *dayOfYear) {
     if (isMissing(code) || !(code > 0) || code > kLastYearDay) return false;
     const int64_t c = static_cast<int64_t>(code);
-    int64_t y = c / 1000;
-    const int64_t d = c % 1000;
-    if (y >= 100 && y <= 1581) return false;
+    int64_t y = c / kYearDayBase;
+    const int64_t d = c % kYearDayBase;
+    if (y > kLastTwoDigitYear && y < kFirstYear) return false;
     if (d >= 367) return false;
-    if (y <= 99) y = settleTwoDigitYear(y, yearPivot(1950));
+    if (y <= kLastTwoDigitYear) y = settleTwoDigitYear(y, yearPivot(kCalendarYearPivot));
     if (d > 365 + leapFigure(y)) return false;
     *year = y;
     *dayOfYear = d;
@@ -47,7 +63,7 @@ int leapFigure(int64_t y) {
 
 int64_t daysBefore(int64_t y) {
     const int64_t c = y - 1;
-    return 365 * y + c / 4 - c / 4000 - c / 100 + (c / 100) / 4 - 715875;
+    return 365 * y + c / 4 - c / 4000 - c / 100 + (c / 100) / 4 - kDayCountShift;
 }
 
 int64_t settleTwoDigitYear(int64_t year, int64_t pivot) {
@@ -56,28 +72,40 @@ int64_t settleTwoDigitYear(int64_t year, int64_t pivot) {
     return year + p - r + (year < r ? 100 : 0);
 }
 
+int32_t readYearCutoff(int64_t *value) {
+    HostAnchor *anchor = hostAnchor;
+    if (!anchor || !anchor->ops || !anchor->ops->readOption) return 1;
+    int64_t size = sizeof *value;
+    return anchor->ops->readOption(anchor, kYearCutoffOption, kYearCutoffOptionLength, kOptionInteger, value,
+                                   &size);
+}
+
 int64_t yearPivot(int64_t fallback) {
     int64_t value = fallback;
-    HostAnchor *anchor = hostAnchor;
-    if (anchor && anchor->ops && anchor->ops->readOption) {
-        int64_t size = 8;
-        anchor->ops->readOption(anchor, u"ZV_NAME_YEARCUTOFF", 18, 3, &value, &size);
-    }
+    readYearCutoff(&value); // unset leaves the fallback
     return value;
+}
+
+HostClock readHostClock() {
+    double clock[2] = {0.0, 0.0};
+    HostAnchor *anchor = hostAnchor;
+    if (anchor && anchor->ops && anchor->ops->readClock)
+        anchor->ops->readClock(anchor, kClockRecordSize, clock, kClockFlags);
+    return HostClock{clock[0], clock[1]};
 }
 
 double ymdToYearDay(double year, double month, double day) {
     if (!(month >= 1 && month <= 12) || !(day >= 1 && day <= 31) || !(year >= 0)) return missingValue();
-    if (year > 99 && !(year >= 1582 && year <= 20000)) return missingValue();
+    if (year > kLastTwoDigitYear && !(year >= kFirstYear && year <= kLastYear)) return missingValue();
     int64_t y = static_cast<int64_t>(year);
     const int m = static_cast<int>(month);
     const int d = static_cast<int>(day);
-    if (y <= 99) y = settleTwoDigitYear(y, yearPivot(1950));
-    if (y < 1582 || y > 20000) return missingValue();
+    if (y <= kLastTwoDigitYear) y = settleTwoDigitYear(y, yearPivot(kCalendarYearPivot));
+    if (y < kFirstYear || y > kLastYear) return missingValue();
     if (d > monthLength(m, y)) return missingValue();
     int64_t before = 0;
     for (int k = 1; k < m; ++k) before += monthLength(k, y);
-    return static_cast<double>(y * 1000 + before + d);
+    return static_cast<double>(y * kYearDayBase + before + d);
 }
 
 double yearDayToDayCount(double code) {
@@ -104,55 +132,57 @@ double dayCountToYearDay(double days) {
     if (isMissing(days)) return days;
     if (refusedDay(days)) return missingValue();
     const int64_t f = static_cast<int64_t>(std::floor(days));
-    const int64_t n = f + 715875;
+    // Days in 4, 100, 400 and 4000 years, each with its leap days.
+    const int64_t n = f + kDayCountShift;
     const int64_t year = (n - n / 1461 + n / 36525 - n / 146100 + n / 1461000 - 1) / 365;
-    return static_cast<double>(year * 1000 + f - daysBefore(year));
+    return static_cast<double>(year * kYearDayBase + f - daysBefore(year));
 }
 
 double weekdayOf(double days) {
     if (refusedDay(days)) return missingValue();
     // The whole day that holds the value, as the date itself takes it: -0.5 is
     // still 31 December 1959.
-    const int64_t t = 138052 + static_cast<int64_t>(std::floor(days));
+    const int64_t t = kWeekdayShift + static_cast<int64_t>(std::floor(days));
     return static_cast<double>(((t % 7) + 7) % 7 + 1);
 }
 
 double dayOf(double seconds) {
     if (isMissing(seconds)) return seconds;
     if (refusedSecond(seconds)) return missingValue();
-    return std::trunc((11928470400.0 + seconds) / 86400.0) - 138061.0;
+    return std::trunc((seconds - kFirstSecond) / kSecondsPerDay) + kFirstDay;
 }
 
 double hourOf(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
-    double x = std::fmod(seconds, 86400.0);
-    if (x < 0) x += 86400.0;
-    return std::trunc(x / 3600.0);
+    double x = std::fmod(seconds, kSecondsPerDay);
+    if (x < 0) x += kSecondsPerDay;
+    return std::trunc(x / kSecondsPerHour);
 }
 
 namespace {
 double clockPart(double seconds) {
-    double x = std::fmod(seconds, 86400.0);
-    if (seconds < 0) x = 86400.0 - std::fabs(x);
+    double x = std::fmod(seconds, kSecondsPerDay);
+    if (seconds < 0) x = kSecondsPerDay - std::fabs(x);
     return x;
 }
 } // namespace
 
 double minuteOf(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
-    const double y = std::trunc(std::fmod(clockPart(seconds), 3600.0));
-    return std::trunc(y / 60.0);
+    const double y = std::trunc(std::fmod(clockPart(seconds), kSecondsPerHour));
+    return std::trunc(y / kSecondsPerMinute);
 }
 
 double secondOf(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
-    return std::fmod(clockPart(seconds), 60.0);
+    return std::fmod(clockPart(seconds), kSecondsPerMinute);
 }
 
 double timeOfDay(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
-    if (seconds <= 0) seconds += 11928470400.0;
-    return std::fmod(seconds, 86400.0);
+    // Whole days from 1582 on make it positive and keep the time of day.
+    if (seconds <= 0) seconds -= kFirstSecond;
+    return std::fmod(seconds, kSecondsPerDay);
 }
 
 int32_t writeSignedField(int value, ZvChar *field, int width) {
@@ -188,7 +218,16 @@ int32_t roundToUnit(double value, double unit, double *result) {
     return 0;
 }
 
+WeekMode weekModeOf(const ZvChar *letter) {
+    const ZvChar c = letter ? letter[0] : 0;
+    return c == u'U' ? WeekMode::U : c == u'W' ? WeekMode::W : WeekMode::V;
+}
+
 int32_t weekOfDate(double dayCount, const ZvChar *mode, double *year, double *week, double *dayNumber) {
+    return weekOfDate(dayCount, weekModeOf(mode), year, week, dayNumber);
+}
+
+int32_t weekOfDate(double dayCount, WeekMode mode, double *year, double *week, double *dayNumber) {
     double y, m, d;
     yearDayToYmd(&y, &m, &d, dayCountToYearDay(dayCount));
     const double weekday = weekdayOf(dayCount);
@@ -199,16 +238,19 @@ int32_t weekOfDate(double dayCount, const ZvChar *mode, double *year, double *we
     const int64_t yy = static_cast<int64_t>(y);
     const int mm = static_cast<int>(m), dd = static_cast<int>(d);
     const int wd = static_cast<int>(weekday); // 1 Sunday .. 7 Saturday
+    // Days since 1 January. Leap years here follow the plain Gregorian rule,
+    // not leapFigure: in a year that 4000 divides, n runs one ahead from March
+    // on, as strftime and the ISO 8601 week tools count the days, so that week
+    // numbers and week years agree with theirs in every year of the range.
     int64_t n = 31 * (mm - 1) + dd - 1;
     if (mm >= 3) n -= static_cast<int64_t>(0.4 * mm + 2.3) - (plainLeap(yy) ? 1 : 0);
 
-    const ZvChar kind = mode ? mode[0] : u'V';
     const int isoDay = wd == 1 ? 7 : wd - 1;
-    if (kind == u'U') {
+    if (mode == WeekMode::U) {
         *year = y;
         *week = std::floor((n + 8.0 - wd) / 7.0);
         *dayNumber = wd;
-    } else if (kind == u'W') {
+    } else if (mode == WeekMode::W) {
         *year = y;
         *week = std::floor((n + 7.0 - ((wd + 5) % 7)) / 7.0);
         *dayNumber = isoDay;

@@ -10,11 +10,22 @@
 
 namespace zv {
 
+constexpr int64_t kFirstYear = 1582;
+constexpr int64_t kLastYear = 20000;
 constexpr double kFirstDay = -138061.0;       // 1 January 1582
 constexpr double kDayLimit = 6589336.0;       // one past 31 December 20000
-constexpr double kFirstSecond = -11928470400.0;
-constexpr double kSecondLimit = 569318630400.0;
-constexpr double kLastYearDay = 20000365.0;
+constexpr double kSecondsPerDay = 86400.0;
+constexpr double kSecondsPerHour = 3600.0;
+constexpr double kSecondsPerMinute = 60.0;
+constexpr double kFirstSecond = kFirstDay * kSecondsPerDay; // -11928470400
+constexpr double kSecondLimit = kDayLimit * kSecondsPerDay; // 569318630400
+// A year-day code is year * kYearDayBase + day of the year, 1 January being 1.
+constexpr int64_t kYearDayBase = 1000;
+constexpr double kLastYearDay = 20000365.0;   // 31 December 20000
+// Years up to this one are two-digit years, settled by the pivot.
+constexpr int64_t kLastTwoDigitYear = 99;
+// The calendar's pivot of two-digit years when the host sets none.
+constexpr int64_t kCalendarYearPivot = 1950;
 
 // Days in years before `year`, counted so that 1 January 1960 is day 0.
 int64_t daysBefore(int64_t year);
@@ -25,6 +36,17 @@ int leapFigure(int64_t year);
 int64_t settleTwoDigitYear(int64_t year, int64_t pivot);
 // The host's ZV_NAME_YEARCUTOFF, or `fallback` when it isn't set.
 int64_t yearPivot(int64_t fallback);
+// The host's ZV_NAME_YEARCUTOFF into *value: 0, or nonzero when it isn't set
+// (or there is no host), *value then as it was.
+int32_t readYearCutoff(int64_t *value);
+
+// The host's clock: value - shift is the present datetime as a second count.
+struct HostClock {
+    double value = 0.0;
+    double shift = 0.0;
+};
+// Both 0 when the host has no clock.
+HostClock readHostClock();
 
 double ymdToYearDay(double year, double month, double day);
 double yearDayToDayCount(double code);
@@ -38,7 +60,17 @@ double secondOf(double seconds);
 double timeOfDay(double seconds);
 int32_t writeSignedField(int value, ZvChar *field, int width);
 int32_t roundToUnit(double value, double unit, double *result);
-// mode: a wide text whose first unit is U, V or W.
+// The three conventions of weeks, by the letters that name them.
+enum class WeekMode : ZvChar {
+    U = u'U', // from the year's first Sunday, days before it in week 0; Sunday is day 1
+    V = u'V', // ISO 8601: the week of the first Thursday is week 1; Monday is day 1
+    W = u'W', // from the year's first Monday, days before it in week 0; Monday is day 1
+};
+// The mode that a wide text names by its first unit; V for any other.
+WeekMode weekModeOf(const ZvChar *letter);
+
+int32_t weekOfDate(double dayCount, WeekMode mode, double *year, double *week, double *dayNumber);
+// The same with the mode as a wide text whose first unit is U, V or W.
 int32_t weekOfDate(double dayCount, const ZvChar *mode, double *year, double *week, double *dayNumber);
 
 } // namespace zv

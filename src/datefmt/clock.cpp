@@ -17,6 +17,9 @@ namespace zv {
 namespace {
 
 constexpr int kClockUnits = 40;
+constexpr int kClockMaxDecimals = 39;
+// More decimals than this change nothing in the half unit of the rounding.
+constexpr int kRoundedDecimals = 30;
 // Places of the seconds: the most a 40-unit clock shows (hour of one digit,
 // minutes, seconds, two colons and the point take the other 8 units).
 constexpr int kMaxPlaces = kClockUnits - 8;
@@ -33,7 +36,7 @@ int32_t clockLimits(const FormatCall *call) {
     if (call->width < 2) return ZV_WIDTH_TOO_SMALL;
     if (call->width > kClockUnits) return ZV_WIDTH_TOO_LARGE;
     if (call->decimals < 0) return ZV_DECIMALS_TOO_SMALL;
-    if (call->decimals > 39) return ZV_DECIMALS_TOO_LARGE;
+    if (call->decimals > kClockMaxDecimals) return ZV_DECIMALS_TOO_LARGE;
     return 0;
 }
 
@@ -92,16 +95,16 @@ int32_t writeClock(FormatCall *call) {
     int32_t opened;
     if (!openClock(call, &v, &opened)) return opened;
 
-    const int d = call->decimals < 0 ? 0 : (call->decimals > 30 ? 30 : call->decimals);
+    const int d = call->decimals < 0 ? 0 : (call->decimals > kRoundedDecimals ? kRoundedDecimals : call->decimals);
     const double half = 5.0 / std::pow(10.0, d + 1) + 0.00000001;
     int hourCarry = 0, minuteCarry = 0;
-    const double inHour = std::fmod(v, 3600.0);
-    if (inHour + half >= 3600.0) {
+    const double inHour = std::fmod(v, kSecondsPerHour);
+    if (inHour + half >= kSecondsPerHour) {
         v -= inHour;
         hourCarry = 1;
     } else {
-        const double inMinute = std::fmod(v, 60.0);
-        if (inMinute + half >= 60.0) {
+        const double inMinute = std::fmod(v, kSecondsPerMinute);
+        if (inMinute + half >= kSecondsPerMinute) {
             v -= inMinute;
             minuteCarry = 1;
         }
@@ -171,9 +174,9 @@ int32_t writeClockAmPm(FormatCall *call) {
     if (!openClock(call, &v, &opened)) return opened;
     if (call->decimals == 0 && v - std::trunc(v) >= 0.5) v = std::floor(v + 0.000000000001) + 1;
     else if (call->decimals == 1 && v - std::trunc(v) >= 0.95) v = std::floor(v + 0.000000000001) + 1;
-    v = std::fmod(v, 86400.0);
-    if (v < 0) v += 86400.0;
-    const int64_t h = static_cast<int64_t>(std::trunc(v)) / 3600;
+    v = std::fmod(v, kSecondsPerDay);
+    if (v < 0) v += kSecondsPerDay;
+    const int64_t h = static_cast<int64_t>(std::trunc(v)) / static_cast<int64_t>(kSecondsPerHour);
     const bool pm = h >= 12;
     const int width = call->width;
     if (width < 5) {
@@ -181,8 +184,10 @@ int32_t writeClockAmPm(FormatCall *call) {
         putAt(call, width - 2, pm ? u"PM" : u"AM", 2);
         return 0;
     }
-    if (h > 12) v -= 43200;
-    else if (h == 0) v += 43200;
+    // The 12-hour clock: afternoon hours less twelve, midnight as 12.
+    constexpr double kHalfDay = kSecondsPerDay / 2;
+    if (h > 12) v -= kHalfDay;
+    else if (h == 0) v += kHalfDay;
 
     const void *input = call->input;
     call->input = &v;
@@ -220,8 +225,8 @@ namespace {
 
 double foldIntoDay(double v, bool alwaysBelowADay, bool *wasNegative) {
     *wasNegative = v < 0;
-    if (v < 0) v = 86400.0 - std::fmod(-v, 86400.0);
-    if ((alwaysBelowADay || !*wasNegative) && v >= 86400.0) v = std::fmod(v, 86400.0);
+    if (v < 0) v = kSecondsPerDay - std::fmod(-v, kSecondsPerDay);
+    if ((alwaysBelowADay || !*wasNegative) && v >= kSecondsPerDay) v = std::fmod(v, kSecondsPerDay);
     return v;
 }
 
@@ -236,7 +241,7 @@ int32_t timeFormat(FormatCall *call, bool amPm) {
     if (!ensureLocaleBlock(call, instance)) return 0;
     if (call->decimals < 0) return 0;
 
-    const LocaleItem &item = call->localeBlock->items[amPm ? 52 : 53];
+    const LocaleItem &item = call->localeBlock->items[amPm ? kItemTimeAmPm : kItemTime];
     const DateCall d{call, instance, folded, ValueKind::Time};
     for (int k = call->decimals; k >= 0; --k) {
         int w = call->width;

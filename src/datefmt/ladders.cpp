@@ -6,6 +6,7 @@
 #include "datefmt/dateformat.hpp"
 #include "datefmt/pattern.hpp"
 #include "frame/frame.hpp"
+#include "locale/block.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -36,37 +37,37 @@ struct Ladder {
 constexpr const ZvChar *kMonthNumber = u"%o";
 constexpr const ZvChar *kWeekdayNumber = u"uw";
 
-constexpr Ladder kNlDateL{ValueKind::Date, {{nullptr, 31}, {nullptr, 30}, kEndRow}, After::Numeric, NumericParts::All};
-constexpr Ladder kNlDateM{ValueKind::Date, {{nullptr, 30}, kEndRow}, After::Numeric, NumericParts::All};
+constexpr Ladder kNlDateL{ValueKind::Date, {{nullptr, kItemDateLong}, {nullptr, kItemDateMedium}, kEndRow}, After::Numeric, NumericParts::All};
+constexpr Ladder kNlDateM{ValueKind::Date, {{nullptr, kItemDateMedium}, kEndRow}, After::Numeric, NumericParts::All};
 constexpr Ladder kNlDateS{ValueKind::Date, {kEndRow}, After::Numeric, NumericParts::All};
-constexpr Ladder kNlDatmL{ValueKind::Datetime, {{nullptr, 49}, {nullptr, 48}, {nullptr, 47}, kEndRow}, After::Numeric, NumericParts::All};
-constexpr Ladder kNlDatmM{ValueKind::Datetime, {{nullptr, 48}, {nullptr, 47}, kEndRow}, After::Numeric, NumericParts::All};
+constexpr Ladder kNlDatmL{ValueKind::Datetime, {{nullptr, kItemDatetimeLong}, {nullptr, kItemDatetimeMedium}, {nullptr, kItemDatetimeSecond}, kEndRow}, After::Numeric, NumericParts::All};
+constexpr Ladder kNlDatmM{ValueKind::Datetime, {{nullptr, kItemDatetimeMedium}, {nullptr, kItemDatetimeSecond}, kEndRow}, After::Numeric, NumericParts::All};
 constexpr Ladder kNlDatmS{ValueKind::Datetime, {kEndRow}, After::Numeric, NumericParts::All};
-constexpr Ladder kNlDatmDT{ValueKind::Datetime, {{nullptr, 31}, {nullptr, 30}, kEndRow}, After::Numeric, NumericParts::All};
-constexpr Ladder kNlDateYML{ValueKind::Date, {{nullptr, 34}, {nullptr, 35}, kEndRow}, After::Numeric, NumericParts::MonthYear};
-constexpr Ladder kNlDateYMM{ValueKind::Date, {{nullptr, 35}, kEndRow}, After::Numeric, NumericParts::MonthYear};
+constexpr Ladder kNlDatmDT{ValueKind::Datetime, {{nullptr, kItemDateLong}, {nullptr, kItemDateMedium}, kEndRow}, After::Numeric, NumericParts::All};
+constexpr Ladder kNlDateYML{ValueKind::Date, {{nullptr, kItemYearMonth}, {nullptr, kItemYearMonthSecond}, kEndRow}, After::Numeric, NumericParts::MonthYear};
+constexpr Ladder kNlDateYMM{ValueKind::Date, {{nullptr, kItemYearMonthSecond}, kEndRow}, After::Numeric, NumericParts::MonthYear};
 constexpr Ladder kNlDateYMS{ValueKind::Date, {kEndRow}, After::Numeric, NumericParts::MonthYear};
-constexpr Ladder kNlDatmYML{ValueKind::Datetime, {{nullptr, 34}, {nullptr, 35}, kEndRow}, After::Numeric, NumericParts::MonthYear};
-constexpr Ladder kNlDatmYMM{ValueKind::Datetime, {{nullptr, 35}, kEndRow}, After::Numeric, NumericParts::MonthYear};
+constexpr Ladder kNlDatmYML{ValueKind::Datetime, {{nullptr, kItemYearMonth}, {nullptr, kItemYearMonthSecond}, kEndRow}, After::Numeric, NumericParts::MonthYear};
+constexpr Ladder kNlDatmYMM{ValueKind::Datetime, {{nullptr, kItemYearMonthSecond}, kEndRow}, After::Numeric, NumericParts::MonthYear};
 constexpr Ladder kNlDatmYMS{ValueKind::Datetime, {kEndRow}, After::Numeric, NumericParts::MonthYear};
-constexpr Ladder kNlDateMDL{ValueKind::Date, {{nullptr, 36}, {nullptr, 37}, kEndRow}, After::Numeric, NumericParts::MonthDay};
-constexpr Ladder kNlDateMDM{ValueKind::Date, {{nullptr, 37}, kEndRow}, After::Numeric, NumericParts::MonthDay};
+constexpr Ladder kNlDateMDL{ValueKind::Date, {{nullptr, kItemMonthDay}, {nullptr, kItemMonthDaySecond}, kEndRow}, After::Numeric, NumericParts::MonthDay};
+constexpr Ladder kNlDateMDM{ValueKind::Date, {{nullptr, kItemMonthDaySecond}, kEndRow}, After::Numeric, NumericParts::MonthDay};
 constexpr Ladder kNlDateMDS{ValueKind::Date, {kEndRow}, After::Numeric, NumericParts::MonthDay};
-constexpr Ladder kNlDatmMDL{ValueKind::Datetime, {{nullptr, 36}, {nullptr, 37}, kEndRow}, After::Numeric, NumericParts::MonthDay};
-constexpr Ladder kNlDatmMDM{ValueKind::Datetime, {{nullptr, 37}, kEndRow}, After::Numeric, NumericParts::MonthDay};
+constexpr Ladder kNlDatmMDL{ValueKind::Datetime, {{nullptr, kItemMonthDay}, {nullptr, kItemMonthDaySecond}, kEndRow}, After::Numeric, NumericParts::MonthDay};
+constexpr Ladder kNlDatmMDM{ValueKind::Datetime, {{nullptr, kItemMonthDaySecond}, kEndRow}, After::Numeric, NumericParts::MonthDay};
 constexpr Ladder kNlDatmMDS{ValueKind::Datetime, {kEndRow}, After::Numeric, NumericParts::MonthDay};
-constexpr Ladder kNlDateYQL{ValueKind::Date, {{nullptr, 40}, {nullptr, 41}, kEndRow}, After::Numeric, NumericParts::Quarter};
-constexpr Ladder kNlDateYQM{ValueKind::Date, {{nullptr, 41}, kEndRow}, After::Numeric, NumericParts::Quarter};
+constexpr Ladder kNlDateYQL{ValueKind::Date, {{nullptr, kItemYearQuarter}, {nullptr, kItemYearQuarterSecond}, kEndRow}, After::Numeric, NumericParts::Quarter};
+constexpr Ladder kNlDateYQM{ValueKind::Date, {{nullptr, kItemYearQuarterSecond}, kEndRow}, After::Numeric, NumericParts::Quarter};
 constexpr Ladder kNlDateYQS{ValueKind::Date, {kEndRow}, After::Numeric, NumericParts::Quarter};
-constexpr Ladder kNlDatmYQL{ValueKind::Datetime, {{nullptr, 40}, {nullptr, 41}, kEndRow}, After::Numeric, NumericParts::Quarter};
-constexpr Ladder kNlDatmYQM{ValueKind::Datetime, {{nullptr, 41}, kEndRow}, After::Numeric, NumericParts::Quarter};
+constexpr Ladder kNlDatmYQL{ValueKind::Datetime, {{nullptr, kItemYearQuarter}, {nullptr, kItemYearQuarterSecond}, kEndRow}, After::Numeric, NumericParts::Quarter};
+constexpr Ladder kNlDatmYQM{ValueKind::Datetime, {{nullptr, kItemYearQuarterSecond}, kEndRow}, After::Numeric, NumericParts::Quarter};
 constexpr Ladder kNlDatmYQS{ValueKind::Datetime, {kEndRow}, After::Numeric, NumericParts::Quarter};
-constexpr Ladder kNlDateMN{ValueKind::Date, {{u"%#B", 95}, {u"%#b", 83}, {kMonthNumber, 0}, kStop}, After::Stars, NumericParts::All};
-constexpr Ladder kNlDatmMN{ValueKind::Datetime, {{u"%#B", 95}, {u"%#b", 83}, {kMonthNumber, 0}, kStop}, After::Stars, NumericParts::All};
-constexpr Ladder kNlDateW{ValueKind::Date, {{nullptr, 32}, {nullptr, 33}, {u"%#A", 128}, {u"%#a", 121}, kStop}, After::Stars, NumericParts::All};
-constexpr Ladder kNlDatmW{ValueKind::Datetime, {{nullptr, 50}, {nullptr, 51}, {nullptr, 32}, {nullptr, 33}, {u"%#A", 128}, {u"%#a", 121}, kStop}, After::Stars, NumericParts::All};
-constexpr Ladder kNlDateWN{ValueKind::Date, {{u"%#A", 128}, {u"%#a", 121}, {kWeekdayNumber, 42}, kStop}, After::Stars, NumericParts::All};
-constexpr Ladder kNlDatmWN{ValueKind::Datetime, {{u"%#A", 128}, {u"%#a", 121}, {kWeekdayNumber, 42}, kStop}, After::Stars, NumericParts::All};
+constexpr Ladder kNlDateMN{ValueKind::Date, {{u"%#B", kItemMonthFullOther}, {u"%#b", kItemMonthAbbrOther}, {kMonthNumber, 0}, kStop}, After::Stars, NumericParts::All};
+constexpr Ladder kNlDatmMN{ValueKind::Datetime, {{u"%#B", kItemMonthFullOther}, {u"%#b", kItemMonthAbbrOther}, {kMonthNumber, 0}, kStop}, After::Stars, NumericParts::All};
+constexpr Ladder kNlDateW{ValueKind::Date, {{nullptr, kItemDateWeekday}, {nullptr, kItemDateWeekdaySecond}, {u"%#A", kItemWeekdayFullOther}, {u"%#a", kItemWeekdayAbbrOther}, kStop}, After::Stars, NumericParts::All};
+constexpr Ladder kNlDatmW{ValueKind::Datetime, {{nullptr, kItemDatetimeWeekday}, {nullptr, kItemDatetimeWeekdaySecond}, {nullptr, kItemDateWeekday}, {nullptr, kItemDateWeekdaySecond}, {u"%#A", kItemWeekdayFullOther}, {u"%#a", kItemWeekdayAbbrOther}, kStop}, After::Stars, NumericParts::All};
+constexpr Ladder kNlDateWN{ValueKind::Date, {{u"%#A", kItemWeekdayFullOther}, {u"%#a", kItemWeekdayAbbrOther}, {kWeekdayNumber, kItemYearWeek}, kStop}, After::Stars, NumericParts::All};
+constexpr Ladder kNlDatmWN{ValueKind::Datetime, {{u"%#A", kItemWeekdayFullOther}, {u"%#a", kItemWeekdayAbbrOther}, {kWeekdayNumber, kItemYearWeek}, kStop}, After::Stars, NumericParts::All};
 
 bool isStop(const LadderRow &r) { return r.pattern == nullptr && r.item == 0; }
 

@@ -20,12 +20,9 @@ struct NameGroup {
     int shortFirst; // first item of the short names
 };
 
-constexpr NameGroup kMonths{12, kItemMonthFullOther, kItemMonthAbbrOther};
-constexpr NameGroup kQuarters{4, kItemQuarterFullOther, kItemQuarterAbbrOther};
-constexpr NameGroup kWeekdays{7, kItemWeekdayFullOther, kItemWeekdayAbbrOther};
-
-constexpr int32_t kMaxWidth = 200;
-constexpr int32_t kMaxDecimals = 3;
+constexpr NameGroup kMonths{kMonthNames, kItemMonthFullOther, kItemMonthAbbrOther};
+constexpr NameGroup kQuarters{kQuarterNames, kItemQuarterFullOther, kItemQuarterAbbrOther};
+constexpr NameGroup kWeekdays{kWeekdayNames, kItemWeekdayFullOther, kItemWeekdayAbbrOther};
 
 int32_t writeName(FormatCall *call, const NameGroup &group) {
     ExtensionInstance *instance = findInstance(call);
@@ -34,9 +31,9 @@ int32_t writeName(FormatCall *call, const NameGroup &group) {
 
     if (call->flags & ZV_FLAG_CHECK_LIMITS) {
         if (call->width < 1) return ZV_WIDTH_TOO_SMALL;
-        if (call->width > kMaxWidth) return ZV_WIDTH_TOO_LARGE;
+        if (call->width > kNameWidthLimit) return ZV_WIDTH_TOO_LARGE;
         if (call->decimals < 0) return ZV_DECIMALS_TOO_SMALL;
-        if (call->decimals > kMaxDecimals) return ZV_DECIMALS_TOO_LARGE;
+        if (call->decimals > kNameDecimalsLimit) return ZV_DECIMALS_TOO_LARGE;
     }
 
     double value = 0;

@@ -175,6 +175,18 @@ int32_t writeNumericQuarter(FormatCall *call, double dayCount, ZvChar separator)
     return 0;
 }
 
+namespace {
+// The order without one part: the parts behind it move up one place.
+Order withoutPart(Order pos, int Order::*part) {
+    const int gone = pos.*part;
+    if (pos.month > gone) --pos.month;
+    if (pos.day > gone) --pos.day;
+    if (pos.year > gone) --pos.year;
+    pos.*part = 0;
+    return pos;
+}
+} // namespace
+
 int32_t writeNumericForm(const DateCall &d, NumericParts parts) {
     FormatCall *call = d.call;
     const double day = d.kind == ValueKind::Date ? d.value : dayOf(d.value);
@@ -182,25 +194,12 @@ int32_t writeNumericForm(const DateCall &d, NumericParts parts) {
     if (!readOrder(call->localeBlock, &pos)) return starFill(call);
     const ZvChar separator = separatorOf(call->localeBlock);
     int32_t status;
-    switch (parts) {
-    case NumericParts::MonthYear:
-        if (pos.month > pos.day) --pos.month;
-        if (pos.year > pos.day) --pos.year;
-        pos.day = 0;
-        status = writeNumericDate(call, day, pos.month, pos.day, pos.year, separator);
-        break;
-    case NumericParts::MonthDay:
-        if (pos.month > pos.year) --pos.month;
-        if (pos.day > pos.year) --pos.day;
-        pos.year = 0;
-        status = writeNumericDate(call, day, pos.month, pos.day, pos.year, separator);
-        break;
-    case NumericParts::Quarter:
+    if (parts == NumericParts::Quarter) {
         status = writeNumericQuarter(call, day, separator);
-        break;
-    default:
+    } else {
+        if (parts == NumericParts::MonthYear) pos = withoutPart(pos, &Order::day);
+        else if (parts == NumericParts::MonthDay) pos = withoutPart(pos, &Order::year);
         status = writeNumericDate(call, day, pos.month, pos.day, pos.year, separator);
-        break;
     }
     leftJustifyField(call);
     return status;
@@ -259,7 +258,7 @@ int32_t writeNumericDatetime(const DateCall &d) {
 
     ZvChar text[64];
     int n = 0;
-    const LocaleItem &order = block->items[58];
+    const LocaleItem &order = block->items[kItemDateBeforeTime];
     const bool dateFirst = order.length >= 2 && order.text[0] == u'%' && order.text[1] == u'x';
     auto put = [&](const ZvChar *t, int len) {
         std::memcpy(text + n, t, size_t(len) * sizeof(ZvChar));

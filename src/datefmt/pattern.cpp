@@ -8,6 +8,7 @@
 
 #include "datefmt/calendar.hpp"
 #include "frame/frame.hpp"
+#include "locale/block.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -68,7 +69,7 @@ void putPadded(Out &out, const LocaleBlock *b, int first, int count, int k) {
 
 // The year under the calendar of item 5.
 int64_t calendarYear(int64_t year, double day, const LocaleBlock *b) {
-    const LocaleItem *cal = itemOf(b, 5);
+    const LocaleItem *cal = itemOf(b, kItemCalendar);
     if (!cal || cal->length != 2) return year;
     const ZvChar a = cal->text[0], c = cal->text[1];
     if (a == u'T' && c == u'W') {
@@ -113,7 +114,7 @@ void putSeconds(Out &out, const Fields &f, ZvChar pad, int decimals, bool fracti
     if (!f.hasSecond) {
         out.stars(2);
         if (fraction && decimals > 0) {
-            putItem(out, b, 172);
+            putItem(out, b, kItemDecimalSeparator);
             out.stars(decimals);
         }
         return;
@@ -122,7 +123,7 @@ void putSeconds(Out &out, const Fields &f, ZvChar pad, int decimals, bool fracti
     double d = std::trunc(s);
     out.digits(wholeOf(d), 2, pad);
     if (!fraction || decimals <= 0) return;
-    putItem(out, b, 172);
+    putItem(out, b, kItemDecimalSeparator);
     for (int k = 1; k <= decimals && out.length < kPatternUnits; ++k) {
         s = 10 * (s - d);
         d = std::trunc(s);
@@ -134,14 +135,16 @@ void putSeconds(Out &out, const Fields &f, ZvChar pad, int decimals, bool fracti
     }
 }
 
+// The offset from UTC as "%z" wrote it: sign, hours, minutes.
+constexpr int kOffsetUnits = 5;
 struct Offset {
     bool written = false;
-    ZvChar text[5];
+    ZvChar text[kOffsetUnits];
 };
 
 void putOffset(Out &out, const Fields &f, HostTimeZone *tz, Offset &offset) {
     auto orZero = [](bool has, double v) { return has ? v : 0.0; };
-    const double absolute = 86400.0 * orZero(f.hasDate, f.day) +
+    const double absolute = kSecondsPerDay * orZero(f.hasDate, f.day) +
                             60.0 * (60.0 * orZero(f.hasHour, f.hour) + orZero(f.hasMinute, f.minute)) +
                             orZero(f.hasSecond, f.second);
     double seconds = tz ? tz->ops->timeZoneOffset(tz, absolute, 0) : 0.0;
@@ -152,7 +155,279 @@ void putOffset(Out &out, const Fields &f, HostTimeZone *tz, Offset &offset) {
     writeDigits((a / 3600) % 100, offset.text + 1, 2, u'0');
     writeDigits((a % 3600) / 60, offset.text + 3, 2, u'0');
     offset.written = true;
-    out.put(offset.text, 5);
+    out.put(offset.text, kOffsetUnits);
+}
+
+// ---- the phases of expandPattern ----------------------------------------------
+
+// All calendar work for the value, once: a missing part leaves its fields unset.
+Fields fieldsOf(double day, double hour, double minute, double second) {
+    Fields f;
+    f.hasDate = !isMissing(day);
+    if (f.hasDate) {
+        f.day = day;
+        const double weekday = weekdayOf(day);
+        double y, m, d;
+        yearDayToYmd(&y, &m, &d, dayCountToYearDay(day));
+        if (isMissing(y) || isMissing(weekday)) {
+            f.hasDate = false;
+        } else {
+            f.weekday = static_cast<int>(weekday) - 1;
+            f.year = wholeOf(y);
+            f.month = static_cast<int>(m);
+            f.dayOfMonth = static_cast<int>(d);
+        }
+    }
+    f.hasHour = !isMissing(hour);
+    f.hasMinute = !isMissing(minute);
+    f.hasSecond = !isMissing(second);
+    f.hour = f.hasHour ? hour : 0;
+    f.minute = f.hasMinute ? minute : 0;
+    f.second = f.hasSecond ? second : 0;
+    f.twelve = !f.hasHour ? 0 : (f.hour > 12 ? std::fmod(f.hour, 12.0) : f.hour);
+    return f;
+}
+
+// The pattern with %x and %X replaced by the locale's date and time
+// patterns, one level deep; every other % pair is copied whole, so "%%x"
+// stays a percent sign and an x.
+struct Work {
+    ZvChar text[kPatternUnits];
+    int length = 0;
+    void keep(ZvChar c) {
+        if (length < kPatternUnits) text[length++] = c;
+    }
+};
+
+void expandShorthands(const ZvChar *pattern, int64_t patternLength, const LocaleBlock *block, Work &work) {
+    for (int64_t i = 0; i < patternLength; ++i) {
+        if (pattern[i] != u'%' || i + 1 >= patternLength) {
+            work.keep(pattern[i]);
+            continue;
+        }
+        const ZvChar next = pattern[i + 1];
+        if (next == u'x' || next == u'X') {
+            if (const LocaleItem *it = itemOf(block, next == u'x' ? kItemDate : kItemTime))
+                for (int64_t k = 0; k < it->length; ++k) work.keep(it->text[k]);
+        } else {
+            work.keep(u'%');
+            work.keep(next);
+        }
+        ++i;
+    }
+}
+
+// One directive as read behind its "%".
+struct Directive {
+    ZvChar letter = 0;
+    ZvChar upper = 0;   // the letter in upper case: what the directive is
+    bool lower = false; // the lower-case meaning, by the letter or by "?"
+    bool other = false; // "#": no padding, the other-form lists of names
+    ZvChar pad = u'0';
+};
+
+// Reads the marks and the letter behind the "%" at work[*i - 1]; *i ends on
+// the letter. False when the text ends first. A "+" switches on the
+// calendar of item 5 for the rest of the pattern.
+bool readDirective(const Work &work, int *i, bool *calendarOn, Directive *d) {
+    int k = *i;
+    if (k < work.length && (work.text[k] == u'#' || work.text[k] == u'0')) d->other = work.text[k++] == u'#';
+    if (k < work.length && work.text[k] >= u'1' && work.text[k] <= u'9') ++k; // a width, ignored
+    if (k < work.length && work.text[k] == u'+') {
+        *calendarOn = true;
+        ++k;
+    }
+    bool forceLower = false;
+    if (k < work.length && work.text[k] == u'?') {
+        forceLower = true;
+        ++k;
+    }
+    *i = k;
+    if (k >= work.length) return false;
+    const ZvChar letter = work.text[k];
+    const bool isLower = letter >= u'a' && letter <= u'z';
+    d->letter = letter;
+    d->upper = isLower ? static_cast<ZvChar>(letter - (u'a' - u'A')) : letter;
+    d->lower = isLower || forceLower;
+    d->pad = d->other ? 0 : u'0';
+    return true;
+}
+
+// Directives that show a part of the date, and so write stars without one.
+bool needsDate(const Directive &d) {
+    switch (d.upper) {
+    case u'A': case u'F': case u'B': case u'C': case u'D': case u'E': case u'G': case u'J':
+    case u'O': case u'Q': case u'U': case u'W': case u'Y':
+        return true;
+    case u'M': return d.lower;              // the month, not the minute
+    case u'N': return d.letter != u'n';     // the month, not the days in the hours
+    case u'V': return !d.lower;
+    default: return false;
+    }
+}
+
+// The first item of a list of names: abbreviated or full, plain or other form.
+int nameList(const Directive &d, int abbr, int abbrOther, int full, int fullOther) {
+    return d.lower ? (d.other ? abbrOther : abbr) : (d.other ? fullOther : full);
+}
+int weekdayList(const Directive &d) {
+    return nameList(d, kItemWeekdayAbbr, kItemWeekdayAbbrOther, kItemWeekdayFull, kItemWeekdayFullOther);
+}
+
+// What the walk carries from one directive to the next.
+struct Walk {
+    const Fields &f;
+    const LocaleBlock *block;
+    int decimals;
+    HostTimeZone *timeZone;
+    Out out;
+    Offset offset;
+    bool calendarOn = false;
+    bool hourIs24 = false; // a "K" at hour 0 shows 24 for the rest of the pattern
+    int64_t shownYear;     // the + mark changes it for the Y that follow
+};
+
+void putHour(Walk &w, ZvChar pad) {
+    if (!w.f.hasHour) {
+        w.out.stars(2);
+        return;
+    }
+    const double h = w.hourIs24 ? 24 : w.f.hour;
+    if (h >= 100) putLongHour(w.out, wholeOf(h));
+    else w.out.digits(wholeOf(h), 2, pad);
+}
+
+void putMinute(Walk &w, ZvChar pad) {
+    if (w.f.hasMinute) w.out.digits(wholeOf(w.f.minute), 2, pad);
+    else w.out.stars(2);
+}
+
+// The year in two steps of two digits, always with zeros; or its last two.
+void putYear(Walk &w, const Directive &d) {
+    if (w.calendarOn) w.shownYear = calendarYear(w.shownYear, w.f.day, w.block);
+    if (d.lower) {
+        w.out.digits(w.shownYear % 100, 2, d.pad);
+    } else {
+        w.out.digits((w.shownYear / 100) % 100, 2, u'0');
+        w.out.digits(w.shownYear % 100, 2, u'0');
+    }
+}
+
+// The year of the week date, as the year is written.
+void putWeekYear(Walk &w, const Directive &d) {
+    double y, week, n;
+    weekOfDate(w.f.day, WeekMode::V, &y, &week, &n);
+    const int64_t wy = isMissing(y) ? w.f.year : wholeOf(y);
+    if (!d.lower) w.out.digits((wy / 100) % 100, 2, u'0');
+    w.out.digits(wy % 100, 2, u'0');
+}
+
+void putWeek(Walk &w, const Directive &d, WeekMode mode) {
+    double y, week, n;
+    weekOfDate(w.f.day, mode, &y, &week, &n);
+    w.out.digits(isMissing(week) ? 0 : wholeOf(week), 2, d.pad);
+}
+
+// Writes one directive. False: the letter is no directive here.
+bool writeDirective(Walk &w, const Directive &d) {
+    const Fields &f = w.f;
+    Out &out = w.out;
+    const ZvChar pad = d.pad;
+    switch (d.upper) {
+    case u'%': out.put(u'%'); break;
+    case u'A': putItem(out, w.block, weekdayList(d) + f.weekday); break;
+    case u'F': putPadded(out, w.block, weekdayList(d), kWeekdayNames, weekdayList(d) + f.weekday); break;
+    case u'B': {
+        const int first = nameList(d, kItemMonthAbbr, kItemMonthAbbrOther, kItemMonthFull, kItemMonthFullOther);
+        putItem(out, w.block, first + f.month - 1);
+        break;
+    }
+    case u'C': {
+        const int first = d.other ? kItemMonthFullOther : kItemMonthFull;
+        putPadded(out, w.block, first, kMonthNames, first + f.month - 1);
+        break;
+    }
+    case u'D': out.digits(f.dayOfMonth, 2, pad); break;
+    case u'E': out.digits(f.dayOfMonth, 2, d.lower ? u' ' : 0); break;
+    case u'G': putWeekYear(w, d); break;
+    case u'H':
+    case u'K':
+        if (d.upper == u'K' && f.hasHour && f.hour == 0) w.hourIs24 = true;
+        putHour(w, pad);
+        break;
+    case u'I': out.digits(f.twelve == 0 ? 12 : wholeOf(f.twelve), 2, pad); break;
+    case u'L': out.digits(wholeOf(f.twelve), 2, pad); break;
+    case u'J': out.digits(wholeOf(std::fmod(dayCountToYearDay(f.day), 1000.0)), 3, pad); break;
+    case u'M':
+        if (d.lower) out.digits(f.month, 2, pad);
+        else putMinute(w, pad);
+        break;
+    case u'N':
+        if (d.letter != u'n') out.digits(f.month, 2, pad);
+        else if (!f.hasHour) out.stars(2);
+        else out.digits(wholeOf(f.hour / 24), 0, 0);
+        break;
+    case u'O': out.digits(f.month, 2, d.lower ? u' ' : 0); break;
+    case u'P':
+        if (!f.hasHour) out.stars(2);
+        else putItem(out, w.block, std::fmod(f.hour, 24.0) < 12 ? kItemAm : kItemPm);
+        break;
+    case u'Q': {
+        const int first =
+            nameList(d, kItemQuarterAbbr, kItemQuarterAbbrOther, kItemQuarterFull, kItemQuarterFullOther);
+        putItem(out, w.block, first + (f.month - 1) / 3);
+        break;
+    }
+    case u'S': putSeconds(out, f, pad, w.decimals, d.letter != u's', w.block); break;
+    case u'T':
+        if (d.lower) break;
+        putHour(w, pad);
+        out.put(u':');
+        putMinute(w, pad);
+        out.put(u':');
+        putSeconds(out, f, pad, 0, false, w.block);
+        break;
+    case u'U':
+        if (d.lower) out.digits(f.weekday == 0 ? 7 : f.weekday, 1, pad);
+        else out.digits(sundayWeek(f), 2, pad);
+        break;
+    case u'V':
+        if (!d.lower) putWeek(w, d, WeekMode::V);
+        break;
+    case u'W':
+        if (d.lower) out.digits(f.weekday, 1, pad);
+        else putWeek(w, d, WeekMode::W);
+        break;
+    case u'Y': putYear(w, d); break;
+    case u'Z':
+        if (d.lower) putOffset(out, f, w.timeZone, w.offset);
+        else out.put(u"XST", 3);
+        break;
+    default: return false;
+    }
+    return true;
+}
+
+// Puts the text in the blank field. A text too long for it keeps its
+// beginning, but a zone offset written in it stays visible at the end.
+int32_t fillOutput(const Walk &w, ZvChar *output, int *fieldWidth) {
+    const bool rightJustified = *fieldWidth < 0;
+    const int width = rightJustified ? -*fieldWidth : *fieldWidth;
+    const Out &out = w.out;
+    fillWide(output, u' ', width);
+    if (out.length <= width) {
+        std::memcpy(output + (rightJustified ? width - out.length : 0), out.text,
+                    size_t(out.length) * sizeof(ZvChar));
+        *fieldWidth = out.length;
+        return kPatternFits;
+    }
+    std::memcpy(output, out.text, size_t(width) * sizeof(ZvChar));
+    constexpr int kOffsetRoom = 1 + kOffsetUnits; // a blank and the offset
+    if (w.offset.written && width >= kOffsetRoom) {
+        output[width - kOffsetRoom] = u' ';
+        std::memcpy(output + width - kOffsetRoom + 1, w.offset.text, sizeof w.offset.text);
+    }
+    return kPatternTooLong;
 }
 
 } // namespace
@@ -181,242 +456,26 @@ int writeDigits(int64_t value, ZvChar *target, int width, ZvChar pad) {
 int32_t expandPattern(double day, double hour, double minute, double second, const ZvChar *pattern,
                       int64_t patternLength, ZvChar *output, int *fieldWidth, int decimals,
                       const LocaleBlock *block, HostTimeZone *timeZone) {
-    const bool rightJustified = *fieldWidth < 0;
-    const int width = rightJustified ? -*fieldWidth : *fieldWidth;
+    const Fields f = fieldsOf(day, hour, minute, second);
+    Work work;
+    expandShorthands(pattern, patternLength, block, work);
 
-    Fields f;
-    f.hasDate = !isMissing(day);
-    if (f.hasDate) {
-        f.day = day;
-        const double weekday = weekdayOf(day);
-        double y, m, d;
-        yearDayToYmd(&y, &m, &d, dayCountToYearDay(day));
-        if (isMissing(y) || isMissing(weekday)) {
-            f.hasDate = false;
-        } else {
-            f.weekday = static_cast<int>(weekday) - 1;
-            f.year = wholeOf(y);
-            f.month = static_cast<int>(m);
-            f.dayOfMonth = static_cast<int>(d);
-        }
-    }
-    f.hasHour = !isMissing(hour);
-    f.hasMinute = !isMissing(minute);
-    f.hasSecond = !isMissing(second);
-    f.hour = f.hasHour ? hour : 0;
-    f.minute = f.hasMinute ? minute : 0;
-    f.second = f.hasSecond ? second : 0;
-    f.twelve = !f.hasHour ? 0 : (f.hour > 12 ? std::fmod(f.hour, 12.0) : f.hour);
-
-    // %x and %X stand for items 28 and 53, one level deep.
-    ZvChar work[kPatternUnits];
-    int workLength = 0;
-    auto keep = [&](ZvChar c) {
-        if (workLength < kPatternUnits) work[workLength++] = c;
-    };
-    for (int64_t i = 0; i < patternLength; ++i) {
-        if (pattern[i] == u'%' && i + 1 < patternLength) {
-            const ZvChar next = pattern[i + 1];
-            if (next == u'x' || next == u'X') {
-                if (const LocaleItem *it = itemOf(block, next == u'x' ? 28 : 53))
-                    for (int64_t k = 0; k < it->length; ++k) keep(it->text[k]);
-            } else {
-                keep(u'%');
-                keep(next);
-            }
-            ++i;
-        } else {
-            keep(pattern[i]);
-        }
-    }
-
-    Out out;
-    Offset offset;
-    bool calendarOn = false;
-    bool hourIs24 = false;
-    int64_t shownYear = f.year; // the + mark changes it for the Y that follow
-    auto putHour = [&](ZvChar pad) {
-        if (!f.hasHour) {
-            out.stars(2);
-            return;
-        }
-        const double h = hourIs24 ? 24 : f.hour;
-        if (h >= 100) putLongHour(out, wholeOf(h));
-        else out.digits(wholeOf(h), 2, pad);
-    };
-    for (int i = 0; i < workLength; ++i) {
-        if (work[i] != u'%') {
-            out.put(work[i]);
+    Walk w{f, block, decimals, timeZone, {}, {}, false, false, f.year};
+    for (int i = 0; i < work.length; ++i) {
+        if (work.text[i] != u'%') {
+            w.out.put(work.text[i]);
             continue;
         }
         ++i;
-        bool other = false;
-        if (i < workLength && (work[i] == u'#' || work[i] == u'0')) other = work[i++] == u'#';
-        if (i < workLength && work[i] >= u'1' && work[i] <= u'9') ++i;
-        if (i < workLength && work[i] == u'+') {
-            calendarOn = true;
-            ++i;
-        }
-        bool forceLower = false;
-        if (i < workLength && work[i] == u'?') {
-            forceLower = true;
-            ++i;
-        }
-        if (i >= workLength) break; // a directive without its letter writes nothing
-        const ZvChar letter = work[i];
-        const ZvChar pad = other ? 0 : u'0';
-        const bool lower = (letter >= u'a' && letter <= u'z') || forceLower;
-        const ZvChar upper = (letter >= u'a' && letter <= u'z') ? static_cast<ZvChar>(letter - 32) : letter;
-
-        // Date directives in a call without a date.
-        const bool needsDate = upper == u'A' || upper == u'F' || upper == u'B' || upper == u'C' ||
-                               upper == u'D' || upper == u'E' || upper == u'G' || upper == u'J' ||
-                               (upper == u'M' && lower) || (upper == u'N' && letter != u'n') ||
-                               upper == u'O' || upper == u'Q' || upper == u'U' ||
-                               (upper == u'V' && !lower) || upper == u'W' || upper == u'Y';
-        if (needsDate && !f.hasDate) {
-            out.stars(2);
+        Directive d;
+        if (!readDirective(work, &i, &w.calendarOn, &d)) break; // a directive without its letter writes nothing
+        if (needsDate(d) && !f.hasDate) {
+            w.out.stars(2);
             continue;
         }
-
-        switch (upper) {
-        case u'%':
-            out.put(u'%');
-            break;
-        case u'A':
-            putItem(out, block, (lower ? (other ? 121 : 107) : (other ? 128 : 114)) + f.weekday);
-            break;
-        case u'F': {
-            const int first = lower ? (other ? 121 : 107) : (other ? 128 : 114);
-            putPadded(out, block, first, 7, first + f.weekday);
-            break;
-        }
-        case u'B':
-            putItem(out, block, (lower ? (other ? 83 : 59) : (other ? 95 : 71)) + f.month - 1);
-            break;
-        case u'C': {
-            const int first = other ? 95 : 71;
-            putPadded(out, block, first, 12, first + f.month - 1);
-            break;
-        }
-        case u'D':
-            out.digits(f.dayOfMonth, 2, pad);
-            break;
-        case u'E':
-            out.digits(f.dayOfMonth, 2, lower ? u' ' : 0);
-            break;
-        case u'G': {
-            double y, w, n;
-            weekOfDate(f.day, u"V", &y, &w, &n);
-            const int64_t wy = isMissing(y) ? f.year : wholeOf(y);
-            if (!lower) out.digits((wy / 100) % 100, 2, u'0');
-            out.digits(wy % 100, 2, u'0');
-            break;
-        }
-        case u'H':
-        case u'K':
-            if (upper == u'K' && f.hasHour && f.hour == 0) hourIs24 = true;
-            putHour(pad);
-            break;
-        case u'I':
-            out.digits(f.twelve == 0 ? 12 : wholeOf(f.twelve), 2, pad);
-            break;
-        case u'L':
-            out.digits(wholeOf(f.twelve), 2, pad);
-            break;
-        case u'J':
-            out.digits(wholeOf(std::fmod(dayCountToYearDay(f.day), 1000.0)), 3, pad);
-            break;
-        case u'M':
-            if (lower) out.digits(f.month, 2, pad);
-            else if (!f.hasMinute) out.stars(2);
-            else out.digits(wholeOf(f.minute), 2, pad);
-            break;
-        case u'N':
-            if (letter == u'n') {
-                if (!f.hasHour) out.stars(2);
-                else out.digits(wholeOf(f.hour / 24), 0, 0);
-            } else {
-                out.digits(f.month, 2, pad);
-            }
-            break;
-        case u'O':
-            out.digits(f.month, 2, lower ? u' ' : 0);
-            break;
-        case u'P':
-            if (!f.hasHour) out.stars(2);
-            else putItem(out, block, std::fmod(f.hour, 24.0) < 12 ? 151 : 152);
-            break;
-        case u'Q': {
-            const int quarter = (f.month - 1) / 3;
-            putItem(out, block, (lower ? (other ? 143 : 135) : (other ? 147 : 139)) + quarter);
-            break;
-        }
-        case u'S':
-            putSeconds(out, f, pad, decimals, letter != u's', block);
-            break;
-        case u'T':
-            if (lower) break;
-            putHour(pad);
-            out.put(u':');
-            if (f.hasMinute) out.digits(wholeOf(f.minute), 2, pad);
-            else out.stars(2);
-            out.put(u':');
-            putSeconds(out, f, pad, 0, false, block);
-            break;
-        case u'U':
-            if (lower) out.digits(f.weekday == 0 ? 7 : f.weekday, 1, pad);
-            else out.digits(sundayWeek(f), 2, pad);
-            break;
-        case u'V': {
-            if (lower) break;
-            double y, w, n;
-            weekOfDate(f.day, u"V", &y, &w, &n);
-            out.digits(isMissing(w) ? 0 : wholeOf(w), 2, pad);
-            break;
-        }
-        case u'W': {
-            if (lower) {
-                out.digits(f.weekday, 1, pad);
-                break;
-            }
-            double y, w, n;
-            weekOfDate(f.day, u"W", &y, &w, &n);
-            out.digits(isMissing(w) ? 0 : wholeOf(w), 2, pad);
-            break;
-        }
-        case u'Y': {
-            if (calendarOn) shownYear = calendarYear(shownYear, f.day, block);
-            if (lower) {
-                out.digits(shownYear % 100, 2, pad);
-            } else {
-                out.digits((shownYear / 100) % 100, 2, u'0');
-                out.digits(shownYear % 100, 2, u'0');
-            }
-            break;
-        }
-        case u'Z':
-            if (lower) putOffset(out, f, timeZone, offset);
-            else out.put(u"XST", 3);
-            break;
-        default:
-            return kPatternInvalid;
-        }
+        if (!writeDirective(w, d)) return kPatternInvalid;
     }
-
-    fillWide(output, u' ', width);
-    if (out.length <= width) {
-        std::memcpy(output + (rightJustified ? width - out.length : 0), out.text,
-                    size_t(out.length) * sizeof(ZvChar));
-        *fieldWidth = out.length;
-        return kPatternFits;
-    }
-    std::memcpy(output, out.text, size_t(width) * sizeof(ZvChar));
-    if (offset.written && width >= 6) {
-        output[width - 6] = u' ';
-        std::memcpy(output + width - 5, offset.text, sizeof offset.text);
-    }
-    return kPatternTooLong;
+    return fillOutput(w, output, fieldWidth);
 }
 
 int32_t writeDatePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern, int64_t patternLength,
@@ -452,7 +511,7 @@ int32_t writeTimePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern,
     if (patternLength == 0) return kPatternEmpty;
     if (isMissing(seconds) || !(seconds >= 0)) return kPatternNoValue;
     const double r = roundedToDecimals(seconds, decimals);
-    const double hour = std::floor(std::fabs(r / 3600.0));
+    const double hour = std::floor(std::fabs(r / kSecondsPerHour));
     return expandPattern(missingValue(), hour, minuteOf(r), secondOf(r), pattern, patternLength, output,
                          fieldWidth, decimals, block, nullptr);
 }

@@ -6,6 +6,7 @@
 #include "datefmt/ladders.hpp"
 #include "datefmt/pattern.hpp"
 #include "frame/frame.hpp"
+#include "locale/block.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -60,7 +61,7 @@ int32_t plainForm(FormatCall *call, void *opaque, ValueKind kind, int first, int
     status = writeNlDatmS(call, opaque);
     call->width = width;
     call->outputCapacity = capacity;
-    if (first == 46) { // NLDATM looks at what came out; NLDATMAP at the status
+    if (first == kItemDatetime) { // NLDATM looks at what came out; NLDATMAP at the status
         const auto *out = static_cast<const ZvChar *>(call->output);
         const int64_t n = call->outputLength < capacity ? call->outputLength : capacity;
         if (out && findChar(out, n, u'*') >= 0) return starFill(call);
@@ -85,19 +86,19 @@ int32_t partialForm(FormatCall *call, ValueKind kind, int first, int second) {
 
 } // namespace
 
-int32_t writeNlDate(FormatCall *call, void *opaque) { return plainForm(call, opaque, ValueKind::Date, 28, 29); }
-int32_t writeNlDatm(FormatCall *call, void *opaque) { return plainForm(call, opaque, ValueKind::Datetime, 46, 47); }
-int32_t writeNlDatmAP(FormatCall *call, void *opaque) { return plainForm(call, opaque, ValueKind::Datetime, 44, 47); }
+int32_t writeNlDate(FormatCall *call, void *opaque) { return plainForm(call, opaque, ValueKind::Date, kItemDate, kItemDateSecond); }
+int32_t writeNlDatm(FormatCall *call, void *opaque) { return plainForm(call, opaque, ValueKind::Datetime, kItemDatetime, kItemDatetimeSecond); }
+int32_t writeNlDatmAP(FormatCall *call, void *opaque) { return plainForm(call, opaque, ValueKind::Datetime, kItemDatetimeAmPm, kItemDatetimeSecond); }
 
-int32_t writeNlDateYM(FormatCall *call, void *) { return partialForm(call, ValueKind::Date, 34, 35); }
-int32_t writeNlDatmYM(FormatCall *call, void *) { return partialForm(call, ValueKind::Datetime, 34, 35); }
-int32_t writeNlDateMD(FormatCall *call, void *) { return partialForm(call, ValueKind::Date, 36, 37); }
-int32_t writeNlDatmMD(FormatCall *call, void *) { return partialForm(call, ValueKind::Datetime, 36, 37); }
-int32_t writeNlDateYR(FormatCall *call, void *) { return partialForm(call, ValueKind::Date, 38, 39); }
-int32_t writeNlDatmYR(FormatCall *call, void *) { return partialForm(call, ValueKind::Datetime, 38, 39); }
-int32_t writeNlDateYQ(FormatCall *call, void *) { return partialForm(call, ValueKind::Date, 40, 41); }
-int32_t writeNlDatmYQ(FormatCall *call, void *) { return partialForm(call, ValueKind::Datetime, 40, 41); }
-int32_t writeNlDateYW(FormatCall *call, void *) { return partialForm(call, ValueKind::Date, 42, 43); }
-int32_t writeNlDatmYW(FormatCall *call, void *) { return partialForm(call, ValueKind::Datetime, 42, 43); }
+int32_t writeNlDateYM(FormatCall *call, void *) { return partialForm(call, ValueKind::Date, kItemYearMonth, kItemYearMonthSecond); }
+int32_t writeNlDatmYM(FormatCall *call, void *) { return partialForm(call, ValueKind::Datetime, kItemYearMonth, kItemYearMonthSecond); }
+int32_t writeNlDateMD(FormatCall *call, void *) { return partialForm(call, ValueKind::Date, kItemMonthDay, kItemMonthDaySecond); }
+int32_t writeNlDatmMD(FormatCall *call, void *) { return partialForm(call, ValueKind::Datetime, kItemMonthDay, kItemMonthDaySecond); }
+int32_t writeNlDateYR(FormatCall *call, void *) { return partialForm(call, ValueKind::Date, kItemYear, kItemYearSecond); }
+int32_t writeNlDatmYR(FormatCall *call, void *) { return partialForm(call, ValueKind::Datetime, kItemYear, kItemYearSecond); }
+int32_t writeNlDateYQ(FormatCall *call, void *) { return partialForm(call, ValueKind::Date, kItemYearQuarter, kItemYearQuarterSecond); }
+int32_t writeNlDatmYQ(FormatCall *call, void *) { return partialForm(call, ValueKind::Datetime, kItemYearQuarter, kItemYearQuarterSecond); }
+int32_t writeNlDateYW(FormatCall *call, void *) { return partialForm(call, ValueKind::Date, kItemYearWeek, kItemYearWeekSecond); }
+int32_t writeNlDatmYW(FormatCall *call, void *) { return partialForm(call, ValueKind::Datetime, kItemYearWeek, kItemYearWeekSecond); }
 
 } // namespace zv

@@ -15,7 +15,7 @@ namespace zv {
 
 // The week date in a field of *fieldWidth units, from the left: WW, W WW,
 // YY W WW, YY W WW DD, CC YY W WW DD, or CC YY - W WW - DD from 11 on.
-int32_t writeWeekDate(ZvChar *output, int *fieldWidth, const ZvChar *mode, double dayCount) {
+int32_t writeWeekDate(ZvChar *output, int *fieldWidth, WeekMode mode, double dayCount) {
     double y, w, n;
     weekOfDate(dayCount, mode, &y, &w, &n);
     if (isMissing(y)) return 1;
@@ -89,7 +89,7 @@ bool openWeek(FormatCall *call, double *day, int32_t *status) {
     return true;
 }
 
-int32_t weekFormat(FormatCall *call, const ZvChar *mode) {
+int32_t weekFormat(FormatCall *call, WeekMode mode) {
     double day;
     int32_t status = 0;
     if (!openWeek(call, &day, &status)) return status;
@@ -138,12 +138,50 @@ int32_t shortWeekFormat(FormatCall *call, const ZvChar *yearDirective, const ZvC
 
 } // namespace
 
-int32_t writeWeekU(FormatCall *call, void *) { return weekFormat(call, u"U"); }
-int32_t writeWeekV(FormatCall *call, void *) { return weekFormat(call, u"V"); }
-int32_t writeWeekW(FormatCall *call, void *) { return weekFormat(call, u"W"); }
+int32_t writeWeekU(FormatCall *call, void *) { return weekFormat(call, WeekMode::U); }
+int32_t writeWeekV(FormatCall *call, void *) { return weekFormat(call, WeekMode::V); }
+int32_t writeWeekW(FormatCall *call, void *) { return weekFormat(call, WeekMode::W); }
 int32_t writeYyWeekU(FormatCall *call, void *) { return shortWeekFormat(call, u"%Y", u"%U"); }
 int32_t writeYyWeekV(FormatCall *call, void *) { return shortWeekFormat(call, u"%G", u"%V"); }
 int32_t writeYyWeekW(FormatCall *call, void *) { return shortWeekFormat(call, u"%Y", u"%W"); }
+
+namespace {
+
+// The pieces of DTWEEKV by width: the first row whose width the field
+// reaches. Narrower fields show the week date alone.
+struct DtWeekPieces {
+    int fromWidth;
+    const ZvChar *timePattern;
+    int timeLength;
+    int weekWidth;
+};
+constexpr DtWeekPieces kDtWeekPieces[] = {
+    {20, u"%H:%M:%S", 8, 11},
+    {18, u"%H:%M:%S", 8, 9},
+    {15, u"%H:%M", 5, 9},
+    {12, u"%H", 2, 9},
+};
+
+const DtWeekPieces *dtWeekPiecesFor(int width) {
+    for (const DtWeekPieces &p : kDtWeekPieces)
+        if (width >= p.fromWidth) return &p;
+    return nullptr;
+}
+
+// The time of day, from 0 up to a day also before 1960, and the day it falls on.
+double splitDatetime(double v, double *day) {
+    double t;
+    if (v >= 0) {
+        t = std::fmod(v, kSecondsPerDay);
+    } else {
+        const double r = std::fmod(-v, kSecondsPerDay);
+        t = r == 0 ? 0 : kSecondsPerDay - r;
+    }
+    *day = (v - t) / kSecondsPerDay;
+    return t;
+}
+
+} // namespace
 
 int32_t writeDtWeekV(FormatCall *call, void *opaque) {
     const double v = valueAt(call);
@@ -151,48 +189,36 @@ int32_t writeDtWeekV(FormatCall *call, void *opaque) {
     call->outputLength = w;
     if (isMissing(v)) return missingMarkHeld(call);
 
-    double t;
-    if (v >= 0) {
-        t = std::fmod(v, 86400.0);
-    } else {
-        const double r = std::fmod(-v, 86400.0);
-        t = r == 0 ? 0 : 86400.0 - r;
-    }
-    const double day = (v - t) / 86400.0;
+    double day;
+    const double t = splitDatetime(v, &day);
     fillField(call, u' ');
     const void *input = call->input;
     call->input = &day;
 
-    int32_t status = 0;
-    if (w < 12) {
-        status = writeWeekV(call, opaque);
+    const DtWeekPieces *pieces = dtWeekPiecesFor(w);
+    if (!pieces) {
+        const int32_t status = writeWeekV(call, opaque);
         call->input = input;
         return status;
     }
-    const ZvChar *timePattern = u"%H:%M:%S";
-    int timeLength = 8, weekWidth = 9;
-    if (w <= 14) timePattern = u"%H", timeLength = 2;
-    else if (w <= 17) timePattern = u"%H:%M", timeLength = 5;
-    else if (w >= 20) weekWidth = 11;
-
     if (!findInstance(call)) {
         call->input = input;
         return ZV_NO_INSTANCE;
     }
-    call->width = weekWidth;
+    call->width = pieces->weekWidth;
     if (writeWeekV(call, opaque) != 0 && call->output) {
         // A week text that fails stands as stars, and the time still follows.
         const int32_t saved = call->width;
         starFill(call);
         call->width = saved;
     }
-    putAt(call, weekWidth, u":", 1);
+    putAt(call, pieces->weekWidth, u":", 1);
     // The clock needs no names: it is written whether or not a block was built.
     ZvChar time[kPatternUnits];
-    int tw = timeLength;
-    const int32_t s = writeTimePattern(time, &tw, timePattern, wideLength(timePattern), t, 0,
+    int tw = pieces->timeLength;
+    const int32_t s = writeTimePattern(time, &tw, pieces->timePattern, wideLength(pieces->timePattern), t, 0,
                                        call->localeBlock);
-    if (s == kPatternFits || s == kPatternTooLong) putAt(call, weekWidth + 1, time, timeLength);
+    if (s == kPatternFits || s == kPatternTooLong) putAt(call, pieces->weekWidth + 1, time, pieces->timeLength);
     call->width = w;
     call->outputLength = w;
     call->input = input;

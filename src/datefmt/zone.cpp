@@ -8,6 +8,7 @@
 #include "datefmt/ladders.hpp"
 #include "datefmt/pattern.hpp"
 #include "frame/frame.hpp"
+#include "locale/block.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -60,81 +61,109 @@ void appendZone(FormatCall *call, const ZvChar *zone) {
     putAt(call, end, zone, kZoneUnits);
 }
 
+constexpr int kNoSecondItem = -1;
+
+// Opens a zone form and tries its locale patterns, the second only when the
+// first was too long. True when that answers the call, with *status.
+bool answeredByPattern(FormatCall *call, DateCall *d, int first, int second, bool zone, int *fieldWidth,
+                       int32_t *status) {
+    *status = 0;
+    if (!openDateFormat(call, ValueKind::Datetime, d, status)) return true;
+    if (call->decimals < 0) {
+        *status = 0;
+        return true;
+    }
+    int32_t last = 0;
+    *fieldWidth = call->width;
+    if (patternTry(*d, first, zone, &last, fieldWidth)) return true;
+    return second != kNoSecondItem && last == kPatternTooLong && patternTry(*d, second, zone, &last, fieldWidth);
+}
+
+// The call's width and capacity, saved while a narrower form writes in front
+// of the zone text; the whole capacity is blank first.
+struct SavedField {
+    int32_t width;
+    int32_t capacity;
+};
+
+SavedField narrowForZone(FormatCall *call, bool zone) {
+    blankCapacity(call);
+    const SavedField saved{call->width, call->outputCapacity};
+    if (zone) {
+        call->width = saved.width - kZoneUnits;
+        call->outputCapacity = saved.capacity - kZoneUnits;
+    }
+    return saved;
+}
+
+void restoreField(FormatCall *call, SavedField saved) {
+    call->width = saved.width;
+    call->outputCapacity = saved.capacity;
+}
+
+// The zone text that the engine wrote in front of `end`: the last units of
+// the pattern's text, blanks for places outside the field.
+void zoneTextBefore(const FormatCall *call, int64_t end, ZvChar *zone) {
+    const auto *out = static_cast<const ZvChar *>(call->output);
+    fillWide(zone, u' ', kZoneUnits);
+    for (int i = 0; i < kZoneUnits; ++i) {
+        const int64_t at = end - kZoneUnits + i;
+        if (out && at >= 0 && at < fieldUnits(call)) zone[i] = out[at];
+    }
+}
+
 int32_t datetimeWithZone(FormatCall *call, void *opaque, int first, int second, ZvWideEntry narrower) {
     DateCall d;
     int32_t status = 0;
-    if (!openDateFormat(call, ValueKind::Datetime, &d, &status)) return status;
-    if (call->decimals < 0) return 0;
-    int32_t last = 0;
-    int fieldWidth = call->width;
-    if (patternTry(d, first, true, &last, &fieldWidth)) return 0;
-    if (last == kPatternTooLong && patternTry(d, second, true, &last, &fieldWidth)) return 0;
+    int fieldWidth = 0;
+    if (answeredByPattern(call, &d, first, second, true, &fieldWidth, &status)) return status;
 
-    ZvChar zone[kZoneUnits];
+    // Nothing fitted: the zone is taken from behind the text of the last try.
     const auto *out = static_cast<const ZvChar *>(call->output);
-    const int64_t textEnd = out ? lengthWithoutTrailingBlanks(out, fieldUnits(call)) : 0;
-    fillWide(zone, u' ', kZoneUnits);
-    for (int i = 0; i < kZoneUnits; ++i)
-        if (textEnd - kZoneUnits + i >= 0) zone[i] = out[textEnd - kZoneUnits + i];
+    ZvChar zone[kZoneUnits];
+    zoneTextBefore(call, out ? lengthWithoutTrailingBlanks(out, fieldUnits(call)) : 0, zone);
 
-    blankCapacity(call);
-    const int32_t width = call->width, capacity = call->outputCapacity;
-    call->width = width - kZoneUnits;
-    call->outputCapacity = capacity - kZoneUnits;
+    const SavedField saved = narrowForZone(call, true);
     status = narrower(call, opaque);
     const int32_t written = call->outputLength;
-    call->width = width;
-    call->outputCapacity = capacity;
+    restoreField(call, saved);
 
-    const int64_t n = written < capacity ? written : capacity;
+    const int64_t n = written < saved.capacity ? written : saved.capacity;
     if (out && n > 0 && findChar(out, n, u'*') >= 0) return starFill(call);
     leftJustifyField(call);
     appendZone(call, zone);
-    call->outputLength = width;
+    call->outputLength = saved.width;
     return status;
 }
 
 int32_t clockWithZone(FormatCall *call, bool zone) {
     DateCall d;
     int32_t status = 0;
-    if (!openDateFormat(call, ValueKind::Datetime, &d, &status)) return status;
-    if (call->decimals < 0) return 0;
-    int32_t last = 0;
-    int fieldWidth = call->width;
-    if (patternTry(d, 53, zone, &last, &fieldWidth)) return 0;
+    int fieldWidth = 0;
+    if (answeredByPattern(call, &d, kItemTime, kNoSecondItem, zone, &fieldWidth, &status)) return status;
 
+    // The zone stands at the end of the last try's field.
     ZvChar zoneText[kZoneUnits];
-    const auto *out = static_cast<const ZvChar *>(call->output);
-    fillWide(zoneText, u' ', kZoneUnits);
-    for (int i = 0; i < kZoneUnits; ++i) {
-        const int64_t at = int64_t(fieldWidth) - kZoneUnits + i;
-        if (out && at >= 0 && at < fieldUnits(call)) zoneText[i] = out[at];
-    }
+    zoneTextBefore(call, fieldWidth, zoneText);
 
-    blankCapacity(call);
-    const int32_t width = call->width, capacity = call->outputCapacity;
+    const SavedField saved = narrowForZone(call, zone);
     HostLocale *locale = call->locale;
-    if (zone) {
-        call->width = width - kZoneUnits;
-        call->outputCapacity = capacity - kZoneUnits;
-    }
     call->locale = d.instance->defaultLocale;
     status = writeClockOfDatetime(call);
     leftJustifyField(call);
     call->locale = locale;
-    call->width = width;
-    call->outputCapacity = capacity;
+    restoreField(call, saved);
     if (zone) {
         appendZone(call, zoneText);
-        call->outputLength = width;
+        call->outputLength = saved.width;
     }
     return status;
 }
 
 } // namespace
 
-int32_t writeNlDatmZ(FormatCall *call, void *opaque) { return datetimeWithZone(call, opaque, 46, 47, writeNlDatmS); }
-int32_t writeNlDatmWZ(FormatCall *call, void *opaque) { return datetimeWithZone(call, opaque, 50, 51, writeNlDatmW); }
+int32_t writeNlDatmZ(FormatCall *call, void *opaque) { return datetimeWithZone(call, opaque, kItemDatetime, kItemDatetimeSecond, writeNlDatmS); }
+int32_t writeNlDatmWZ(FormatCall *call, void *opaque) { return datetimeWithZone(call, opaque, kItemDatetimeWeekday, kItemDatetimeWeekdaySecond, writeNlDatmW); }
 int32_t writeNlDatmTZ(FormatCall *call, void *) { return clockWithZone(call, true); }
 int32_t writeNlDatmTM(FormatCall *call, void *) { return clockWithZone(call, false); }
 

@@ -26,8 +26,22 @@ struct DatePatternRow {
 constexpr int kDatePatternRowCount = 148;
 extern const DatePatternRow datePatternTable[kDatePatternRowCount];
 
+// Characters more that a row reading seconds admits, for their fraction.
+constexpr int64_t kSecondsRoom = 10;
+// kSecondsRoom when the row's pattern reads seconds ("%S"), else 0.
+int64_t secondsRoomOf(const DatePatternRow &row);
+// Where the pair a, b first stands in a zero-ended pattern, or -1.
+int64_t firstPair(const ZvChar *pattern, ZvChar a, ZvChar b);
+
+// What a row of the table gave, in *kindOut of readByPattern.
+constexpr int32_t kReadNothing = 0;
+constexpr int32_t kReadDate = 1;     // a day count
+constexpr int32_t kReadTime = 2;     // seconds of a time
+constexpr int32_t kReadDatetime = 3; // a second count
+
 // Statuses of the readers.
 constexpr int32_t kNoFormFits = 999;
+constexpr int32_t kRowWithoutPattern = 1;
 constexpr int32_t kDateReadFailed = static_cast<int32_t>(0x80000000u);
 
 // Reads `text` under the rows of `name` (row null: the first row that
@@ -49,8 +63,9 @@ int64_t cleanDateText(ZvChar *text, int64_t length);
 // Reads a date, a time or both out of `text` under one %-pattern of the
 // call's locale block. outDate and outTime are preset by the caller and
 // written only when there is a value for them.
-// 0: read (or nothing read at all); 2: a time with hour, minute or second
-// missing; -1: failure.
+constexpr int32_t kLocaleFormRead = 0;        // read, or nothing read at all
+constexpr int32_t kLocaleFormPartialTime = 2; // a time with hour, minute or second missing
+constexpr int32_t kLocaleFormFailed = -1;
 int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
                        const ZvChar *pattern, int64_t patternLength, double *outDate,
                        double *outTime);

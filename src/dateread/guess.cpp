@@ -2,6 +2,7 @@
 // the date pattern table are tried in order until one gives a value.
 #include <cmath>
 
+#include "datefmt/calendar.hpp"
 #include "dateread/dateread.hpp"
 #include "frame/frame.hpp"
 #include "wide/wide.hpp"
@@ -21,12 +22,6 @@ bool sameZ(const ZvChar *a, const ZvChar *b) {
     return a[i] == b[i];
 }
 
-int64_t firstPair(const ZvChar *s, ZvChar a, ZvChar b) {
-    for (int64_t i = 0; s && s[i] != 0 && s[i + 1] != 0; ++i)
-        if (s[i] == a && s[i + 1] == b) return i;
-    return -1;
-}
-
 enum class Keep { Day, Time, Both };
 
 int32_t guess(FormatCall *call, Keep keep) {
@@ -40,13 +35,13 @@ int32_t guess(FormatCall *call, Keep keep) {
     const bool hasColon = findChar(buffer, length, u':') >= 0;
 
     bool found = false;
-    int32_t kind = 0;
+    int32_t kind = kReadNothing;
     for (int i = 0; i < kDatePatternRowCount && !found; ++i) {
         const DatePatternRow &row = datePatternTable[i];
         if (!sameZ(row.name, u"ANYDATE")) continue;
         if (!hasColon && sameZ(row.kind, u"TME")) continue;
-        const int64_t extra = firstPair(row.pattern, u'%', u'S') >= 0 ? 10 : 0;
-        if (length < static_cast<int64_t>(row.minLength) || length > static_cast<int64_t>(row.maxLength) + extra)
+        if (length < static_cast<int64_t>(row.minLength) ||
+            length > static_cast<int64_t>(row.maxLength) + secondsRoomOf(row))
             continue;
         int32_t status = readByPattern(nullptr, 0, &row, buffer, length, output, &kind, 0);
         if (status == 0 && !isMissing(*output)) {
@@ -71,10 +66,10 @@ int32_t guess(FormatCall *call, Keep keep) {
     }
 
     double value = found ? *output : missingValue();
-    if (kind == 1 && !isMissing(value)) value *= 86400.0;
+    if (kind == kReadDate && !isMissing(value)) value *= kSecondsPerDay;
     if (!isMissing(value)) {
-        if (keep == Keep::Day) value = static_cast<double>(static_cast<int64_t>(value) / 86400);
-        else if (keep == Keep::Time) value = std::fmod(value, 86400.0);
+        if (keep == Keep::Day) value = static_cast<double>(static_cast<int64_t>(value) / static_cast<int64_t>(kSecondsPerDay));
+        else if (keep == Keep::Time) value = std::fmod(value, kSecondsPerDay);
     }
     *output = value;
     return 0;

@@ -12,9 +12,13 @@ namespace {
 
 constexpr int32_t kFormFailed = -3;
 
-constexpr int32_t kDateItems[] = {28, 29, 32, 32, 33};
-constexpr int32_t kDatetimeItems[] = {46, 47, 50, 50, 51, 44, 45};
-constexpr int32_t kTimeItems[] = {53};
+// The locale patterns tried, in order; an item that stands twice is harmless.
+constexpr int32_t kDateItems[] = {kItemDate, kItemDateSecond, kItemDateWeekday, kItemDateWeekday,
+                                  kItemDateWeekdaySecond};
+constexpr int32_t kDatetimeItems[] = {kItemDatetime,        kItemDatetimeSecond,        kItemDatetimeWeekday,
+                                      kItemDatetimeWeekday, kItemDatetimeWeekdaySecond, kItemDatetimeAmPm,
+                                      kItemDatetimeAmPmSecond};
+constexpr int32_t kTimeItems[] = {kItemTime};
 
 enum class Reading { Date, Datetime, Time };
 
@@ -38,13 +42,13 @@ int32_t readNl(FormatCall *call, Reading reading) {
     if (!haveBlock) haveBlock = buildLocaleBlock(call, instance) == 0 && call->localeBlock != nullptr;
 
     if (haveBlock) {
-        if (length == 0) return 1;
+        if (length == 0) return ZV_UNREADABLE;
         const LocaleBlock *block = call->localeBlock;
         switch (reading) {
         case Reading::Date:
             for (int32_t item : kDateItems) {
                 const LocaleItem &p = block->items[item];
-                if (readDateForm(call, text, length, p.text, patternLengthOf(p), output) == 0) return 0;
+                if (readDateForm(call, text, length, p.text, patternLengthOf(p), output) == kLocaleFormRead) return 0;
             }
             break;
         case Reading::Datetime: {
@@ -53,8 +57,8 @@ int32_t readNl(FormatCall *call, Reading reading) {
             for (int32_t item : kDatetimeItems) {
                 const LocaleItem &p = block->items[item];
                 const int32_t status = readDateTimeForm(call, text, length, p.text, patternLengthOf(p), output);
-                if (status == 0) return 0;
-                if (status == 2 && !remembered) {
+                if (status == kLocaleFormRead) return 0;
+                if (status == kLocaleFormPartialTime && !remembered) {
                     remembered = true;
                     partial = *output;
                 }
@@ -69,7 +73,7 @@ int32_t readNl(FormatCall *call, Reading reading) {
             for (int32_t item : kTimeItems) {
                 const LocaleItem &p = block->items[item];
                 const int32_t status = readTimeForm(call, text, length, p.text, patternLengthOf(p), output);
-                if (status == 0 || status == 2) return 0;
+                if (status == kLocaleFormRead || status == kLocaleFormPartialTime) return 0;
             }
             break;
         }
@@ -99,8 +103,8 @@ int32_t readDateTimeForm(FormatCall *call, const ZvChar *text, int64_t textLengt
     double date = missingValue(), time = missingValue();
     const int32_t status = readLocaleForm(call, text, textLength, pattern, patternLength, &date, &time);
     if (status < 0 || !dateInRange(date)) return kFormFailed;
-    if (isMissing(time) || !(time >= 0.0 && time < 86400.0)) return kFormFailed;
-    *out = date * 86400.0 + time;
+    if (isMissing(time) || !(time >= 0.0 && time < kSecondsPerDay)) return kFormFailed;
+    *out = date * kSecondsPerDay + time;
     return status;
 }
 

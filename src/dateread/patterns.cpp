@@ -6,6 +6,8 @@
 #include "datefmt/calendar.hpp"
 #include "dateread/dateread.hpp"
 #include "frame/frame.hpp"
+#include "locale/block.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -13,6 +15,10 @@ namespace zv {
 namespace {
 
 constexpr int kNormalisedRoom = 64;
+// A run of digits shorter than this may be padded; the day-month-year rows
+// take eight characters apart.
+constexpr int kShortDigitRun = 8;
+
 constexpr int kMaxCountedDigits = 19;
 
 const ZvChar kWeekdayWords[] = u"SUN MON TUE WED THU FRI SAT ";
@@ -33,14 +39,7 @@ bool sameText(const ZvChar *a, int64_t aLength, const ZvChar *b) {
     return true;
 }
 
-bool holds(const ZvChar *pattern, ZvChar a, ZvChar b) {
-    for (int64_t i = 0; pattern && pattern[i] != 0 && pattern[i + 1] != 0; ++i)
-        if (pattern[i] == a && pattern[i + 1] == b) return true;
-    return false;
-}
 
-bool isAsciiDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
-bool isAsciiLetter(ZvChar c) { return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'); }
 bool isRunStop(ZvChar c) {
     return c == u' ' || isAsciiDigit(c) || c == u',' || c == u'.';
 }
@@ -152,128 +151,150 @@ void storeField(RowTry &r, Field f, int64_t value) {
 
 bool isSeparator(ZvChar c) { return c == u'/' || c == u'-' || c == u':' || c == u' '; }
 
-// Reads one directive whose word is w[0..wl). False: the row is refused.
-bool actOn(RowTry &r, const ZvChar *w, int wl) {
-    const bool allDigits = r.call->allDigits;
-    auto is = [&](const char16_t *s) {
+// A directive's word, as tryRow cut it from the pattern.
+struct Word {
+    const ZvChar *w;
+    int length;
+    bool is(const char16_t *s) const {
         int n = 0;
         while (s[n]) ++n;
-        if (n != wl) return false;
+        if (n != length) return false;
         for (int i = 0; i < n; ++i)
             if (w[i] != s[i]) return false;
         return true;
-    };
-    int64_t value = 0;
-    int count = 0;
+    }
+};
+
+// The directives that read digits: how many (0 for a run of any length) and
+// into which field. With `fixedWhenAllDigits` the width holds only for a
+// text of digits throughout, and a run is read otherwise.
+struct NumberRule {
+    const char16_t *word;
+    int width;
+    bool fixedWhenAllDigits;
+    Field field; // kFieldCount: read and dropped
+};
+
+constexpr NumberRule kNumberRules[] = {
+    {u"m", 2, true, kMonth},      {u"d", 2, true, kDay},        {u"y", 2, true, kYear},
+    {u"H", 2, true, kHour},       {u"M", 2, true, kMinute},     {u"S", 2, true, kSecond},
+    {u"j", 3, true, kYearDay},    {u"0j", 3, true, kYearDay},   {u"0m", 2, false, kMonth},
+    {u"0d", 2, false, kDay},      {u"0y", 2, false, kYear},     {u"0H", 2, false, kHour},
+    {u"0M", 2, false, kMinute},   {u"0S", 2, false, kSecond},   {u"0i", 2, false, kHour},
+    {u"i", 0, false, kHour},      {u"I", 0, false, kHour},      {u"Y", 4, false, kYear},
+    {u"xY", 0, false, kYear},     {u"xy", 0, false, kYear},     {u"q", 1, false, kQuarter},
+    {u"w", 1, false, kWeekday},   {u"e", 0, false, kFieldCount},
+};
+
+const NumberRule *numberRuleOf(const Word &word) {
+    for (const NumberRule &rule : kNumberRules)
+        if (word.is(rule.word)) return &rule;
+    return nullptr;
+}
+
+// A quarter in Roman figures: I, II, III, IV or IIII in either case; 0 for
+// anything else.
+int64_t romanQuarter(const ZvChar *text, int64_t length) {
+    if (length > 4) return 0;
+    ZvChar up[4];
+    for (int64_t i = 0; i < length; ++i) {
+        up[i] = foldUpperChar(text[i]);
+        if (up[i] != u'I' && up[i] != u'V') return 0;
+    }
+    static const struct {
+        const char16_t *text;
+        int quarter;
+    } kRoman[] = {{u"I", 1}, {u"II", 2}, {u"III", 3}, {u"IV", 4}, {u"IIII", 4}};
+    int64_t quarter = 0;
+    for (const auto &k : kRoman) {
+        int n = 0;
+        while (k.text[n]) ++n;
+        if (n == length && std::memcmp(up, k.text, sizeof(ZvChar) * n) == 0) quarter = k.quarter;
+    }
+    return quarter;
+}
+
+// The directives that read words and marks. False: the row is refused.
+// *field stays kFieldCount for what gives no field; a word that is no
+// directive reads nothing.
+bool readWordDirective(RowTry &r, const Word &word, Field *field, int64_t *value) {
     int64_t start = 0, length = 0;
     bool blank = false;
-    Field field = kFieldCount;
-
-    if (wl == 1 && (w[0] == u'm' || w[0] == u'd' || w[0] == u'y' || w[0] == u'H' || w[0] == u'M' ||
-                    w[0] == u'S')) {
-        if (!readNumber(r, allDigits ? 2 : 0, &value, &count)) return false;
-        switch (w[0]) {
-        case u'm': field = kMonth; break;
-        case u'd': field = kDay; break;
-        case u'y': field = kYear; break;
-        case u'H': field = kHour; break;
-        case u'M': field = kMinute; break;
-        default: field = kSecond; break;
-        }
-    } else if (is(u"e")) {
-        if (!readNumber(r, 0, &value, &count)) return false;
-    } else if (is(u"i") || is(u"I")) {
-        if (!readNumber(r, 0, &value, &count)) return false;
-        field = kHour;
-    } else if (is(u"Y")) {
-        if (!readNumber(r, 4, &value, &count)) return false;
-        field = kYear;
-    } else if (is(u"j") || is(u"0j")) {
-        if (!readNumber(r, allDigits ? 3 : 0, &value, &count)) return false;
-        field = kYearDay;
-    } else if (wl == 2 && w[0] == u'0' &&
-               (w[1] == u'm' || w[1] == u'd' || w[1] == u'y' || w[1] == u'H' || w[1] == u'M' ||
-                w[1] == u'S' || w[1] == u'i')) {
-        if (!readNumber(r, 2, &value, &count)) return false;
-        switch (w[1]) {
-        case u'm': field = kMonth; break;
-        case u'd': field = kDay; break;
-        case u'y': field = kYear; break;
-        case u'M': field = kMinute; break;
-        case u'S': field = kSecond; break;
-        default: field = kHour; break;
-        }
-    } else if (wl == 2 && w[0] == u'x' && (w[1] == u'Y' || w[1] == u'y')) {
-        if (!readNumber(r, 0, &value, &count)) return false;
-        field = kYear;
-    } else if (is(u"q")) {
-        if (!readNumber(r, 1, &value, &count)) return false;
-        field = kQuarter;
-    } else if (is(u"w")) {
-        if (!readNumber(r, 1, &value, &count)) return false;
-        field = kWeekday;
-    } else if (is(u"a") || is(u"A") || is(u"xA")) {
+    if (word.is(u"a") || word.is(u"A") || word.is(u"xA")) {
         if (!readWord(r, &start, &length, &blank) || blank) return false;
-        value = placeInList(r.text + start, length, kWeekdayWords, 7);
-        if (value == 0) return false;
-        field = kWeekday;
-    } else if (is(u"b") || is(u"B") || is(u"ub") || is(u"u1b") || is(u"xB") || is(u"1b")) {
-        const bool ok = is(u"1b") ? readRun(r, false, &start, &length, &blank)
-                                  : readWord(r, &start, &length, &blank);
+        *value = placeInList(r.text + start, length, kWeekdayWords, kWeekdayNames);
+        *field = kWeekday;
+        return *value != 0;
+    }
+    if (word.is(u"b") || word.is(u"B") || word.is(u"ub") || word.is(u"u1b") || word.is(u"xB") || word.is(u"1b")) {
+        const bool ok = word.is(u"1b") ? readRun(r, false, &start, &length, &blank)
+                                       : readWord(r, &start, &length, &blank);
         if (!ok || blank) return false;
-        value = placeInList(r.text + start, length, kMonthWords, 12);
-        if (value == 0) return false;
-        field = kMonth;
-    } else if (is(u"r")) {
-        if (!readWord(r, &start, &length, &blank) || blank || length > 4) return false;
-        for (int64_t i = 0; i < length; ++i)
-            if (foldUpperChar(r.text[start + i]) != u'I' && foldUpperChar(r.text[start + i]) != u'V')
-                return false;
-        ZvChar up[4];
-        for (int64_t i = 0; i < length; ++i) up[i] = foldUpperChar(r.text[start + i]);
-        static const struct {
-            const char16_t *text;
-            int quarter;
-        } kRoman[] = {{u"I", 1}, {u"II", 2}, {u"III", 3}, {u"IV", 4}, {u"IIII", 4}};
-        value = 0;
-        for (const auto &k : kRoman) {
-            int n = 0;
-            while (k.text[n]) ++n;
-            if (n == length && std::memcmp(up, k.text, sizeof(ZvChar) * n) == 0) value = k.quarter;
-        }
-        if (value == 0) return false;
-        field = kQuarter;
-    } else if (is(u"c") || is(u"C")) {
-        if (!readRun(r, w[0] == u'C', &start, &length, &blank)) return false;
-        if (length != 1 || !isSeparator(r.text[start])) return false;
-    } else if (is(u"z")) {
-        if (!readWord(r, &start, &length, &blank)) return false;
-    } else if (is(u"p")) {
+        *value = placeInList(r.text + start, length, kMonthWords, kMonthNames);
+        *field = kMonth;
+        return *value != 0;
+    }
+    if (word.is(u"r")) {
+        if (!readWord(r, &start, &length, &blank) || blank) return false;
+        *value = romanQuarter(r.text + start, length);
+        *field = kQuarter;
+        return *value != 0;
+    }
+    if (word.is(u"c") || word.is(u"C")) {
+        if (!readRun(r, word.w[0] == u'C', &start, &length, &blank)) return false;
+        return length == 1 && isSeparator(r.text[start]);
+    }
+    if (word.is(u"z")) return readWord(r, &start, &length, &blank);
+    if (word.is(u"p")) {
         if (!readWord(r, &start, &length, &blank)) return false;
         if (!blank) r.amPm = foldUpperChar(r.text[start]);
-    } else if (is(u"G")) {
+        return true;
+    }
+    if (word.is(u"G")) {
         if (!readRun(r, false, &start, &length, &blank) || blank || length != 1) return false;
         const ZvChar s = r.text[start];
         if (s != u'+' && s != u'-') return false;
         r.call->zoneSeen = true;
         r.call->zoneSign = s == u'+' ? 1 : -1;
     }
-    // Anything else reads nothing.
+    return true;
+}
 
-    if ((is(u"S") || is(u"0S")) && r.length - r.pos >= 2 && r.text[r.pos] == u'.' &&
-        isAsciiDigit(r.text[r.pos + 1])) {
-        ++r.pos;
-        int64_t digits = 0;
-        int n = 0;
-        readNumber(r, 0, &digits, &n);
-        const int counted = n < kMaxCountedDigits ? n : kMaxCountedDigits;
-        r.call->fraction = static_cast<double>(digits) / std::pow(10.0, counted);
+// The fraction behind the seconds: a point and a run of digits, of which the
+// first 19 count.
+void readFraction(RowTry &r) {
+    if (!(r.length - r.pos >= 2 && r.text[r.pos] == u'.' && isAsciiDigit(r.text[r.pos + 1]))) return;
+    ++r.pos;
+    int64_t digits = 0;
+    int n = 0;
+    readNumber(r, 0, &digits, &n);
+    const int counted = n < kMaxCountedDigits ? n : kMaxCountedDigits;
+    r.call->fraction = static_cast<double>(digits) / std::pow(10.0, counted);
+}
+
+// AM and PM act on the hour after each directive, so the mark may stand
+// before the hour as well as behind it.
+void applyAmPm(RowTry &r) {
+    if (r.amPm == u' ' || r.field[kHour] == -1) return;
+    if (r.amPm == u'A' && r.field[kHour] == 12) r.field[kHour] = 0;
+    if (r.amPm == u'P' && r.field[kHour] < 12) r.field[kHour] += 12;
+}
+
+// Reads one directive whose word is w[0..wl). False: the row is refused.
+bool actOn(RowTry &r, const ZvChar *w, int wl) {
+    const Word word{w, wl};
+    Field field = kFieldCount;
+    int64_t value = 0;
+    if (const NumberRule *rule = numberRuleOf(word)) {
+        const int width = rule->fixedWhenAllDigits && !r.call->allDigits ? 0 : rule->width;
+        if (!readNumber(r, width, &value, nullptr)) return false;
+        field = rule->field;
+    } else if (!readWordDirective(r, word, &field, &value)) {
+        return false;
     }
+    if (word.is(u"S") || word.is(u"0S")) readFraction(r);
     if (field != kFieldCount) storeField(r, field, value);
-    if (r.amPm != u' ' && r.field[kHour] != -1) {
-        if (r.amPm == u'A' && r.field[kHour] == 12) r.field[kHour] = 0;
-        if (r.amPm == u'P' && r.field[kHour] < 12) r.field[kHour] += 12;
-    }
+    applyAmPm(r);
     return true;
 }
 
@@ -331,10 +352,8 @@ void valueOf(RowTry &r, const DatePatternRow &row, const ZvChar *name, int64_t n
         const int64_t m = f[kMinute] < 0 ? 0 : f[kMinute];
         cs.zoneOffset = -static_cast<double>(h * 3600 + m * 60) * cs.zoneSign;
         if (nameLength == 7 && (sameText(name, nameLength, u"B8601LZ") || sameText(name, nameLength, u"E8601LZ"))) {
-            double clock[2] = {0.0, 0.0};
-            if (hostAnchor && hostAnchor->ops && hostAnchor->ops->readClock)
-                hostAnchor->ops->readClock(hostAnchor, 16, clock, 0x10800000u);
-            cs.zoneOffset -= std::trunc(clock[1]);
+            // Local-time forms: the host's shift of its clock moves the time on.
+            cs.zoneOffset -= std::trunc(readHostClock().shift);
         }
         f[kHour] = cs.savedHour;
         f[kMinute] = cs.savedMinute;
@@ -363,25 +382,112 @@ void valueOf(RowTry &r, const DatePatternRow &row, const ZvChar *name, int64_t n
         const double h = f[kHour] == -1 ? 0.0 : static_cast<double>(f[kHour]);
         const double m = f[kMinute] == -1 ? 0.0 : static_cast<double>(f[kMinute]);
         const double s = f[kSecond] == -1 ? 0.0 : static_cast<double>(f[kSecond]);
-        time = (cs.fraction + cs.zoneOffset) + (h * 3600.0 + m * 60.0 + s);
+        time = (cs.fraction + cs.zoneOffset) + (h * kSecondsPerHour + m * kSecondsPerMinute + s);
         hasTime = true;
     }
 
     if (row.kind[0] == u'D' && row.kind[1] == u'T' && row.kind[2] == u'E') {
         *outValue = date;
-        *kindOut = 1;
+        *kindOut = kReadDate;
     } else if (row.kind[0] == u'T') {
         *outValue = hasTime ? time : missingValue();
-        *kindOut = 2;
+        *kindOut = kReadTime;
     } else if (hasDate && hasTime) {
-        *outValue = date * 86400.0 + time;
-        *kindOut = 3;
+        *outValue = date * kSecondsPerDay + time;
+        *kindOut = kReadDatetime;
     } else {
-        *kindOut = 0;
+        *kindOut = kReadNothing;
     }
 }
 
+// The text the rows read: with `normalise` a cleaned copy of its first
+// kNormalisedRoom characters; for the day-month-year names an odd count of
+// digits led by "0".
+struct RowText {
+    ZvChar normalised[kNormalisedRoom];
+    ZvChar padded[kShortDigitRun + 1];
+    const ZvChar *text = nullptr;
+    int64_t length = 0;
+};
+
+void takeText(RowText &t, const ZvChar *text, int64_t textLength, bool normalise) {
+    t.text = text;
+    t.length = textLength;
+    if (!normalise) return;
+    t.length = textLength < kNormalisedRoom ? textLength : kNormalisedRoom;
+    for (int64_t i = 0; i < t.length; ++i) t.normalised[i] = text[i];
+    t.length = cleanDateText(t.normalised, t.length);
+    t.text = t.normalised;
+}
+
+// Digits throughout, once a "T" at the ninth place, a closing "Z" and the
+// sign of a zone are taken for digits: the basic ISO forms and plain runs.
+bool allDigitsOf(const ZvChar *text, int64_t length) {
+    for (int64_t i = 0; i < length; ++i) {
+        ZvChar c = text[i];
+        if (i == 8 && c == u'T' && length > 9) c = u'0';
+        if (i == length - 1 && c == u'Z') c = u'0';
+        if ((length == 11 || length == 20) && i == length - 5 && (c == u'-' || c == u'+')) c = u'0';
+        if (!isAsciiDigit(c)) return false;
+    }
+    return true;
+}
+
+bool isDayMonthYearName(const ZvChar *name, int64_t nameLength) {
+    return nameLength == 6 &&
+           (sameText(name, 6, u"YYMMDD") || sameText(name, 6, u"DDMMYY") || sameText(name, 6, u"MMDDYY"));
+}
+
+// A short run of an odd count of digits reads as if a "0" led it: 12345 as
+// 012345.
+void padOddDigits(RowText &t) {
+    int64_t a = 0, b = t.length;
+    while (a < b && t.text[a] == u' ') ++a;
+    while (b > a && t.text[b - 1] == u' ') --b;
+    bool digits = true;
+    for (int64_t i = a; i < b; ++i) digits = digits && isAsciiDigit(t.text[i]);
+    if (!(b - a < kShortDigitRun && digits && (b - a) % 2 == 1)) return;
+    t.padded[0] = u'0';
+    for (int64_t i = a; i < b; ++i) t.padded[1 + i - a] = t.text[i];
+    t.text = t.padded;
+    t.length = 1 + b - a;
+}
+
+// The first row of the name whose widths admit the text. Eight characters that are not all digits skip a
+// day-month-year row without separators.
+const DatePatternRow *firstRow(const ZvChar *name, int64_t nameLength, int64_t length, bool allDigits,
+                               bool dayMonthYear) {
+    for (int i = 0; i < kDatePatternRowCount; ++i) {
+        const DatePatternRow &r = datePatternTable[i];
+        if (!sameText(name, nameLength, r.name)) continue;
+        if (length < static_cast<int64_t>(r.minWidth) ||
+            length > static_cast<int64_t>(r.maxWidth) + secondsRoomOf(r))
+            continue;
+        if (dayMonthYear && length == kShortDigitRun && !allDigits && firstPair(r.pattern, u'%', u'c') < 0 &&
+            i + 1 < kDatePatternRowCount)
+            return &datePatternTable[i + 1];
+        return &r;
+    }
+    return nullptr;
+}
+
+// The row behind `r` in the table; null behind the last one and for a row
+// that is not the table's own.
+const DatePatternRow *nextRow(const DatePatternRow *r) {
+    for (int64_t i = 0; i + 1 < kDatePatternRowCount; ++i)
+        if (datePatternTable + i == r) return &datePatternTable[i + 1];
+    return nullptr;
+}
+
 } // namespace
+
+int64_t firstPair(const ZvChar *pattern, ZvChar a, ZvChar b) {
+    for (int64_t i = 0; pattern && pattern[i] != 0 && pattern[i + 1] != 0; ++i)
+        if (pattern[i] == a && pattern[i + 1] == b) return i;
+    return -1;
+}
+
+int64_t secondsRoomOf(const DatePatternRow &row) { return firstPair(row.pattern, u'%', u'S') >= 0 ? kSecondsRoom : 0; }
 
 int64_t cleanDateText(ZvChar *text, int64_t length) {
     int64_t n = length;
@@ -407,85 +513,30 @@ int32_t readByPattern(const ZvChar *name, int64_t nameLength, const DatePatternR
     if (textLength < 0 || !text) textLength = 0;
     if (nameLength < 0 || !name) nameLength = 0;
 
-    ZvChar normalised[kNormalisedRoom];
-    const ZvChar *work = text;
-    int64_t length = textLength;
-    if (normalise) {
-        length = textLength < kNormalisedRoom ? textLength : kNormalisedRoom;
-        for (int64_t i = 0; i < length; ++i) normalised[i] = text[i];
-        length = cleanDateText(normalised, length);
-        work = normalised;
-    }
-
+    RowText t;
+    takeText(t, text, textLength, normalise != 0);
     CallState state;
-    // Digits throughout, once a "T" at the ninth place, a closing "Z" and
-    // the sign of a zone are taken for digits.
-    state.allDigits = true;
-    for (int64_t i = 0; i < length; ++i) {
-        ZvChar c = work[i];
-        if (i == 8 && c == u'T' && length > 9) c = u'0';
-        if (i == length - 1 && c == u'Z') c = u'0';
-        if ((length == 11 || length == 20) && i == length - 5 && (c == u'-' || c == u'+')) c = u'0';
-        if (!isAsciiDigit(c)) {
-            state.allDigits = false;
-            break;
-        }
-    }
-
-    const bool dayMonthYearName = nameLength == 6 && (sameText(name, 6, u"YYMMDD") ||
-                                                      sameText(name, 6, u"DDMMYY") ||
-                                                      sameText(name, 6, u"MMDDYY"));
-    ZvChar padded[9];
-    if (dayMonthYearName) {
-        int64_t a = 0, b = length;
-        while (a < b && work[a] == u' ') ++a;
-        while (b > a && work[b - 1] == u' ') --b;
-        bool digits = true;
-        for (int64_t i = a; i < b; ++i) digits = digits && isAsciiDigit(work[i]);
-        if (b - a < 8 && digits && (b - a) % 2 == 1) {
-            padded[0] = u'0';
-            for (int64_t i = a; i < b; ++i) padded[1 + i - a] = work[i];
-            work = padded;
-            length = 1 + b - a;
-        }
-    }
-
-    const DatePatternRow *const table = datePatternTable;
-    auto indexOf = [&](const DatePatternRow *r) -> int64_t {
-        for (int64_t i = 0; i < kDatePatternRowCount; ++i)
-            if (table + i == r) return i;
-        return -1;
-    };
+    state.allDigits = allDigitsOf(t.text, t.length);
+    const bool dayMonthYear = isDayMonthYearName(name, nameLength);
+    if (dayMonthYear) padOddDigits(t);
 
     const DatePatternRow *current = row;
     if (!current) {
         if (nameLength == 0) return kNoFormFits;
-        for (int i = 0; i < kDatePatternRowCount && !current; ++i) {
-            const DatePatternRow &r = table[i];
-            if (!sameText(name, nameLength, r.name)) continue;
-            const int64_t extra = holds(r.pattern, u'%', u'S') ? 10 : 0;
-            if (length >= static_cast<int64_t>(r.minWidth) && length <= static_cast<int64_t>(r.maxWidth) + extra) {
-                current = &r;
-                if (dayMonthYearName && length == 8 && !state.allDigits && !holds(r.pattern, u'%', u'c') &&
-                    i + 1 < kDatePatternRowCount)
-                    current = &table[i + 1];
-            }
-        }
+        current = firstRow(name, nameLength, t.length, state.allDigits, dayMonthYear);
         if (!current) return kNoFormFits;
     }
-
-    bool first = true;
-    while (true) {
-        *kindOut = 0;
+    // The rows of the name from the first on; a row given alone is tried alone.
+    for (bool first = true;; first = false) {
+        *kindOut = kReadNothing;
         if (!current) return kNoFormFits;
         if (nameLength != 0 && !sameText(name, nameLength, current->name)) return kNoFormFits;
         if (nameLength == 0 && !first) return kNoFormFits;
-        first = false;
-        if (!current->pattern) return 1;
+        if (!current->pattern) return kRowWithoutPattern;
 
         RowTry r{};
-        r.text = work;
-        r.length = length;
+        r.text = t.text;
+        r.length = t.length;
         r.pos = 0;
         for (int64_t &f : r.field) f = -1;
         r.amPm = u' ';
@@ -496,8 +547,7 @@ int32_t readByPattern(const ZvChar *name, int64_t nameLength, const DatePatternR
             return 0;
         }
         *outValue = missingValue();
-        const int64_t at = indexOf(current);
-        current = at >= 0 && at + 1 < kDatePatternRowCount ? &table[at + 1] : nullptr;
+        current = nextRow(current);
     }
 }
 

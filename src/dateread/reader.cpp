@@ -6,6 +6,7 @@
 #include "dateread/dateread.hpp"
 #include "frame/frame.hpp"
 #include "locale/block.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -14,6 +15,7 @@ namespace {
 
 constexpr int kMaxTokens = 64;
 constexpr int64_t kFoldRoom = 160;
+constexpr int kOrderLetters = 3; // Y, M and D, as item 6 holds them
 // Digits beyond this keep a field from growing: no field has a use for it.
 constexpr int64_t kFieldCeiling = 1000000000000LL;
 
@@ -38,11 +40,18 @@ struct PatternToken {
     int32_t kind;
 };
 
+// What a text token holds; a token changes where digits meet other characters.
+enum TokenClass : int32_t {
+    kNoClass = 0, // before the first character of a token
+    kDigits = 1,  // ASCII digits only
+    kNoDigits = 2,
+};
+
 struct TextToken {
     int32_t start;
     int32_t length;
-    int32_t cls;
-    int32_t used;
+    TokenClass cls;
+    int32_t used; // nonzero: taken by an AM or PM mark
 };
 
 // The kind of a directive letter, or -1 when it is none.
@@ -87,8 +96,6 @@ bool sameFolded(const ZvChar *a, const ZvChar *b, int64_t n) {
         if (x[i] != y[i]) return false;
     return true;
 }
-
-bool isAsciiDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
 
 struct Reader {
     const LocaleBlock *block;
@@ -167,27 +174,29 @@ void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t c
     }
 }
 
-} // namespace
+// ---- the pattern's tokens ---------------------------------------------------
 
-int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength, const ZvChar *pattern,
-                       int64_t patternLength, double *outDate, double *outTime) {
-    if (!call || !call->localeBlock) return -1;
-    if (!text || textLength < 0) textLength = 0;
-    if (!pattern || patternLength < 0) patternLength = 0;
-    const LocaleBlock *block = call->localeBlock;
-
-    // Step 1: the pattern's tokens and its field order.
-    PatternToken ptok[kMaxTokens];
-    int32_t np = 0;
-    ZvChar order[3] = {u' ', u' ', u' '};
+// The pattern cut into tokens, with the date fields in the order it names
+// them (up to three of Y, M and D; blanks for the rest).
+struct PatternCut {
+    PatternToken tokens[kMaxTokens];
+    int32_t count = 0;
+    ZvChar order[kOrderLetters] = {u' ', u' ', u' '};
     int orderCount = 0;
-    auto storePattern = [&](int64_t start, int64_t length, int32_t kind) {
-        if (np < kMaxTokens)
-            ptok[np++] = PatternToken{static_cast<int32_t>(start), static_cast<int32_t>(length), kind};
-    };
-    int64_t pending = -1;
+
+    void store(int64_t start, int64_t length, int32_t kind) {
+        if (count < kMaxTokens)
+            tokens[count++] = PatternToken{static_cast<int32_t>(start), static_cast<int32_t>(length), kind};
+    }
+};
+
+// Cuts the pattern: blanks separate literals and match nothing themselves;
+// "%" and a directive letter give a field token; "%" with any other
+// character begins a literal.
+void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
+    int64_t pending = -1; // where the literal under way began
     auto flush = [&](int64_t at) {
-        if (pending >= 0 && at > pending) storePattern(pending, at - pending, kLiteral);
+        if (pending >= 0 && at > pending) cut.store(pending, at - pending, kLiteral);
         pending = -1;
     };
     for (int64_t i = 0; i < patternLength;) {
@@ -197,246 +206,354 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
             ++i;
             continue;
         }
-        if (c == u'%') {
-            flush(i);
-            if (i == patternLength - 1) {
-                storePattern(i, 1, kLiteral);
-                ++i;
-                continue;
-            }
-            const ZvChar next = pattern[i + 1];
-            if (next == u'%') {
-                storePattern(i, 1, kLiteral);
-                ++i;
-                continue;
-            }
-            const int32_t kind = kindOfLetter(next);
-            if (kind >= 0) {
-                storePattern(i + 1, 1, kind);
-                const ZvChar letter = orderLetterOf(kind);
-                if (letter && orderCount < 3) order[orderCount++] = letter;
-            } else {
-                pending = i;
-            }
-            i += 2;
+        if (c != u'%') {
+            if (pending < 0) pending = i;
+            ++i;
             continue;
         }
-        if (pending < 0) pending = i;
-        ++i;
+        flush(i);
+        // A "%" at the end, or the first of "%%", is a literal of its own.
+        if (i == patternLength - 1 || pattern[i + 1] == u'%') {
+            cut.store(i, 1, kLiteral);
+            ++i;
+            continue;
+        }
+        const int32_t kind = kindOfLetter(pattern[i + 1]);
+        if (kind >= 0) {
+            cut.store(i + 1, 1, kind);
+            const ZvChar letter = orderLetterOf(kind);
+            if (letter && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter;
+        } else {
+            pending = i;
+        }
+        i += 2;
     }
     flush(patternLength);
+}
 
-    // Step 2: does the pattern hold the locale's own field order?
-    bool orderMatches = true;
-    if (orderCount > 0) {
-        const LocaleItem &o = block->items[kItemDateOrder];
-        orderMatches = o.length == 3 && sameFolded(o.text, order, 3);
-    }
+// Does the pattern name its date fields in the locale's own order? A
+// pattern without any date field does.
+bool orderMatchesLocale(const LocaleBlock *block, const PatternCut &cut) {
+    if (cut.orderCount == 0) return true;
+    const LocaleItem &o = block->items[kItemDateOrder];
+    return o.length == kOrderLetters && sameFolded(o.text, cut.order, kOrderLetters);
+}
+
+// In Hebrew the marks between the fields are part of the text, not separators.
+bool isHebrew(const LocaleBlock *block) {
     const LocaleItem &language = block->items[kItemLanguage];
-    const bool hebrew = language.length == 2 && sameFolded(language.text, u"he", 2);
+    return language.length == 2 && sameFolded(language.text, u"he", 2);
+}
 
-    // Step 3: the text's tokens.
-    Reader rd{block, text, textLength, {}, 0};
-    int32_t b = 0;
-    auto storeText = [&](int64_t start, int64_t end, int32_t cls) {
-        if (rd.n < kMaxTokens)
-            rd.tokens[rd.n++] = TextToken{static_cast<int32_t>(start), static_cast<int32_t>(end - start), cls, 0};
-    };
-    int64_t start = 0;
-    int32_t cls = 0;
-    // Once the list is full nothing further in the text can change the answer.
-    for (int64_t cur = 0; cur < textLength && rd.n < kMaxTokens;) {
-        const ZvChar c = text[cur];
-        if (c == u' ') {
-            if (start < cur) {
-                storeText(start, cur, cls);
-                ++b;
-            }
-            start = ++cur;
-            continue;
-        }
-        const int32_t p = start < cur ? 1 : 0;
-        int32_t d = 0;
-        bool hit = false;
-        for (int32_t k = 0; k < np; ++k) {
-            if (ptok[k].kind != kLiteral) {
-                ++d;
-                continue;
-            }
-            if (d < rd.n + p - b) continue;
-            if (d > rd.n + p + b) break;
-            const int64_t len = ptok[k].length;
-            const int64_t rest = textLength - cur;
-            if (sameFolded(text + cur, pattern + ptok[k].start, len < rest ? len : rest)) {
-                if (start < cur) storeText(start, cur, cls);
-                cur += len;
-                start = cur;
-                hit = true;
-                break;
-            }
-        }
-        if (hit) continue;
-        if ((c == u'.' || c == u'-' || c == u':' || c == u'/') && orderMatches && !hebrew) {
-            if (start < cur) {
-                storeText(start, cur, cls);
-                ++b;
-            }
-            start = ++cur;
-            continue;
-        }
-        const int32_t now = isAsciiDigit(c) ? 1 : 2;
-        if (now != cls && start < cur) {
-            storeText(start, cur, cls);
-            ++b;
-            start = cur;
-        }
-        cls = now;
-        ++cur;
+// ---- the text's tokens ------------------------------------------------------
+
+// The cutter's place in the text. `splits` counts the tokens ended by a
+// blank, a separator or a change of class; a literal of the pattern is
+// looked for only where the tokens seen so far, give or take those, line
+// up with the fields before it.
+struct TextCutter {
+    int64_t cursor = 0;
+    int64_t tokenStart = 0;
+    TokenClass tokenClass = kNoClass;
+    int32_t splits = 0;
+
+    bool tokenOpen() const { return tokenStart < cursor; }
+};
+
+void storeToken(Reader &rd, int64_t start, int64_t end, TokenClass cls) {
+    if (rd.n < kMaxTokens)
+        rd.tokens[rd.n++] = TextToken{static_cast<int32_t>(start), static_cast<int32_t>(end - start), cls, 0};
+}
+
+// Ends the token under way, if any, as one split off by something between.
+void splitToken(Reader &rd, TextCutter &tc) {
+    if (tc.tokenOpen()) {
+        storeToken(rd, tc.tokenStart, tc.cursor, tc.tokenClass);
+        ++tc.splits;
     }
-    if (start < textLength && rd.n < kMaxTokens) storeText(start, textLength, cls);
+}
 
-    // Step 4: AM and PM, wherever they stand.
-    bool amPmSeen = false, isPm = false;
-    for (int32_t t = 0; t < rd.n; ++t) {
-        if (rd.tokens[t].cls != 2) continue;
-        if (rd.markAt(t, block->items[kItemAm])) {
-            amPmSeen = true;
-            isPm = false;
-            break;
+// The length of the pattern literal that stands in the text at the cursor,
+// or -1 when none is due there.
+int64_t literalAt(const Reader &rd, const TextCutter &tc, const ZvChar *pattern, const PatternCut &cut) {
+    const int32_t open = tc.tokenOpen() ? 1 : 0;
+    int32_t fieldsBefore = 0;
+    for (int32_t k = 0; k < cut.count; ++k) {
+        const PatternToken &pt = cut.tokens[k];
+        if (pt.kind != kLiteral) {
+            ++fieldsBefore;
+            continue;
         }
-        if (rd.markAt(t, block->items[kItemPm])) {
-            amPmSeen = true;
-            isPm = true;
-            break;
+        if (fieldsBefore < rd.n + open - tc.splits) continue;
+        if (fieldsBefore > rd.n + open + tc.splits) return -1;
+        const int64_t len = pt.length;
+        const int64_t rest = rd.textLength - tc.cursor;
+        if (sameFolded(rd.text + tc.cursor, pattern + pt.start, len < rest ? len : rest)) return len;
+    }
+    return -1;
+}
+
+bool isSeparator(ZvChar c) { return c == u'.' || c == u'-' || c == u':' || c == u'/'; }
+
+// Cuts the text at blanks, at the pattern's literals, at separators (when
+// `separatorsSplit`) and where digits meet other characters.
+void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, bool separatorsSplit) {
+    TextCutter tc;
+    // Once the list is full nothing further in the text can change the answer.
+    while (tc.cursor < rd.textLength && rd.n < kMaxTokens) {
+        const ZvChar c = rd.text[tc.cursor];
+        if (c == u' ') {
+            splitToken(rd, tc);
+            tc.tokenStart = ++tc.cursor;
+            continue;
+        }
+        const int64_t literal = literalAt(rd, tc, pattern, cut);
+        if (literal >= 0) {
+            if (tc.tokenOpen()) storeToken(rd, tc.tokenStart, tc.cursor, tc.tokenClass);
+            tc.cursor += literal;
+            tc.tokenStart = tc.cursor;
+            continue;
+        }
+        if (separatorsSplit && isSeparator(c)) {
+            splitToken(rd, tc);
+            tc.tokenStart = ++tc.cursor;
+            continue;
+        }
+        const TokenClass now = isAsciiDigit(c) ? kDigits : kNoDigits;
+        if (now != tc.tokenClass && tc.tokenOpen()) {
+            splitToken(rd, tc);
+            tc.tokenStart = tc.cursor;
+        }
+        tc.tokenClass = now;
+        ++tc.cursor;
+    }
+    if (tc.tokenStart < rd.textLength && rd.n < kMaxTokens)
+        storeToken(rd, tc.tokenStart, rd.textLength, tc.tokenClass);
+}
+
+// ---- AM and PM ----------------------------------------------------------------
+
+struct AmPm {
+    bool seen = false;
+    bool isPm = false;
+};
+
+// The locale's marks end the search; a plain "am" or "pm" in either case
+// counts in every locale, and a later one overrides it.
+AmPm findAmPm(Reader &rd) {
+    AmPm found;
+    const LocaleItem *marks[2] = {&rd.block->items[kItemAm], &rd.block->items[kItemPm]};
+    for (int32_t t = 0; t < rd.n; ++t) {
+        if (rd.tokens[t].cls != kNoDigits) continue;
+        for (int pm = 0; pm < 2; ++pm) {
+            if (rd.markAt(t, *marks[pm])) {
+                found.seen = true;
+                found.isPm = pm == 1;
+                return found;
+            }
         }
         const TextToken &tok = rd.tokens[t];
         if (tok.length == 2) {
-            const ZvChar f = text[tok.start], s = text[tok.start + 1];
+            const ZvChar f = rd.text[tok.start], s = rd.text[tok.start + 1];
             if ((s == u'm' || s == u'M') && (f == u'a' || f == u'A' || f == u'p' || f == u'P')) {
                 rd.tokens[t].used = 1;
-                amPmSeen = true;
-                isPm = f == u'p' || f == u'P';
+                found.seen = true;
+                found.isPm = f == u'p' || f == u'P';
             }
         }
     }
+    return found;
+}
 
-    // Step 5: the walk.
+// ---- the walk -----------------------------------------------------------------
+
+// What the directives read.
+struct Fields {
     int64_t year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
     bool hourSeen = false, minuteSeen = false, secondSeen = false, weekdaySeen = false;
-    int32_t t = -1, offset = 0;
-    for (int32_t k = 0; k < np; ++k) {
-        const PatternToken &pt = ptok[k];
+};
+
+// The walk's place: the text token under way and the digits of it that
+// directives have taken already (a run of digits can hold several fields).
+struct Walk {
+    int32_t t = -1;
+    int32_t offset = 0;
+};
+
+// Takes up to `most` digits of the run, or the rest of it when no more
+// than `most` are left.
+void takeDigits(const Reader &rd, const TextToken &tok, int32_t most, Walk &w, int64_t *field) {
+    const int32_t rest = tok.length - w.offset;
+    if (rest > most) {
+        addDigits(rd.text, tok, w.offset, most, field);
+        w.offset += most;
+    } else {
+        addDigits(rd.text, tok, w.offset, rest, field);
+        w.offset = 0;
+    }
+}
+
+constexpr int32_t kFullYearDigits = 4;
+constexpr int32_t kShortYearDigits = 2;
+constexpr int32_t kMonthDayDigits = 2;
+
+// Outside the locale's own order a "%y" must read a short year and a "%Y" a
+// full one.
+bool readYear(const Reader &rd, const TextToken &tok, ZvChar letter, bool orderMatches, Walk &w, Fields &f) {
+    if (tok.cls != kDigits) return false;
+    takeDigits(rd, tok, letter == u'y' ? kShortYearDigits : kFullYearDigits, w, &f.year);
+    if (!orderMatches) {
+        if (letter == u'y' && !(f.year < 100)) return false;
+        if (letter == u'Y' && !(f.year >= 1000)) return false;
+    }
+    return true;
+}
+
+// A month as digits or as a name of either list; "0" and "00" go to the
+// lists too, and fail there.
+bool readMonth(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
+    if (tok.cls == kDigits) takeDigits(rd, tok, kMonthDayDigits, w, &f.month);
+    if (f.month == 0) {
+        f.month = rd.lookup(&w.t, kItemMonthAbbr, kMonthNames);
+        if (f.month == 0 && tok.length >= 3) f.month = rd.lookup(&w.t, kItemMonthFull, kMonthNames);
+    }
+    return f.month >= 1 && f.month <= kMonthNames;
+}
+
+bool readDay(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
+    if (tok.cls != kDigits) return false;
+    takeDigits(rd, tok, kMonthDayDigits, w, &f.day);
+    return f.day >= 1 && f.day <= 31;
+}
+
+// Hours, minutes and seconds take the whole token and carry over later. A
+// second is optional: without digits the token stays for what follows.
+bool readClockField(const Reader &rd, const TextToken &tok, int32_t kind, Walk &w, Fields &f) {
+    if (tok.cls != kDigits) {
+        if (kind != kSecond) return false;
+        // Inside a run of digits the cursor has not moved.
+        if (w.offset == 0) --w.t;
+        return true;
+    }
+    int64_t &field = kind == kMinute ? f.minute : kind == kSecond ? f.second : f.hour;
+    addDigits(rd.text, tok, 0, tok.length, &field);
+    (kind == kMinute ? f.minuteSeen : kind == kSecond ? f.secondSeen : f.hourSeen) = true;
+    return true;
+}
+
+// A weekday name is checked against the lists but not against the date.
+bool readWeekday(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
+    if (tok.cls == kDigits) return false;
+    if (f.weekdaySeen) return true;
+    if (rd.lookup(&w.t, kItemWeekdayAbbr, kWeekdayNames) == 0 && rd.lookup(&w.t, kItemWeekdayFull, kWeekdayNames) == 0)
+        return false;
+    f.weekdaySeen = true;
+    return true;
+}
+
+// Moves to the token of the next directive. False: the text has run out
+// (`failed` tells whether that ends the walk or fails it).
+bool nextToken(const Reader &rd, Walk &w, bool *failed) {
+    if (w.offset == 0) {
+        ++w.t;
+        if (w.t < rd.n && rd.tokens[w.t].used) ++w.t;
+        *failed = false;
+        return w.t < rd.n;
+    }
+    // Digits of the token under way are still to be taken.
+    *failed = true;
+    if (w.t < 0 || w.t >= rd.n) return false;
+    if (rd.tokens[w.t].used) ++w.t;
+    return w.t < rd.n;
+}
+
+// Walks the directives over the text tokens. False: failure.
+bool walkFields(const Reader &rd, const ZvChar *pattern, const PatternCut &cut, bool orderMatches, Fields &f) {
+    Walk w;
+    for (int32_t k = 0; k < cut.count; ++k) {
+        const PatternToken &pt = cut.tokens[k];
         if (pt.kind == kLiteral) continue;
-        if (offset == 0) {
-            ++t;
-            if (t < rd.n && rd.tokens[t].used) ++t;
-            if (t >= rd.n) break;
-        } else {
-            if (t < 0 || t >= rd.n) return -1;
-            if (rd.tokens[t].used) ++t;
-            if (t >= rd.n) return -1;
+        bool failed = false;
+        if (!nextToken(rd, w, &failed)) {
+            if (failed) return false;
+            break; // fields left over stay unset
         }
-        const TextToken &tok = rd.tokens[t];
-        const ZvChar letter = pattern[pt.start];
+        const TextToken &tok = rd.tokens[w.t];
+        bool ok = true;
         switch (pt.kind) {
-        case kYear: {
-            if (tok.cls != 1) return -1;
-            const int32_t rest = tok.length - offset;
-            if (rest > 4) {
-                const int32_t take = letter == u'y' ? 2 : 4;
-                addDigits(text, tok, offset, take, &year);
-                offset += take;
-            } else {
-                addDigits(text, tok, offset, rest, &year);
-                offset = 0;
-            }
-            if (!orderMatches) {
-                if (letter == u'y' && !(year < 100)) return -1;
-                if (letter == u'Y' && !(year >= 1000)) return -1;
-            }
-            break;
-        }
-        case kMonth:
-        case kDay: {
-            int64_t &field = pt.kind == kMonth ? month : day;
-            if (tok.cls == 1) {
-                const int32_t rest = tok.length - offset;
-                if (rest > 2) {
-                    addDigits(text, tok, offset, 2, &field);
-                    offset += 2;
-                } else {
-                    addDigits(text, tok, offset, rest, &field);
-                    offset = 0;
-                }
-            } else if (pt.kind == kDay) {
-                return -1;
-            }
-            if (pt.kind == kMonth) {
-                if (month == 0) {
-                    month = rd.lookup(&t, kItemMonthAbbr, 12);
-                    if (month == 0 && tok.length >= 3) month = rd.lookup(&t, kItemMonthFull, 12);
-                }
-                if (month < 1 || month > 12) return -1;
-            } else if (day < 1 || day > 31) {
-                return -1;
-            }
-            break;
-        }
+        case kYear: ok = readYear(rd, tok, pattern[pt.start], orderMatches, w, f); break;
+        case kMonth: ok = readMonth(rd, tok, w, f); break;
+        case kDay: ok = readDay(rd, tok, w, f); break;
         case kHour12:
         case kHour24:
         case kMinute:
-        case kSecond: {
-            if (tok.cls != 1) {
-                if (pt.kind == kSecond) {
-                    // The token stays for the next directive; inside a run of
-                    // digits the cursor has not moved.
-                    if (offset == 0) --t;
-                    break;
-                }
-                return -1;
-            }
-            int64_t &field = pt.kind == kMinute ? minute : pt.kind == kSecond ? second : hour;
-            addDigits(text, tok, 0, tok.length, &field);
-            (pt.kind == kMinute ? minuteSeen : pt.kind == kSecond ? secondSeen : hourSeen) = true;
+        case kSecond: ok = readClockField(rd, tok, pt.kind, w, f); break;
+        case kAmPm: // found already, wherever it stands: it eats no token
+            if (w.offset == 0) --w.t;
             break;
-        }
-        case kAmPm:
-            if (offset == 0) --t;
-            break;
-        case kWeekday:
-            if (tok.cls == 1) return -1;
-            if (weekdaySeen) break;
-            if (rd.lookup(&t, kItemWeekdayAbbr, 7) == 0 && rd.lookup(&t, kItemWeekdayFull, 7) == 0) return -1;
-            weekdaySeen = true;
-            break;
+        case kWeekday: ok = readWeekday(rd, tok, w, f); break;
         default: // quarters and ignored directives eat their token
             break;
         }
+        if (!ok) return false;
     }
-    if (offset != 0) return -1;
+    // Digits that no directive took.
+    return w.offset == 0;
+}
 
-    // Step 6: the result.
-    const bool dateComplete = month != 0 && year != 0 && day != 0;
-    const bool timeSeen = hourSeen || minuteSeen || secondSeen;
-    if (!dateComplete && !timeSeen) return 0;
+// ---- the result ------------------------------------------------------------------
+
+// Writes what was read. A time without a date carries whole days on, so a
+// lone day directive counts as days; with a date, the carry into the day
+// comes first and so can push it past the month.
+int32_t storeResult(Fields f, const AmPm &amPm, double *outDate, double *outTime) {
+    const bool dateComplete = f.month != 0 && f.year != 0 && f.day != 0;
+    const bool timeSeen = f.hourSeen || f.minuteSeen || f.secondSeen;
+    if (!dateComplete && !timeSeen) return kLocaleFormRead;
     if (timeSeen) {
-        if (amPmSeen && hour == 12) hour = 0;
-        minute += second / 60;
-        second %= 60;
-        hour += minute / 60 + (isPm ? 12 : 0);
-        minute %= 60;
-        day += hour / 24;
-        hour %= 24;
-        const double time = static_cast<double>(second + 60 * (minute + 60 * hour));
-        *outTime = dateComplete ? time : time + static_cast<double>(day) * 86400.0;
+        if (amPm.seen && f.hour == 12) f.hour = 0;
+        f.minute += f.second / 60;
+        f.second %= 60;
+        f.hour += f.minute / 60 + (amPm.isPm ? 12 : 0);
+        f.minute %= 60;
+        f.day += f.hour / 24;
+        f.hour %= 24;
+        const double time = static_cast<double>(f.second + 60 * (f.minute + 60 * f.hour));
+        *outTime = dateComplete ? time : time + static_cast<double>(f.day) * kSecondsPerDay;
     }
     if (dateComplete) {
-        double code = ymdToYearDay(static_cast<double>(year), static_cast<double>(month), static_cast<double>(day));
+        double code = ymdToYearDay(static_cast<double>(f.year), static_cast<double>(f.month),
+                                   static_cast<double>(f.day));
         if (!isMissing(code)) code = yearDayToDayCount(code);
-        if (isMissing(code)) return -1;
+        if (isMissing(code)) return kLocaleFormFailed;
         *outDate = code;
     }
-    return timeSeen && !(hourSeen && minuteSeen && secondSeen) ? 2 : 0;
+    const bool timePartial = timeSeen && !(f.hourSeen && f.minuteSeen && f.secondSeen);
+    return timePartial ? kLocaleFormPartialTime : kLocaleFormRead;
+}
+
+} // namespace
+
+int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength, const ZvChar *pattern,
+                       int64_t patternLength, double *outDate, double *outTime) {
+    if (!call || !call->localeBlock) return kLocaleFormFailed;
+    if (!text || textLength < 0) textLength = 0;
+    if (!pattern || patternLength < 0) patternLength = 0;
+    const LocaleBlock *block = call->localeBlock;
+
+    PatternCut cut;
+    cutPattern(pattern, patternLength, cut);
+    // The locale's order decides whether separators split a text and how
+    // strict years are.
+    const bool orderMatches = orderMatchesLocale(block, cut);
+
+    Reader rd{block, text, textLength, {}, 0};
+    cutText(rd, pattern, cut, orderMatches && !isHebrew(block));
+    const AmPm amPm = findAmPm(rd);
+
+    Fields fields;
+    if (!walkFields(rd, pattern, cut, orderMatches, fields)) return kLocaleFormFailed;
+    return storeResult(fields, amPm, outDate, outTime);
 }
 
 } // namespace zv

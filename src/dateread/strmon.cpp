@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "datefmt/names.hpp"
 #include "dateread/weekread.hpp"
 #include "frame/frame.hpp"
 #include "locale/block.hpp"
@@ -37,9 +38,9 @@ int32_t readNlStrMonth(FormatCall *call, void *) {
     if (!instance) return ZV_NO_INSTANCE;
     if (call->flags & ZV_FLAG_CHECK_LIMITS) {
         if (call->width < 1) return ZV_WIDTH_TOO_SMALL;
-        if (call->width > 200) return ZV_WIDTH_TOO_LARGE;
+        if (call->width > kNameWidthLimit) return ZV_WIDTH_TOO_LARGE;
         if (call->decimals < 0) return ZV_DECIMALS_TOO_SMALL;
-        if (call->decimals > 3) return ZV_DECIMALS_TOO_LARGE;
+        if (call->decimals > kNameDecimalsLimit) return ZV_DECIMALS_TOO_LARGE;
     }
     double *out = static_cast<double *>(call->output);
     if (!call->localeBlock && buildLocaleBlock(call, instance) != 0) {
@@ -55,7 +56,7 @@ int32_t readNlStrMonth(FormatCall *call, void *) {
 
     const LocaleBlock *block = call->localeBlock;
     for (int first : {kItemMonthAbbrOther, kItemMonthFullOther}) {
-        for (int month = 0; month < 12; ++month) {
+        for (int month = 0; month < kMonthNames; ++month) {
             if (nameBegins(block->items[first + month], folded, limit)) {
                 *out = static_cast<double>(month + 1);
                 return ZV_OK;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "datefmt/calendar.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
 namespace zv {
@@ -18,6 +19,7 @@ constexpr int64_t kWeekYearCutoff = 1960;
 // of their range. On failure *cutoffInOut is left as it was.
 int32_t readWeekText(const ZvChar *text, int64_t length, const ZvChar *letter,
                      double *cutoffInOut);
+int32_t readWeekText(const ZvChar *text, int64_t length, WeekMode mode, double *cutoffInOut);
 
 // @WEEKU, @WEEKV, @WEEKW: 0 with the day count (or a missing value for a day
 // outside the calendar), 1 for a blank text, 0x80000000 otherwise with the

@@ -6,6 +6,7 @@
 #include "datefmt/calendar.hpp"
 #include "dateread/weekread.hpp"
 #include "frame/frame.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -15,8 +16,10 @@ namespace {
 constexpr int32_t kNotAWeekText = static_cast<int32_t>(0x80000000u);
 constexpr int32_t kNotDigits = -1;
 constexpr int32_t kOutOfRange = 1;
-
-bool isAsciiDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
+constexpr int64_t kLastWeek = 53;
+constexpr int64_t kLastDayNumber = 31; // days beyond the week run into the next one
+// The cut-off that a cut-off of 0 stands for.
+constexpr int64_t kCutoffForZero = 1900;
 
 // The first characters of one part of the text, ended by a zero, with the
 // count of all characters that went to it.
@@ -41,7 +44,7 @@ int32_t twoDigits(const ZvChar *s) {
 
 // The cut-off as a whole number: 1900 for 0, else truncated.
 int64_t wholeCutoff(double value) {
-    if (std::isnan(value) || value == 0.0) return 1900;
+    if (std::isnan(value) || value == 0.0) return kCutoffForZero;
     if (value > 1e15) return static_cast<int64_t>(1e15);
     if (value < -1e15) return static_cast<int64_t>(-1e15);
     return static_cast<int64_t>(value);
@@ -49,17 +52,15 @@ int64_t wholeCutoff(double value) {
 
 // The calendar year of the present day by the host's clock.
 int64_t presentYear() {
-    double clock[2] = {0.0, 0.0};
-    HostAnchor *anchor = hostAnchor;
-    if (anchor && anchor->ops && anchor->ops->readClock) anchor->ops->readClock(anchor, 16, clock, 0x10800000u);
-    const double days = std::floor((clock[0] - clock[1]) / 86400.0);
+    const HostClock clock = readHostClock();
+    const double days = std::floor((clock.value - clock.shift) / kSecondsPerDay);
     double year = 0, month = 0, day = 0;
     yearDayToYmd(&year, &month, &day, dayCountToYearDay(days));
     if (isMissing(year) || !(year >= 0 && year <= 1e6)) return -1;
     return static_cast<int64_t>(year);
 }
 
-int32_t readWeekEntry(FormatCall *call, const ZvChar *letter) {
+int32_t readWeekEntry(FormatCall *call, WeekMode mode) {
     int64_t length = call->inputLength;
     if (call->fieldLimit < length) length = call->fieldLimit;
     const ZvChar *text = static_cast<const ZvChar *>(call->input);
@@ -68,20 +69,20 @@ int32_t readWeekEntry(FormatCall *call, const ZvChar *letter) {
     if (length <= 0) return ZV_UNREADABLE;
 
     int64_t cutoff = kWeekYearCutoff;
-    HostAnchor *anchor = hostAnchor;
-    if (anchor && anchor->ops && anchor->ops->readOption) {
-        int64_t value = 0;
-        int64_t size = 8;
-        if (anchor->ops->readOption(anchor, u"ZV_NAME_YEARCUTOFF", 18, 3, &value, &size) == 0) cutoff = value;
-    }
+    int64_t value = 0;
+    if (readYearCutoff(&value) == 0) cutoff = value;
     double *out = static_cast<double *>(call->output);
     *out = static_cast<double>(cutoff);
-    return readWeekText(text, length, letter, out) == 0 ? ZV_OK : kNotAWeekText;
+    return readWeekText(text, length, mode, out) == 0 ? ZV_OK : kNotAWeekText;
 }
 
 } // namespace
 
 int32_t readWeekText(const ZvChar *text, int64_t length, const ZvChar *letter, double *cutoffInOut) {
+    return readWeekText(text, length, weekModeOf(letter), cutoffInOut);
+}
+
+int32_t readWeekText(const ZvChar *text, int64_t length, WeekMode mode, double *cutoffInOut) {
     if (!text || length < 0) length = 0;
     Part year, week, extraWeek, day;
     int weeksMet = 0;
@@ -117,23 +118,24 @@ int32_t readWeekText(const ZvChar *text, int64_t length, const ZvChar *letter, d
     if (year.count == 0) yearNumber = presentYear();
 
     if (dayNumber == 0) dayNumber = 1;
-    const bool yearOk = (yearNumber >= 1582 && yearNumber <= 20000) || (yearNumber >= 0 && yearNumber < 100);
-    if (!yearOk || weekNumber > 53 || dayNumber > 31) return kOutOfRange;
+    const bool yearOk = (yearNumber >= kFirstYear && yearNumber <= kLastYear) ||
+                        (yearNumber >= 0 && yearNumber <= kLastTwoDigitYear);
+    if (!yearOk || weekNumber > kLastWeek || dayNumber > kLastDayNumber) return kOutOfRange;
 
     const double jan1 = yearDayToDayCount(ymdToYearDay(static_cast<double>(yearNumber), 1, 1));
     if (isMissing(jan1)) return kOutOfRange;
     const int64_t wd = static_cast<int64_t>(weekdayOf(jan1));
     int64_t shifted = weekNumber;
     int64_t base = 2;
-    switch (letter ? letter[0] : 0) {
-    case u'U':
+    switch (mode) {
+    case WeekMode::U:
         if (wd == 1) shifted = weekNumber - 1;
         base = 1;
         break;
-    case u'W':
+    case WeekMode::W:
         if (wd == 1 || wd == 2) shifted = weekNumber - 1;
         break;
-    default: // V
+    case WeekMode::V:
         if (!(wd == 6 || wd == 7)) shifted = weekNumber - 1;
         break;
     }
@@ -146,8 +148,8 @@ int32_t readWeekText(const ZvChar *text, int64_t length, const ZvChar *letter, d
     return 0;
 }
 
-int32_t readWeekU(FormatCall *call, void *) { return readWeekEntry(call, u"U"); }
-int32_t readWeekV(FormatCall *call, void *) { return readWeekEntry(call, u"V"); }
-int32_t readWeekW(FormatCall *call, void *) { return readWeekEntry(call, u"W"); }
+int32_t readWeekU(FormatCall *call, void *) { return readWeekEntry(call, WeekMode::U); }
+int32_t readWeekV(FormatCall *call, void *) { return readWeekEntry(call, WeekMode::V); }
+int32_t readWeekW(FormatCall *call, void *) { return readWeekEntry(call, WeekMode::W); }
 
 } // namespace zv

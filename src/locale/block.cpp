@@ -272,7 +272,7 @@ uint32_t patternWidth(const LocaleBlock &b, const LocaleItem &item, HostTranscod
             // A pair goes whole: "%%x" is a percent sign and a plain x.
             const ZvChar next = item.text[++i];
             if (next == u'x' || next == u'X') {
-                const LocaleItem &with = b.items[next == u'x' ? kItemDatePattern : kItemTimePattern];
+                const LocaleItem &with = b.items[next == u'x' ? kItemDate : kItemTime];
                 for (int64_t k = 0; k < with.length; ++k) put(with.text[k]);
             } else {
                 put(c);

@@ -15,35 +15,24 @@ enum LocaleItemId : int {
     kItemLanguage = 2,
     kItemCalendar = 5,
     kItemDateOrder = 6,
-    kItemDatePattern = 28, // what %x stands for
-    kItemDatePatternSecond = 29,
-    kItemDateMedium = 30,
-    kItemDateLong = 31,
-    kItemDateWeekday = 32,
-    kItemDateWeekdaySecond = 33,
-    kItemYearMonth = 34,
-    kItemYearMonthSecond = 35,
-    kItemMonthDay = 36,
-    kItemMonthDaySecond = 37,
-    kItemYear = 38,
-    kItemYearSecond = 39,
-    kItemYearQuarter = 40,
-    kItemYearQuarterSecond = 41,
-    kItemYearWeek = 42,
-    kItemYearWeekSecond = 43,
-    kItemDatetimeAmPm = 44,
-    kItemDatetimeAmPmSecond = 45,
-    kItemDatetime = 46,
-    kItemDatetimeSecond = 47,
-    kItemDatetimeMedium = 48,
-    kItemDatetimeLong = 49,
-    kItemDatetimeWeekday = 50,
-    kItemDatetimeWeekdaySecond = 51,
-    kItemTimeAmPm = 52,
-    kItemTimePattern = 53, // what %X stands for
-    kItemFirstPattern = kItemDatePattern, // the patterns that get a maxWidth
-    kItemLastPattern = 57,
-    kItemDateBeforeTime = 58,
+    // %-patterns; one named ...Second is the second choice, tried when the
+    // first does not fit.
+    kItemDate = 28, kItemDateSecond = 29, // the first is what %x stands for
+    kItemDateMedium = 30, kItemDateLong = 31,
+    kItemDateWeekday = 32, kItemDateWeekdaySecond = 33,
+    kItemYearMonth = 34, kItemYearMonthSecond = 35,
+    kItemMonthDay = 36, kItemMonthDaySecond = 37,
+    kItemYear = 38, kItemYearSecond = 39,
+    kItemYearQuarter = 40, kItemYearQuarterSecond = 41,
+    kItemYearWeek = 42, kItemYearWeekSecond = 43,
+    kItemDatetimeAmPm = 44, kItemDatetimeAmPmSecond = 45,
+    kItemDatetime = 46, kItemDatetimeSecond = 47,
+    kItemDatetimeMedium = 48, kItemDatetimeLong = 49,
+    kItemDatetimeWeekday = 50, kItemDatetimeWeekdaySecond = 51,
+    kItemTimeAmPm = 52, kItemTime = 53, // the second is what %X stands for
+    kItemFirstPattern = kItemDate, kItemLastPattern = 57, // the patterns that get a maxWidth
+    kItemDateBeforeTime = 58, // starts with %x when the date goes before the time
+    // Lists of names, each as long as its count below.
     kItemMonthAbbr = 59,
     kItemMonthFull = 71,
     kItemMonthAbbrOther = 83,
@@ -102,6 +91,11 @@ inline int64_t symbolUnits(const NumberContext &context) {
     while (n < kRoom && context.symbol[n]) ++n;
     return n;
 }
+
+// Lengths of the name lists.
+constexpr int kMonthNames = 12;
+constexpr int kWeekdayNames = 7;
+constexpr int kQuarterNames = 4;
 
 // The status when the call names no locale at all.
 constexpr int32_t kNoLocale = static_cast<int32_t>(0x803fe800u);

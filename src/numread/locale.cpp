@@ -7,13 +7,13 @@
 #include "locale/block.hpp"
 #include "numread/numread.hpp"
 #include "numread/work.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
 
 namespace {
 
-bool isAsciiDigit(ZvChar u) { return u >= u'0' && u <= u'9'; }
 
 // The reader's own copy of the text, at most kReadUnits units.
 struct ReadText {

@@ -2,6 +2,7 @@
 // locale's pattern first and fall back on them.
 #include "datefmt/clock.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -95,7 +96,7 @@ int32_t writeClock(FormatCall *call) {
     int32_t opened;
     if (!openClock(call, &v, &opened)) return opened;
 
-    const int d = call->decimals < 0 ? 0 : (call->decimals > kRoundedDecimals ? kRoundedDecimals : call->decimals);
+    const int d = std::clamp(call->decimals, 0, kRoundedDecimals);
     const double half = 5.0 / std::pow(10.0, d + 1) + 0.00000001;
     int hourCarry = 0, minuteCarry = 0;
     const double inHour = std::fmod(v, kSecondsPerHour);

@@ -11,13 +11,6 @@
 
 namespace zv {
 
-namespace {
-int64_t fieldUnits(const FormatCall *call) {
-    int64_t w = call->width < call->outputCapacity ? call->width : call->outputCapacity;
-    return w < 0 ? 0 : w;
-}
-} // namespace
-
 bool openDateFormat(FormatCall *call, ValueKind kind, DateCall *out, int32_t *status, int32_t *buildStatus) {
     double value = 0;
     ExtensionInstance *instance = nullptr;

@@ -38,10 +38,6 @@ ZvChar separatorOf(const LocaleBlock *block) {
     return item.length == 1 ? item.text[0] : 0;
 }
 
-int64_t fieldUnits(const FormatCall *call) {
-    int64_t w = call->width < call->outputCapacity ? call->width : call->outputCapacity;
-    return w < 0 ? 0 : w;
-}
 
 // The parts of a numeric date into a target of w units, right-justified.
 bool inDayRange(double v) { return !isMissing(v) && v >= kFirstDay && v < kDayLimit; }

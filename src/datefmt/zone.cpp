@@ -44,10 +44,6 @@ bool patternTry(const DateCall &d, int item, bool zone, int32_t *last, int *fiel
     return false;
 }
 
-int64_t fieldUnits(const FormatCall *call) {
-    int64_t w = call->width < call->outputCapacity ? call->width : call->outputCapacity;
-    return w < 0 ? 0 : w;
-}
 
 void blankCapacity(FormatCall *call) {
     if (call->output && call->outputCapacity > 0)

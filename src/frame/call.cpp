@@ -39,7 +39,7 @@ ExtensionInstance *findInstance(const FormatCall *call) {
 
 int32_t starFill(FormatCall *call) {
     call->outputLength = call->width;
-    int64_t count = call->width < call->outputCapacity ? call->width : call->outputCapacity;
+    int64_t count = fieldRoom(call);
     auto *out = static_cast<ZvChar *>(call->output);
     if (out)
         for (int64_t i = 0; i < count; ++i) out[i] = u'*';

@@ -39,6 +39,17 @@ inline double doubleOf(uint64_t b) {
 inline bool isMissing(double v) { return (bitsOf(v) >> 48) == 0xFFFFu; }
 inline double missingValue() { return doubleOf(ZV_MISSING_BITS); }
 
+// The places of the field that the target holds: the smaller of width and
+// outputCapacity, as the call gives them (fieldRoom), or never below 0
+// (fieldUnits).
+inline int64_t fieldRoom(const FormatCall *call) {
+    return call->width < call->outputCapacity ? call->width : call->outputCapacity;
+}
+inline int64_t fieldUnits(const FormatCall *call) {
+    const int64_t room = fieldRoom(call);
+    return room < 0 ? 0 : room;
+}
+
 // The double at a format's input; 0 when there is none.
 inline double inputValue(const FormatCall *call) {
     double v = 0;

@@ -132,7 +132,7 @@ int32_t runFieldForm(FormatCall *call, bool significant) {
 
 int32_t writeBestFit(FormatCall *call) {
     auto *out = static_cast<ZvChar *>(call->output);
-    int32_t n = call->width < call->outputCapacity ? call->width : call->outputCapacity;
+    int32_t n = fieldRoom(call);
     int32_t lead = 0;
     if (n > kHostFieldLimit && n <= kHostFieldLimit + 8) {
         lead = n - kHostFieldLimit;
@@ -147,7 +147,7 @@ int32_t writeBestFit(FormatCall *call) {
     const int32_t status =
         askFormatNumber(call->locale, inputValue(call), n, 0, ZV_NUMBER_BEST_FIT, out + lead, n, &produced);
     if (status != 0) {
-        const int32_t field = call->width < call->outputCapacity ? call->width : call->outputCapacity;
+        const int32_t field = fieldRoom(call);
         fillBounded(out, call->outputCapacity, u'*', field);
         lead = 0;
         produced = field;

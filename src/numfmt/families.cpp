@@ -89,7 +89,7 @@ int32_t fixedGroupedNumber(FormatCall *call, ExtensionInstance *instance) {
     HostAnchor *anchor = anchorOf(instance);
     HostLocale *formatter = anchor ? anchor->numberFormatter : nullptr;
     auto *out = static_cast<ZvChar *>(call->output);
-    const int64_t capacity = call->width < call->outputCapacity ? call->width : call->outputCapacity;
+    const int64_t capacity = fieldRoom(call);
     int64_t produced = call->outputCapacity;
     int32_t status = askFormatNumber(formatter, inputValue(call), call->width, call->decimals, ZV_NUMBER_GROUPED,
                               out, capacity, &produced);
@@ -112,7 +112,7 @@ int32_t fixedGroupedNumber(FormatCall *call, ExtensionInstance *instance) {
 
 int32_t fixedPlainNumber(FormatCall *call) {
     auto *out = static_cast<ZvChar *>(call->output);
-    const int64_t capacity = call->width < call->outputCapacity ? call->width : call->outputCapacity;
+    const int64_t capacity = fieldRoom(call);
     int64_t produced = call->outputCapacity;
     const int32_t status = askFormatNumber(call->locale, inputValue(call), call->width, call->decimals,
                                     ZV_NUMBER_PLAIN, out, capacity, &produced);
@@ -127,7 +127,7 @@ int32_t fixedPlainNumber(FormatCall *call) {
 
 int32_t fixedPercent(FormatCall *call) {
     auto *out = static_cast<ZvChar *>(call->output);
-    const int64_t n = call->width < call->outputCapacity ? call->width : call->outputCapacity;
+    const int64_t n = fieldRoom(call);
     const double value = inputValue(call);
     if (isMissing(value)) {
         fillBounded(out, n, u' ', n);
@@ -196,7 +196,7 @@ int32_t fixedMoney(FormatCall *call, ExtensionInstance *instance) {
         status = fixedGroupedNumber(call, instance);
     }
     if (status != 0) return fixedPlainNumber(call);
-    int64_t look = call->width < call->outputCapacity ? call->width : call->outputCapacity;
+    int64_t look = fieldRoom(call);
     if (findChar(out, look, u'E') >= 0 || findChar(out, look, u'*') >= 0) return 0;
     look = call->outputLength < call->outputCapacity ? call->outputLength : call->outputCapacity;
     const int64_t first = firstOther(out, look, u' ');

@@ -136,7 +136,8 @@ bool isInformat(const FormatTableRow &row) { return row.name[0] == u'@' || row.s
 bool sharesInstance(const FormatTableRow &row) {
     // Read off the name's units: this runs for every value.
     const ZvChar *name = row.name + (row.name[0] == u'@' ? 1 : 0);
-    return std::u16string_view(name, 4) == u"NLMN" && (name[4] == u'I' || name[4] == u'L');
+    return name[0] == u'N' && name[1] == u'L' && name[2] == u'M' && name[3] == u'N' &&
+           (name[4] == u'I' || name[4] == u'L');
 }
 
 namespace {

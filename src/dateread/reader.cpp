@@ -84,16 +84,10 @@ ZvChar orderLetterOf(int32_t kind) {
 // n characters of each side, folded to upper case, compared.
 bool sameFolded(const ZvChar *a, const ZvChar *b, int64_t n) {
     if (n > kFoldRoom) n = kFoldRoom;
-    if (n <= 0) return true;
-    ZvChar x[kFoldRoom], y[kFoldRoom];
-    for (int64_t i = 0; i < n; ++i) {
-        x[i] = a[i];
-        y[i] = b[i];
-    }
-    foldUpper(x, n);
-    foldUpper(y, n);
+    // The fold maps each unit on its own: units that are equal need none,
+    // and the first pair that folds apart ends the compare.
     for (int64_t i = 0; i < n; ++i)
-        if (x[i] != y[i]) return false;
+        if (a[i] != b[i] && foldUpperChar(a[i]) != foldUpperChar(b[i])) return false;
     return true;
 }
 

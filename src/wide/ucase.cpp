@@ -52,7 +52,7 @@ ZvChar tableLower(ZvChar c) {
 void foldUpper(ZvChar *text, int64_t length) { foldText(text, length, true); }
 void foldLower(ZvChar *text, int64_t length) { foldText(text, length, false); }
 
-ZvChar foldUpperChar(ZvChar c) {
+ZvChar foldUpperBeyondAscii(ZvChar c) {
     foldUpper(&c, 1);
     return c;
 }

@@ -92,6 +92,9 @@ bool sameFolded(const ZvChar *a, const ZvChar *b, int64_t n) {
 }
 
 struct Reader {
+    // The tokens are written as the text is cut; only the first n are read.
+    Reader(const LocaleBlock *b, const ZvChar *t, int64_t length) : block(b), text(t), textLength(length) {}
+
     const LocaleBlock *block;
     const ZvChar *text;
     int64_t textLength;
@@ -541,7 +544,7 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
     // strict years are.
     const bool orderMatches = orderMatchesLocale(block, cut);
 
-    Reader rd{block, text, textLength, {}, 0};
+    Reader rd(block, text, textLength);
     cutText(rd, pattern, cut, orderMatches && !isHebrew(block));
     const AmPm amPm = findAmPm(rd);
 

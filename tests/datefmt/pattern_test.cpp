@@ -72,7 +72,7 @@ TEST(Pattern, DirectivesOfItsOwn) {
                    Case{u"%#A|%#a|%#B|%#b|%?A|%?B|%?Q", u"oTuesday|oTue|oMarch|oMar|Tue|Mar|Q1"},
                    Case{u"%F|%f|%C|%#C|%c|", u"Tuesday  |Tue|March    |oMarch    |March    |"},
                    Case{u"%Q|%q|%#Q|%#q|%J|%L|%K|%P|%s|%n|%#H|%#I", u"quarter 1|Q1|oquarter 1|oQ1|065|02|14|PM|09|0|14|2"},
-                   Case{u"%t|%v|%Z|%x|%X|100%%x|a?b|%+y", u"||XST|05.03.2024|14:07:09|100%x|a?b|24"}})
+                   Case{u"%t|%v|%Z|%x|%X|100%%x|a?b|%+y|%z", u"||XST|05.03.2024|14:07:09|100%x|a?b|24|+0000"}})
         EXPECT_EQ(zvhost::utf8(expand(c.pattern, t)), zvhost::utf8(c.expected)) << zvhost::utf8(c.pattern);
     EXPECT_EQ(expand(u"%Y %G %g", 3660000 * 86400.0), u"1980 1980 80"); // a day of the year 11980
     // Noon and midnight; K holds 24 for the rest of the pattern.

@@ -42,7 +42,12 @@ TEST_F(Times, ClockTexts) {
                 C{50879.96, 8, 0, "14:08:00"}, C{50829.96, 10, 1, "14:07:10.0"}, C{50829.96, 11, 2, "14:07:09.96"},
                 C{86399.7, 8, 0, "24:00:00"}, C{32703, 10, 0, "   9:05:03"}, C{35999.5, 8, 0, "10:00:00"},
                 C{3599.95, 9, 1, "1:00:00.0"}, C{59.4, 7, 0, "0:00:59"}, C{50829.04, 11, 1, " 14:07:09.0"}})
+    {
         EXPECT_EQ(clock(c.value, c.width, c.decimals), c.text) << c.value << " " << c.width << "." << c.decimals;
+        host.faults().failFormatNumber = 1; // the seconds then come from the clock's own digits
+        EXPECT_EQ(clock(c.value, c.width, c.decimals), c.text) << c.value << " " << c.width << "." << c.decimals << " by hand";
+        host.faults().failFormatNumber = 0;
+    }
 }
 
 // The clock of a second count answers its own limits, missing values and

@@ -7,6 +7,7 @@
 #include <unicode/ucnv.h>
 
 #include <bit>
+#include <cstring>
 #include <cmath>
 #include <map>
 #include <optional>
@@ -242,12 +243,40 @@ TEST_F(Sweep, InformatsWithoutALocaleBlock) {
     host.formatPool().failAt(0);
 }
 
+// A format without a target answers as one with a target of no room.
+TEST_F(Sweep, NoTarget) {
+    FormatCall call;
+    std::memset(&call, 0, sizeof call);
+    call.locale = host.locale("en_US"), call.services = host.services();
+    for (const FormatTableRow *r : rows) {
+        if (famOf(name(r)) >= Fam::RDate) continue;
+        for (const double value : {1234.5, 23440.0}) {
+            ZvChar room[1] = {u'#'};
+            call.input = &value, call.width = r->defaultWidth, call.decimals = r->defaultDecimals;
+            call.output = room, call.outputLength = -7;
+            const int32_t status = r->wideEntry(&call, nullptr), length = call.outputLength;
+            call.output = nullptr, call.outputLength = -7;
+            EXPECT_EQ(r->wideEntry(&call, nullptr), status) << name(r);
+            EXPECT_TRUE(call.outputLength == length && room[0] == u'#') << name(r);
+        }
+    }
+}
+
 TEST_F(Sweep, BlankText) {
+    FormatCall bare; // no text at all (a null input) reads as an empty one
+    std::memset(&bare, 0, sizeof bare);
+    bare.locale = host.locale("en_US"), bare.services = host.services(), bare.width = 8, bare.inputLength = 5;
     for (const FormatTableRow *r : rows) {
         const Fam f = famOf(name(r));
         if (f < Fam::RDate) continue;
         for (const char *text : {"", "    "}) {
             const auto res = zvhost::runInformat(host, *r, {}, text);
+            if (!text[0]) {
+                double out = std::bit_cast<double>(uint64_t(0x7ff4deadbeef0001));
+                bare.output = &out;
+                EXPECT_EQ(r->wideEntry(&bare, nullptr), res.status) << name(r);
+                EXPECT_EQ(std::bit_cast<uint64_t>(out), res.bits) << name(r);
+            }
             const bool empty = text[0] == 0;
             if (f == Fam::RMonth || (f == Fam::RCurrency && !empty)) {
                 EXPECT_EQ(res.status, 0) << name(r);

@@ -142,37 +142,32 @@ struct AmountWriter {
 
     // The digits for this pass; a text that fills the field is asked for
     // again at the narrowed width, and one still too wide is a lone '*'.
-    // True when the digits are that star.
-    bool digitsForPass() {
+    void digitsForPass() {
         askHost(hostWidth);
-        if (digits.n < width) return false;
+        if (digits.n < width) return;
         askHost(hostWidth - narrowing);
-        if (digits.n <= width) return false;
+        if (digits.n <= width) return;
         digits.clear();
         digits.put(u'*');
-        return true;
     }
 
     // The digits without their sign, grouped by the record, with its whole
-    // decimal separator before the fraction. E-notation is never grouped.
-    void rebuildNumber(bool starred) {
+    // decimal separator before the fraction. E-notation is never grouped; a
+    // lone star stays as it is.
+    void rebuildNumber() {
         const ZvChar *d = digits.c;
         int64_t len = digits.n;
+        if (len > 0 && d[0] == u'-') {
+            ++d;
+            --len;
+        }
         int64_t intLength = len, fraction = 0;
-        int64_t e = -1;
-        if (!starred) {
-            if (len > 0 && d[0] == u'-') {
-                ++d;
-                --len;
-            }
-            intLength = len;
-            e = findChar(d, len, u'E');
-            if (e > 0 || call->decimals != 0) {
-                const int64_t point = findChar(d, len, u'.');
-                if (point >= 0) {
-                    intLength = point;
-                    fraction = len - point - 1;
-                }
+        const int64_t e = findChar(d, len, u'E');
+        if (e > 0 || call->decimals != 0) {
+            const int64_t point = findChar(d, len, u'.');
+            if (point >= 0) {
+                intLength = point;
+                fraction = len - point - 1;
             }
         }
         number.clear();
@@ -245,7 +240,8 @@ struct AmountWriter {
 
     void run() {
         do {
-            rebuildNumber(digitsForPass());
+            digitsForPass();
+            rebuildNumber();
             dressNumber();
             if (placeIfFits()) return;
         } while (retreat());

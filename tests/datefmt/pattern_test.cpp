@@ -127,6 +127,10 @@ TEST(Pattern, FieldStatuses) {
     int32_t status = 0;
     EXPECT_EQ(expand(u"%H:%M", t, 0, 3, &block(), &status), u"14:");
     EXPECT_EQ(status, zv::kPatternTooLong);
+    // A text cut at the width keeps its zone offset at the end, and gains none.
+    EXPECT_EQ(expand(u"%A, %B %d, %Y %z", t, 0, 14, &block(), &status), u"Tuesday, +0000");
+    EXPECT_EQ(expand(u"%A, %B %d, %Y", t, 0, 14, &block(), &status), u"Tuesday, March");
+    EXPECT_EQ(status, zv::kPatternTooLong);
     EXPECT_EQ(expand(u"%H:%M", t, 0, -7, &block(), &status), u"  14:07");
     EXPECT_EQ(status, 0);
     for (const char16_t *p : {u"%R", u"%X%R", u"%r", u"%#x", u"%+1", u"ok %!", u"%?r"}) {

@@ -22,7 +22,7 @@ TEST_F(Weeks, Cases) {
         {"@WEEKV", "20240105", refused, 1960}, {"@WEEKV", "2024W5", refused, 1960},
         {"@WEEKV", "2024W 01", refused, 1960}, {"@WEEKV", "2024W01x", refused, 1960},
         {"@WEEKV", "1581W01", refused, 1960}, {"@WEEKV", "2024W54", refused, 1960},
-        {"@WEEKV", "2024W0132", refused, 1960}, {"@WEEKV", "2024W01W5", refused, 1960},
+        {"@WEEKV", "2024W0131", 0, 23406}, {"@WEEKV", "2024W0132", refused, 1960}, {"@WEEKV", "2024W01W5", refused, 1960},
     };
     for (const auto &c : cases) {
         const zvhost::ReadResult r = read(c.informat, c.text);

@@ -180,10 +180,21 @@ struct PatternCut {
     int32_t count = 0;
     ZvChar order[kOrderLetters] = {u' ', u' ', u' '};
     int orderCount = 0;
+    // The literals apart, each with the count of fields before it: the text
+    // cutter looks for them at every place.
+    struct Literal {
+        int32_t start, length, fieldsBefore;
+    };
+    Literal literals[kMaxTokens];
+    int32_t literalCount = 0;
 
     void store(int64_t start, int64_t length, int32_t kind) {
-        if (count < kMaxTokens)
-            tokens[count++] = PatternToken{static_cast<int32_t>(start), static_cast<int32_t>(length), kind};
+        if (count >= kMaxTokens) return;
+        if (kind == kLiteral) {
+            const int32_t fields = count - literalCount;
+            literals[literalCount++] = Literal{static_cast<int32_t>(start), static_cast<int32_t>(length), fields};
+        }
+        tokens[count++] = PatternToken{static_cast<int32_t>(start), static_cast<int32_t>(length), kind};
     }
 };
 
@@ -274,15 +285,10 @@ void splitToken(Reader &rd, TextCutter &tc) {
 // or -1 when none is due there.
 int64_t literalAt(const Reader &rd, const TextCutter &tc, const ZvChar *pattern, const PatternCut &cut) {
     const int32_t open = tc.tokenOpen() ? 1 : 0;
-    int32_t fieldsBefore = 0;
-    for (int32_t k = 0; k < cut.count; ++k) {
-        const PatternToken &pt = cut.tokens[k];
-        if (pt.kind != kLiteral) {
-            ++fieldsBefore;
-            continue;
-        }
-        if (fieldsBefore < rd.n + open - tc.splits) continue;
-        if (fieldsBefore > rd.n + open + tc.splits) return -1;
+    for (int32_t k = 0; k < cut.literalCount; ++k) {
+        const PatternCut::Literal &pt = cut.literals[k];
+        if (pt.fieldsBefore < rd.n + open - tc.splits) continue;
+        if (pt.fieldsBefore > rd.n + open + tc.splits) return -1;
         const int64_t len = pt.length;
         const int64_t rest = rd.textLength - tc.cursor;
         if (sameFolded(rd.text + tc.cursor, pattern + pt.start, len < rest ? len : rest)) return len;

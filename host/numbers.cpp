@@ -116,13 +116,25 @@ bool shortFixedDigits(double a, int places, char *out, int *length) {
         x = (x >> -shift) + (up ? 1 : 0);
     }
     if (x >= kShortLimit) return false;
+    // The digits from the right, two at a time, then zeros up to one in
+    // front of the point.
+    static constexpr char kPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+                                     "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+                                     "8081828384858687888990919293949596979899";
     char digits[24];
-    int n = 0;
-    for (uint64_t q = uint64_t(x); n == 0 || q != 0 || n <= places; q /= 10) digits[n++] = char('0' + q % 10);
-    int k = 0;
-    for (int i = n - 1; i >= 0; --i) {
-        out[k++] = digits[i];
-        if (i == places && places > 0) out[k++] = '.';
+    char *p = digits + sizeof digits;
+    uint64_t q = uint64_t(x);
+    for (; q >= 100; q /= 100) std::memcpy(p -= 2, kPairs + 2 * (q % 100), 2);
+    if (q >= 10) std::memcpy(p -= 2, kPairs + 2 * q, 2);
+    else *--p = char('0' + q);
+    while (digits + sizeof digits - p <= places) *--p = '0';
+    const int whole = int(digits + sizeof digits - p) - places;
+    std::memcpy(out, p, size_t(whole));
+    int k = whole;
+    if (places > 0) {
+        out[k++] = '.';
+        std::memcpy(out + k, p + whole, size_t(places));
+        k += places;
     }
     *length = k;
     return true;

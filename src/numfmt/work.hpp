@@ -60,7 +60,11 @@ struct WorkArea {
         else overflow = true;
     }
     void put(const ZvChar *text, int64_t length) {
-        for (int64_t i = 0; i < length; ++i) put(text[i]);
+        if (length <= 0) return;
+        const int64_t fits = length < Capacity - n ? length : Capacity - n;
+        for (int64_t i = 0; i < fits; ++i) c[n + i] = text[i];
+        n += fits;
+        if (fits < length) overflow = true;
     }
     // The text without leading and trailing blanks.
     void takeTrimmed(const ZvChar *text, int64_t length) {

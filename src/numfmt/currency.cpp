@@ -105,7 +105,7 @@ struct AmountWriter {
     const ZvChar *pattern = nullptr;
     const ZvChar *sign = nullptr;
     int64_t signLength = 0;
-    ZvChar symbol[kWork + 1] = {};
+    ZvChar symbol[kWork + 1]; // the first symbolLength units are the mark
     int64_t symbolLength = 0;
 
     // What the retreats have given up so far.
@@ -127,8 +127,15 @@ struct AmountWriter {
         symbolLength = currencyMark(call, row, form, symbol);
     }
 
+    // The width and decimals of the host's answer that `digits` holds; a
+    // pass that asks the same again takes it as it stands.
+    int32_t askedWidth = -1, askedDecimals = -1;
+
     // The host's plain digits at width w, left-justified and trimmed.
     void askHost(int32_t w) {
+        if (w == askedWidth && call->decimals == askedDecimals) return;
+        askedWidth = w;
+        askedDecimals = call->decimals;
         ZvChar raw[kWork];
         int64_t produced = call->outputCapacity;
         if (en && en->ops && en->ops->formatNumber && w >= 1)
@@ -149,6 +156,7 @@ struct AmountWriter {
         if (digits.n <= width) return;
         digits.clear();
         digits.put(u'*');
+        askedWidth = -1;
     }
 
     // The digits without their sign, grouped by the record, with its whole

@@ -276,6 +276,10 @@ int weekdayList(const Directive &d) {
 
 // What the walk carries from one directive to the next.
 struct Walk {
+    // The output is written as the walk goes; nothing is cleared first.
+    Walk(const Fields &fields, const LocaleBlock *b, int d, HostTimeZone *zone)
+        : f(fields), block(b), decimals(d), timeZone(zone), shownYear(fields.year) {}
+
     const Fields &f;
     const LocaleBlock *block;
     int decimals;
@@ -460,7 +464,7 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
     Work work;
     expandShorthands(pattern, patternLength, block, work);
 
-    Walk w{f, block, decimals, timeZone, {}, {}, false, false, f.year};
+    Walk w(f, block, decimals, timeZone);
     for (int i = 0; i < work.length; ++i) {
         if (work.text[i] != u'%') {
             w.out.put(work.text[i]);

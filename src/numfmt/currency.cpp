@@ -165,10 +165,7 @@ struct AmountWriter {
     void rebuildNumber() {
         const ZvChar *d = digits.c;
         int64_t len = digits.n;
-        if (len > 0 && d[0] == u'-') {
-            ++d;
-            --len;
-        }
+        dropMinus(d, len);
         int64_t intLength = len, fraction = 0;
         const int64_t e = findChar(d, len, u'E');
         if (e > 0 || call->decimals != 0) {

@@ -147,10 +147,7 @@ struct Engine {
     void rebuildNumber() {
         const ZvChar *d = digits.c;
         int64_t len = digits.n;
-        if (len > 0 && d[0] == u'-') {
-            ++d;
-            --len;
-        }
+        dropMinus(d, len);
         const int64_t e = findChar(d, len, u'E');
         const int64_t point = findChar(d, len, u'.');
         int64_t intLength = len;

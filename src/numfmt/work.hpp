@@ -106,6 +106,14 @@ inline void placeRight(ZvChar *out, int64_t capacity, int64_t width, const ZvCha
     }
 }
 
+// The host's digits behind its leading minus, if it wrote one.
+inline void dropMinus(const ZvChar *&digits, int64_t &length) {
+    if (length > 0 && digits[0] == u'-') {
+        ++digits;
+        --length;
+    }
+}
+
 // The integer digits with `separator` in front of each further `size`
 // digits; the first group takes what is left over. A size of 0 or less, or
 // digits no longer than one group, go whole. True when a separator went in.

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "frame/frame.hpp"
 #include "wide/wide.hpp"
@@ -62,7 +63,7 @@ struct WorkArea {
     void put(const ZvChar *text, int64_t length) {
         if (length <= 0) return;
         const int64_t fits = length < Capacity - n ? length : Capacity - n;
-        for (int64_t i = 0; i < fits; ++i) c[n + i] = text[i];
+        std::memcpy(c + n, text, size_t(fits) * sizeof(ZvChar));
         n += fits;
         if (fits < length) overflow = true;
     }
@@ -80,7 +81,7 @@ struct WorkArea {
         while (begin < n && c[begin] == u' ') ++begin;
         int64_t end = n;
         while (end > begin && c[end - 1] == u' ') --end;
-        for (int64_t i = begin; i < end; ++i) c[i - begin] = c[i];
+        if (begin > 0) std::memmove(c, c + begin, size_t(end - begin) * sizeof(ZvChar));
         n = end - begin;
     }
 };

@@ -101,14 +101,14 @@ void icuFromUChars(benchmark::State &state, const std::u16string &text, const ch
 }
 void icuUtf8(benchmark::State &s) { icuFromUChars(s, kDate, "UTF-8"); }
 void icuLatin1(benchmark::State &s) { icuFromUChars(s, kWide, "ISO-8859-1"); }
-void icuNumber(benchmark::State &s) { icuFromUChars(s, kNumber, "UTF-8"); }
+void icuConvertNumber(benchmark::State &s) { icuFromUChars(s, kNumber, "UTF-8"); }
 BENCHMARK(icuUtf8);
 BENCHMARK(icuLatin1);
-BENCHMARK(icuNumber);
+BENCHMARK(icuConvertNumber);
 
 zvbench::RegisterRatio r1("byteUtf8", "icuUtf8");
 zvbench::RegisterRatio r2("byteLatin1", "icuLatin1");
-zvbench::RegisterRatio r3("byteRightOverflow", "icuNumber");
+zvbench::RegisterRatio r3("byteRightOverflow", "icuConvertNumber");
 zvbench::RegisterRatio r4("byteUtf8", "wideOnly");
 
 } // namespace

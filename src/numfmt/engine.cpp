@@ -137,9 +137,25 @@ struct Engine {
         return true;
     }
 
+    // Where the digits hold their first star, E and point (-1: none), from
+    // one look at them.
+    int64_t starAt = -1, eAt = -1, pointAt = -1;
+    void findMarks() {
+        starAt = eAt = pointAt = -1;
+        for (int64_t i = digits.n - 1; i >= 0; --i) {
+            switch (digits.c[i]) {
+            case u'*': starAt = i; break;
+            case u'E': eAt = i; break;
+            case u'.': pointAt = i; break;
+            default: break;
+            }
+        }
+    }
+
     // Text that the host starred or wrote too wide is never dressed.
-    bool digitsWorthDressing() const {
-        return digits.n <= width && findChar(digits.c, digits.n, u'*') < 0;
+    bool digitsWorthDressing() {
+        findMarks();
+        return digits.n <= width && starAt < 0;
     }
 
     // The digits without their sign, grouped by the context, with its
@@ -148,8 +164,9 @@ struct Engine {
         const ZvChar *d = digits.c;
         int64_t len = digits.n;
         dropMinus(d, len);
-        const int64_t e = findChar(d, len, u'E');
-        const int64_t point = findChar(d, len, u'.');
+        const int64_t shift = digits.n - len; // the minus dropped
+        const int64_t e = eAt < 0 ? -1 : eAt - shift;
+        const int64_t point = pointAt < 0 ? -1 : pointAt - shift;
         int64_t intLength = len;
         const ZvChar *fraction = nullptr;
         int64_t fractionLength = 0;

@@ -309,6 +309,7 @@ struct Host::Impl {
     bool dying = false;
 
     std::map<std::pair<std::string, std::map<int, std::string>>, std::unique_ptr<LocaleImpl>> locales;
+    LocaleImpl *current = nullptr; // currentLocale's answer, while it is in `locales`
     uint64_t useClock = 0;
     std::unique_ptr<LocaleImpl> numberFormatter;
     std::map<std::string, std::unique_ptr<TimeZoneImpl>> zones;
@@ -475,7 +476,9 @@ struct Host::Impl {
         if (!h) return nullptr;
         std::lock_guard<std::mutex> guard(h->cacheLock);
         if (strikes(h->faults.failCurrentLocale, h->counters.currentLocales)) return nullptr;
-        LocaleImpl *l = h->findLocale(h->config.currentLocale, {});
+        // Asked for at every read: the answer is kept while the cache keeps it.
+        if (!h->current) h->current = h->findLocale(h->config.currentLocale, {});
+        LocaleImpl *l = h->current;
         if (l && l->holds == 0) l->holds = 1; // a call may use it at any time: it stays
         return l ? &l->base : nullptr;
     }
@@ -601,6 +604,7 @@ struct Host::Impl {
                     (oldest == locales.end() || it->second->lastUse < oldest->second->lastUse))
                     oldest = it;
             if (oldest == locales.end()) return; // all held: the cache waits for a release
+            if (oldest->second.get() == current) current = nullptr;
             locales.erase(oldest);
         }
     }

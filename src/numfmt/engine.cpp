@@ -72,9 +72,23 @@ struct Engine {
         return 0;
     }
 
+    // The width, decimals and answer of the host's text that `digits` holds:
+    // a pass that asks the same again (after giving up the groups) takes it.
+    int32_t askedWidth = -1, askedDecimals = -1;
+    bool askedAnswer = false;
+
+    bool hostDigits(int32_t hostWidth) {
+        if (hostWidth != askedWidth || call->decimals != askedDecimals) {
+            askedWidth = hostWidth;
+            askedDecimals = call->decimals;
+            askedAnswer = askHost(hostWidth, digits);
+        }
+        return askedAnswer;
+    }
+
     // One call of the host's plain form; the left-justified text without
     // trailing blanks in `text`. False: stars.
-    bool hostDigits(int32_t hostWidth, WorkText &text) {
+    bool askHost(int32_t hostWidth, WorkText &text) {
         HostLocale *en = instance->defaultLocale;
         text.clear();
         if (!en || !en->ops || !en->ops->formatNumber || hostWidth < 1) return false;
@@ -126,10 +140,10 @@ struct Engine {
     // The host's digits for this pass, at the full width and, once the field
     // narrows or the text is too wide, at the narrowed one. False: stars.
     bool digitsForPass() {
-        if (!hostDigits(width, digits)) return false;
+        if (!hostDigits(width)) return false;
         if (digits.n > width || narrowing > 0) {
             if (width - narrowing < 1) return false;
-            if (!hostDigits(width - narrowing, digits)) return false;
+            if (!hostDigits(width - narrowing)) return false;
         }
         if (digits.n < 1) return false;
         if (call->decimals > 0 && digits.n >= 2 && digits.c[0] == u'0' && digits.c[1] == u'.')

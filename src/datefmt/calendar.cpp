@@ -2,6 +2,7 @@
 // which the host's option gives at each use.
 #include "datefmt/calendar.hpp"
 
+#include <array>
 #include <cmath>
 #include <cstdlib>
 
@@ -33,6 +34,16 @@ bool refusedDay(double days) { return isMissing(days) || !(days >= kFirstDay && 
 bool refusedSecond(double s) { return isMissing(s) || !(s >= kFirstSecond && s < kSecondLimit); }
 
 int monthLength(int month, int64_t year) { return kMonthDays[month - 1] + (month == 2 ? leapFigure(year) : 0); }
+
+// Days of a year before each month, and before the next year: a common year,
+// then a leap year.
+constexpr auto kDaysBeforeMonth = [] {
+    std::array<std::array<int, 13>, 2> before{};
+    for (int leap = 0; leap < 2; ++leap)
+        for (int m = 1; m <= 12; ++m)
+            before[size_t(leap)][size_t(m)] = before[size_t(leap)][size_t(m - 1)] + kMonthDays[m - 1] + (m == 2 ? leap : 0);
+    return before;
+}();
 
 bool plainLeap(int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
 
@@ -103,8 +114,7 @@ double ymdToYearDay(double year, double month, double day) {
     if (y <= kLastTwoDigitYear) y = settleTwoDigitYear(y, yearPivot(kCalendarYearPivot));
     if (y < kFirstYear || y > kLastYear) return missingValue();
     if (d > monthLength(m, y)) return missingValue();
-    int64_t before = 0;
-    for (int k = 1; k < m; ++k) before += monthLength(k, y);
+    const int64_t before = kDaysBeforeMonth[size_t(leapFigure(y))][size_t(m - 1)];
     return static_cast<double>(y * kYearDayBase + before + d);
 }
 
@@ -120,11 +130,14 @@ int32_t yearDayToYmd(double *year, double *month, double *day, double code) {
         *year = *month = *day = missingValue();
         return 0;
     }
-    int m = 1;
-    while (m < 12 && d > monthLength(m, y)) d -= monthLength(m++, y);
+    // Months have 28 to 31 days: the month of day d is the one a 31-day
+    // count gives, or the next.
+    const auto &before = kDaysBeforeMonth[size_t(leapFigure(y))];
+    int m = static_cast<int>((d - 1) / 31) + 1;
+    if (m < 12 && d > before[size_t(m)]) ++m;
     *year = static_cast<double>(y);
     *month = m;
-    *day = static_cast<double>(d);
+    *day = static_cast<double>(d - before[size_t(m - 1)]);
     return 0;
 }
 

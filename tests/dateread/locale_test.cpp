@@ -175,6 +175,7 @@ TEST_F(LocaleReader, Cases) {
         {u"MDY", u"%A, %B %d, %Y", u"5, March 5, 2024", -1},
         {u"MDY", u"%A %A %B %d %Y", u"Sunday x March 5 2024", 0, mar5}, {u"DMY", u"%d.%m.%Y", u"05.13.2024", -1},
         {u"MDY", u"%A %B %d %Y", u"Zzz March 5 2024", -1}, // item 121 follows the weekdays but is none
+        {u"MDY", u"%b %d %Y", u"sept. 5 2024", 0, dayCount(2024, 9, 5)}, // a name that ends past its first token
         {u"DMY", u"%d.%m.%Y", u"32.01.2024", -1}, {u"DMY", u"%d.%m.%Y", u"0.01.2024", -1},
         {u"DMY", u"%d.%m.%Y", u"31.04.2024", -1}, {u"DMY", u"%d %b %Y", u"12Mar2024", 0, dayCount(2024, 3, 12)},
         {u"DMY", u"%d %m %Y", u"5.3.2024", 0, mar5}, {u"MDY", u"%d %m %Y", u"5-3-2024", -1},
@@ -200,7 +201,7 @@ TEST_F(LocaleReader, Cases) {
         {u"MDY", u"%I:%M:%S %p %d", u"1:02:03 p. m.", 0, kMiss, 46923},
     };
     set(59, u"de gen."), set(71, u"del gener"), set(62, u"Ma"), set(64, u"Mab"), set(65, u"Mab");
-    set(151, u"a. m."), set(152, u"p. m."), set(121, u"Zzz");
+    set(151, u"a. m."), set(152, u"p. m."), set(121, u"Zzz"), set(67, u"sept.");
     for (const Case &c : cases) {
         set(6, c.order);
         double date = 0, time = 0;

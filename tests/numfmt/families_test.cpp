@@ -83,6 +83,9 @@ TEST_F(Numbers, BestFitAndSignificantDigits) {
         if (const size_t p = comma.find('.'); p != std::string::npos) comma[p] = ',';
         EXPECT_EQ(run("NLBEST", v, width, 0, {{172, ","}}), comma);
     }
+    // Fields of 33 to 40 places get blanks in front of the host's 32; a wider one goes to the host whole.
+    EXPECT_EQ(run("NLBEST", 1e40, 40, 0), std::string(35, ' ') + "1E+40");
+    EXPECT_EQ(run("NLBEST", 1e40, 41, 0), "10000000000000000303786028427003666890752");
     EXPECT_EQ(run("NLD", 1234.5678, 12, 0), " 1234.567800");
     EXPECT_EQ(run("NLD", 99999.9, 12, 0), "      100000");
     EXPECT_EQ(run("NLD", 0.00012, 12, 0, {{172, ","}}), "    0,000120");

@@ -127,15 +127,11 @@ struct AmountWriter {
         symbolLength = currencyMark(call, row, form, symbol);
     }
 
-    // The width and decimals of the host's answer that `digits` holds; a
-    // pass that asks the same again takes it as it stands.
-    int32_t askedWidth = -1, askedDecimals = -1;
+    HostAsk asked;
 
     // The host's plain digits at width w, left-justified and trimmed.
     void askHost(int32_t w) {
-        if (w == askedWidth && call->decimals == askedDecimals) return;
-        askedWidth = w;
-        askedDecimals = call->decimals;
+        if (asked.repeats(w, call->decimals)) return;
         ZvChar raw[kWork];
         int64_t produced = call->outputCapacity;
         if (en && en->ops && en->ops->formatNumber && w >= 1)
@@ -156,7 +152,7 @@ struct AmountWriter {
         if (digits.n <= width) return;
         digits.clear();
         digits.put(u'*');
-        askedWidth = -1;
+        asked.forget();
     }
 
     // The digits without their sign, grouped by the record, with its whole

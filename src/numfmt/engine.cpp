@@ -72,17 +72,12 @@ struct Engine {
         return 0;
     }
 
-    // The width, decimals and answer of the host's text that `digits` holds:
-    // a pass that asks the same again (after giving up the groups) takes it.
-    int32_t askedWidth = -1, askedDecimals = -1;
+    HostAsk asked;
     bool askedAnswer = false;
 
+    // The host's digits in `digits`; false: stars.
     bool hostDigits(int32_t hostWidth) {
-        if (hostWidth != askedWidth || call->decimals != askedDecimals) {
-            askedWidth = hostWidth;
-            askedDecimals = call->decimals;
-            askedAnswer = askHost(hostWidth, digits);
-        }
+        if (!asked.repeats(hostWidth, call->decimals)) askedAnswer = askHost(hostWidth, digits);
         return askedAnswer;
     }
 
@@ -148,6 +143,7 @@ struct Engine {
         if (digits.n < 1) return false;
         if (call->decimals > 0 && digits.n >= 2 && digits.c[0] == u'0' && digits.c[1] == u'.')
             zeroPoint = true;
+        findMarks();
         return true;
     }
 
@@ -167,8 +163,7 @@ struct Engine {
     }
 
     // Text that the host starred or wrote too wide is never dressed.
-    bool digitsWorthDressing() {
-        findMarks();
+    bool digitsWorthDressing() const {
         return digits.n <= width && starAt < 0;
     }
 

@@ -107,6 +107,20 @@ inline void placeRight(ZvChar *out, int64_t capacity, int64_t width, const ZvCha
     }
 }
 
+// The width and decimals of the host's answer that a work area holds: a pass
+// that asks the same again (after giving up the groups) takes it as it stands.
+struct HostAsk {
+    int32_t width = -1, decimals = -1;
+    // True when (w, d) was the last question; otherwise it becomes it.
+    bool repeats(int32_t w, int32_t d) {
+        if (w == width && d == decimals) return true;
+        width = w;
+        decimals = d;
+        return false;
+    }
+    void forget() { width = decimals = -1; }
+};
+
 // The host's digits behind its leading minus, if it wrote one.
 inline void dropMinus(const ZvChar *&digits, int64_t &length) {
     if (length > 0 && digits[0] == u'-') {

@@ -63,7 +63,7 @@ void secondsText(FormatCall *call, double seconds, int width, int p, ZvChar *tar
             digits[n++] = static_cast<ZvChar>(u'0' + units % 10);
             units /= 10;
         } while (units > 0 && n < kClockUnits);
-        produced = n < width ? n : width;
+        produced = std::min(n, width);
         for (int64_t i = 0; i < produced; ++i) buffer[i] = digits[n - 1 - i];
     }
     fillWide(target, u' ', width);
@@ -212,7 +212,7 @@ int32_t writeClockOfDatetime(FormatCall *call) {
     const int32_t status = writeClock(&copy);
     if (status != 0) return status;
     auto *out = static_cast<ZvChar *>(call->output);
-    const int64_t n = copy.outputLength < call->outputCapacity ? copy.outputLength : call->outputCapacity;
+    const int64_t n = std::min(copy.outputLength, call->outputCapacity);
     if (out && n > 0) {
         const int64_t colon = findChar(out, n, u':');
         const int64_t at = (colon >= 0 ? colon : n) - 2;

@@ -3,6 +3,7 @@
 // form, bit 1 upper case.
 #include "datefmt/names.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -48,10 +49,10 @@ int32_t writeName(FormatCall *call, const NameGroup &group) {
     if (item.length > call->width) return starFill(call);
 
     auto *out = static_cast<ZvChar *>(call->output);
-    const int64_t room = call->outputLength < call->outputCapacity ? call->outputLength : call->outputCapacity;
+    const int64_t room = std::min(call->outputLength, call->outputCapacity);
     if (out) {
         fillWide(out, u' ', room);
-        const int64_t copied = item.length < room ? item.length : room;
+        const int64_t copied = std::min(item.length, room);
         std::memcpy(out, item.text, size_t(copied) * sizeof(ZvChar));
         if (call->decimals & 2) foldUpper(out, copied);
     }

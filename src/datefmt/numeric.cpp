@@ -1,5 +1,6 @@
 // Numeric date forms: digits fitted to the field part by part, the year
 // shrinking to two digits and parts dropping out as the field narrows.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -23,7 +24,7 @@ struct Order {
 bool readOrder(const LocaleBlock *block, Order *order) {
     const LocaleItem &item = block->items[kItemDateOrder];
     ZvChar text[ZV_ITEM_TEXT_UNITS];
-    const int64_t n = item.length < ZV_ITEM_TEXT_UNITS ? item.length : ZV_ITEM_TEXT_UNITS;
+    const int64_t n = std::min<int64_t>(item.length, ZV_ITEM_TEXT_UNITS);
     std::memcpy(text, item.text, size_t(n) * sizeof(ZvChar));
     foldUpper(text, n);
     order->month = int(findChar(text, n, u'M')) + 1;
@@ -205,7 +206,7 @@ int32_t writeNumericDatetime(const DateCall &d) {
     FormatCall *call = d.call;
     const LocaleBlock *block = call->localeBlock;
     const int w = call->width;
-    const int dec = call->decimals < 0 ? 0 : call->decimals;
+    const int dec = std::max(call->decimals, 0);
     const int p = dec > 0 ? 1 : 0;
     const int s = block->items[kItemDateSeparator].length == 1 ? 1 : 0;
 
@@ -272,7 +273,7 @@ int32_t writeNumericDatetime(const DateCall &d) {
     call->outputLength = w;
     if (call->output) {
         const int64_t room = fieldUnits(call);
-        std::memcpy(call->output, text, size_t(n < room ? n : room) * sizeof(ZvChar));
+        std::memcpy(call->output, text, size_t(std::min<int64_t>(n, room)) * sizeof(ZvChar));
     }
     return 0;
 }

@@ -3,6 +3,7 @@
 // stack: a work text and an output of 512 units.
 #include "datefmt/pattern.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -61,7 +62,7 @@ void putItem(Out &out, const LocaleBlock *b, int k) {
 void putPadded(Out &out, const LocaleBlock *b, int first, int count, int k) {
     int64_t widest = 0;
     for (int i = first; i < first + count; ++i)
-        if (const LocaleItem *it = itemOf(b, i)) widest = it->length > widest ? it->length : widest;
+        if (const LocaleItem *it = itemOf(b, i)) widest = std::max(it->length, widest);
     const int start = out.length;
     putItem(out, b, k);
     while (out.length - start < widest) out.put(u' ');
@@ -493,7 +494,7 @@ int32_t writeDatePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern,
 namespace {
 double roundedToDecimals(double value, int decimals) {
     double rounded = value;
-    const int d = decimals < 0 ? 0 : decimals;
+    const int d = std::max(decimals, 0);
     roundToUnit(value, 1.0 / std::pow(10.0, d), &rounded);
     return rounded;
 }

@@ -1,5 +1,6 @@
 // The plain forms NLDATE, NLDATM and NLDATMAP, and the partial forms of year
 // and month, month and day, year, year and quarter, year and week.
+#include <algorithm>
 #include <cstring>
 
 #include "datefmt/dateformat.hpp"
@@ -63,7 +64,7 @@ int32_t plainForm(FormatCall *call, void *opaque, ValueKind kind, int first, int
     call->outputCapacity = capacity;
     if (first == kItemDatetime) { // NLDATM looks at what came out; NLDATMAP at the status
         const auto *out = static_cast<const ZvChar *>(call->output);
-        const int64_t n = call->outputLength < capacity ? call->outputLength : capacity;
+        const int64_t n = std::min(call->outputLength, capacity);
         if (out && findChar(out, n, u'*') >= 0) return starFill(call);
     } else if (status != 0) {
         return starFill(call);

@@ -1,5 +1,6 @@
 // Week numbers under the three conventions: WEEKU, WEEKV, WEEKW, the short
 // YYWEEK forms and DTWEEKV with the time behind the week date.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -94,7 +95,7 @@ int32_t weekFormat(FormatCall *call, WeekMode mode) {
     int32_t status = 0;
     if (!openWeek(call, &day, &status)) return status;
     ZvChar field[kPatternUnits];
-    int w = call->width > kPatternUnits ? kPatternUnits : call->width;
+    int w = std::min(call->width, kPatternUnits);
     status = writeWeekDate(field, &w, mode, day);
     if (status != 0) {
         starFill(call);

@@ -1,6 +1,7 @@
 // NLDATMZ, NLDATMWZ, NLDATMTZ and NLDATMTM: a locale pattern with " %z"
 // behind it, and when it fits nowhere a narrower form six places shorter
 // with the zone text that the engine kept put behind it.
+#include <algorithm>
 #include <cstring>
 
 #include "datefmt/clock.hpp"
@@ -124,7 +125,7 @@ int32_t datetimeWithZone(FormatCall *call, void *opaque, int first, int second, 
     const int32_t written = call->outputLength;
     restoreField(call, saved);
 
-    const int64_t n = written < saved.capacity ? written : saved.capacity;
+    const int64_t n = std::min(written, saved.capacity);
     if (out && n > 0 && findChar(out, n, u'*') >= 0) return starFill(call);
     leftJustifyField(call);
     appendZone(call, zone);

@@ -1,5 +1,6 @@
 // Guessing the layout of a date, a time or a datetime: the ANYDATE rows of
 // the date pattern table are tried in order until one gives a value.
+#include <algorithm>
 #include <cmath>
 
 #include "datefmt/calendar.hpp"
@@ -26,7 +27,7 @@ enum class Keep { Day, Time, Both };
 
 int32_t guess(FormatCall *call, Keep keep) {
     double *output = static_cast<double *>(call->output);
-    int64_t length = call->inputLength < call->width ? call->inputLength : call->width;
+    int64_t length = std::min(call->inputLength, call->width);
     if (length < 0 || !call->input) length = 0;
     if (length > kRoom) length = kRoom;
     ZvChar buffer[kRoom];

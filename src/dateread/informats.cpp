@@ -6,6 +6,8 @@
 #include "locale/block.hpp"
 #include "wide/wide.hpp"
 
+#include <algorithm>
+
 namespace zv {
 
 namespace {
@@ -32,14 +34,14 @@ int64_t patternLengthOf(const LocaleItem &item) {
 int32_t readNl(FormatCall *call, Reading reading) {
     const ZvChar *text = static_cast<const ZvChar *>(call->input);
     double *output = static_cast<double *>(call->output);
-    int32_t length = call->inputLength < call->fieldLimit ? call->inputLength : call->fieldLimit;
+    int32_t length = std::min(call->inputLength, call->fieldLimit);
     if (length < 0 || !text) length = 0;
     length = static_cast<int32_t>(lengthWithoutTrailingBlanks(text, length));
 
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return kDateReadFailed;
     bool haveBlock = call->localeBlock != nullptr;
-    if (!haveBlock) haveBlock = buildLocaleBlock(call, instance) == 0 && call->localeBlock != nullptr;
+    if (!haveBlock) haveBlock = buildLocaleBlock(call, instance) == 0;
 
     if (haveBlock) {
         if (length == 0) return ZV_UNREADABLE;

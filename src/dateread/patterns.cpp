@@ -1,5 +1,6 @@
 // The reader of the fixed date pattern table: locale-free patterns, English
 // month and weekday names, fields read strictly from left to right.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -268,7 +269,7 @@ void readFraction(RowTry &r) {
     int64_t digits = 0;
     int n = 0;
     readNumber(r, 0, &digits, &n);
-    const int counted = n < kMaxCountedDigits ? n : kMaxCountedDigits;
+    const int counted = std::min(n, kMaxCountedDigits);
     r.call->fraction = static_cast<double>(digits) / std::pow(10.0, counted);
 }
 
@@ -414,7 +415,7 @@ void takeText(RowText &t, const ZvChar *text, int64_t textLength, bool normalise
     t.text = text;
     t.length = textLength;
     if (!normalise) return;
-    t.length = textLength < kNormalisedRoom ? textLength : kNormalisedRoom;
+    t.length = std::min<int64_t>(textLength, kNormalisedRoom);
     for (int64_t i = 0; i < t.length; ++i) t.normalised[i] = text[i];
     t.length = cleanDateText(t.normalised, t.length);
     t.text = t.normalised;

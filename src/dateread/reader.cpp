@@ -9,6 +9,8 @@
 #include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
+#include <algorithm>
+
 namespace zv {
 
 namespace {
@@ -291,7 +293,7 @@ int64_t literalAt(const Reader &rd, const TextCutter &tc, const ZvChar *pattern,
         if (pt.fieldsBefore > rd.n + open + tc.splits) return -1;
         const int64_t len = pt.length;
         const int64_t rest = rd.textLength - tc.cursor;
-        if (sameFolded(rd.text + tc.cursor, pattern + pt.start, len < rest ? len : rest)) return len;
+        if (sameFolded(rd.text + tc.cursor, pattern + pt.start, std::min(len, rest))) return len;
     }
     return -1;
 }

@@ -32,7 +32,7 @@ bool nameBegins(const LocaleItem &item, const ZvChar *folded, int64_t limit) {
 int32_t readNlStrMonth(FormatCall *call, void *) {
     const ZvChar *text = static_cast<const ZvChar *>(call->input);
     int64_t length = text && call->inputLength > 0 ? lengthWithoutTrailingBlanks(text, call->inputLength) : 0;
-    const int64_t limit = call->fieldLimit < length ? call->fieldLimit : length;
+    const int64_t limit = std::min<int64_t>(call->fieldLimit, length);
 
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return ZV_NO_INSTANCE;

@@ -1,5 +1,6 @@
 // The byte entry: one routine behind all formats that carries a wide
 // routine's text into the host encoding and fits it to the caller's field.
+#include <algorithm>
 #include <climits>
 #include <cstring>
 
@@ -62,7 +63,7 @@ int32_t runByteEntry(ZvWideEntry wide, Justify mark, FormatCall *call, FormatCal
         if (units > bufferUnits) units = bufferUnits;
 
         // The field is `width` bytes, and never more than the target holds.
-        int64_t field = source->width < source->outputCapacity ? source->width : source->outputCapacity;
+        int64_t field = std::min(source->width, source->outputCapacity);
         if (field < 0) field = 0;
         auto *target = static_cast<unsigned char *>(source->output);
 
@@ -76,7 +77,7 @@ int32_t runByteEntry(ZvWideEntry wide, Justify mark, FormatCall *call, FormatCal
             if (mark == Justify::Left) {
                 status = 0; // cut at what fitted
             } else if (source->width >= 1) {
-                const int64_t look = units < source->width ? units : source->width;
+                const int64_t look = std::min<int64_t>(units, source->width);
                 int64_t lead = 0;
                 while (lead < look && buffer[lead] == u' ') ++lead;
                 if (lead > 0) {

@@ -3,6 +3,7 @@
 // bridge from a wide routine to the host encoding.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -43,11 +44,11 @@ inline double missingValue() { return doubleOf(ZV_MISSING_BITS); }
 // outputCapacity, as the call gives them (fieldRoom), or never below 0
 // (fieldUnits).
 inline int64_t fieldRoom(const FormatCall *call) {
-    return call->width < call->outputCapacity ? call->width : call->outputCapacity;
+    return std::min(call->width, call->outputCapacity);
 }
 inline int64_t fieldUnits(const FormatCall *call) {
     const int64_t room = fieldRoom(call);
-    return room < 0 ? 0 : room;
+    return std::max<int64_t>(room, 0);
 }
 
 // The double at a format's input; 0 when there is none.

@@ -1,6 +1,7 @@
 // Building a locale block from the host's raw text table.
 #include "locale/block.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 
@@ -18,7 +19,7 @@ constexpr int kEscapeBytes = 7; // <Uxxxx>
 // An escape's digit; any other byte counts as 0.
 int escapeDigit(uint8_t b) {
     const int v = hexDigitValue(b);
-    return v < 0 ? 0 : v;
+    return std::max<int64_t>(v, 0);
 }
 
 // True when the host encoding can show this one unit.
@@ -234,7 +235,7 @@ void nameWidths(LocaleBlock &b, HostTranscoder *t) {
         }
     const uint32_t am = hostBytes(t, b.items[kItemAm].text, b.items[kItemAm].length);
     const uint32_t pm = hostBytes(t, b.items[kItemPm].text, b.items[kItemPm].length);
-    b.items[kItemAm].maxWidth = b.items[kItemPm].maxWidth = am > pm ? am : pm;
+    b.items[kItemAm].maxWidth = b.items[kItemPm].maxWidth = std::max(am, pm);
 }
 
 // What one directive adds to a pattern's width.

@@ -1,6 +1,7 @@
 // NLBEST and NLD: the field decides how a number is shown. NLBEST takes the
 // host's best fit; NLD works out the decimals that keep the significant
 // digits asked for.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -162,7 +163,7 @@ int32_t writeSignificant(FormatCall *call, ExtensionInstance *instance) {
     auto *out = static_cast<ZvChar *>(call->output);
     const double value = inputValue(call);
     const int32_t width = call->width;
-    const int64_t capacity = width < call->outputCapacity ? width : call->outputCapacity;
+    const int64_t capacity = std::min(width, call->outputCapacity);
     if (capacity < 1) {
         call->outputLength = 0;
         return 0;

@@ -1,5 +1,6 @@
 // NLMNI<code> and NLMNL<code>: an amount in the shape of the locale's own
 // money, with another currency's code or symbol.
+#include <algorithm>
 #include <cstring>
 
 #include "frame/frame.hpp"
@@ -27,7 +28,7 @@ int8_t snapshotFigure(FormatCall *call, ExtensionInstance *instance, int item) {
     HostLocale *locale = call->locale;
     if (it.length < 1 || !locale || !locale->ops || !locale->ops->parseInteger) return 0;
     int64_t value = 0, used = 0;
-    const int64_t length = it.length < ZV_ITEM_TEXT_UNITS ? it.length : ZV_ITEM_TEXT_UNITS;
+    const int64_t length = std::min<int64_t>(it.length, ZV_ITEM_TEXT_UNITS);
     if (locale->ops->parseInteger(locale, it.text, length, 0, &value, &used) != 0) return 0;
     if (value < INT8_MIN || value > INT8_MAX) return 0;
     return static_cast<int8_t>(value);
@@ -99,7 +100,7 @@ struct AmountWriter {
 
     AmountWriter(FormatCall *c, const CurrencyRow &m, HostLocale *locale, double v, ZvChar *field,
                  int32_t w)
-        : call(c), money(m), en(locale), value(v), out(field), width(w), hostWidth(w < kWork ? w : kWork) {}
+        : call(c), money(m), en(locale), value(v), out(field), width(w), hostWidth(std::min(w, kWork)) {}
 
     bool negative = false;
     const ZvChar *pattern = nullptr;
@@ -231,7 +232,7 @@ struct AmountWriter {
 
     // The plain number, without the locale's dress: the last answer.
     void writePlainNumber() {
-        const int64_t capacity = width < call->outputCapacity ? width : call->outputCapacity;
+        const int64_t capacity = std::min(width, call->outputCapacity);
         int64_t produced = call->outputCapacity;
         if (en && en->ops && en->ops->formatNumber && capacity >= 1)
             en->ops->formatNumber(en, value, width, call->decimals, ZV_NUMBER_PLAIN, out, capacity,

@@ -1,6 +1,7 @@
 // The locale number engine: the host's plain digits rebuilt by a number
 // context's separators, grouping, signs and symbol, with retreats when the
 // result is wider than the field.
+#include <algorithm>
 #include <cstring>
 
 #include "frame/frame.hpp"
@@ -96,7 +97,7 @@ struct Engine {
         text.takeTrimmed(raw, produced);
         if (status == kHostNotPlain) {
             if (call->outputCapacity < text.n) return false;
-            const int64_t look = text.n < call->outputLength ? text.n : call->outputLength;
+            const int64_t look = std::min<int64_t>(text.n, call->outputLength);
             if (findChar(text.c, look, u'*') >= 0) return false;
         } else if (status != 0) {
             return false;

@@ -1,6 +1,7 @@
 // NLNUM, NLNUMI, NLPCT, NLPCTI, NLPCTN, NLPCTP, NLMNY and NLMNYI: their fronts,
 // one routine for all, driven by a row of data each, and the fixed forms for
 // locales that don't define an item.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -132,7 +133,7 @@ int32_t fixedPercent(FormatCall *call) {
     if (isMissing(value)) {
         fillBounded(out, n, u' ', n);
         if (out && n >= kPercentDecoration) out[n - kPercentDecoration] = missingMarkOf(value);
-        call->outputLength = static_cast<int32_t>(n < 0 ? 0 : n);
+        call->outputLength = static_cast<int32_t>(std::max<int64_t>(n, 0));
         return 0;
     }
     // The host needs a field of one place at least, and room for the
@@ -198,7 +199,7 @@ int32_t fixedMoney(FormatCall *call, ExtensionInstance *instance) {
     if (status != 0) return fixedPlainNumber(call);
     int64_t look = fieldRoom(call);
     if (findChar(out, look, u'E') >= 0 || findChar(out, look, u'*') >= 0) return 0;
-    look = call->outputLength < call->outputCapacity ? call->outputLength : call->outputCapacity;
+    look = std::min(call->outputLength, call->outputCapacity);
     const int64_t first = firstOther(out, look, u' ');
     if (first > 0) out[first - 1] = u'$';
     return 0;

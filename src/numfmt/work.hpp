@@ -3,6 +3,7 @@
 // only sets `overflow`.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -200,7 +201,7 @@ inline int32_t hostMeasure(FormatCall *call, const ZvChar *text, int64_t units, 
     if (scratchBytes > 256) scratchBytes = 256;
     int64_t produced = 0;
     const int32_t status = t->ops->transcode(t, text, units * 2, scratch, scratchBytes, &produced, 0);
-    *bytes = produced < 0 ? 0 : produced;
+    *bytes = std::max<int64_t>(produced, 0);
     return status;
 }
 

@@ -2,6 +2,7 @@
 // or symbol in the shape of the locale's own money. The currency's mark is
 // cut out whole, the locale's marks become plain ones, and the plain reader
 // does the rest; what it can't read stays missing.
+#include <algorithm>
 #include <cstring>
 
 #include "frame/frame.hpp"
@@ -44,7 +45,7 @@ bool removeSignForm(ZvChar *text, int64_t *n, int32_t position, const ZvChar *si
 int32_t readCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionInstance *instance,
                            CurrencyForm form) {
     if (!ensureMonetaryRecord(call, instance)) return ZV_UNREADABLE;
-    int64_t length = call->inputLength < call->fieldLimit ? call->inputLength : call->fieldLimit;
+    int64_t length = std::min(call->inputLength, call->fieldLimit);
     if (length <= 0 || !call->input) return ZV_UNREADABLE;
     if (length > kReadUnits) length = kReadUnits;
     const CurrencyRow &money = static_cast<MonetaryRecord *>(instance->monetaryRecord)->row;
@@ -123,7 +124,7 @@ int32_t runCurrencyReader(FormatCall *call, const CurrencyRow &row, CurrencyForm
     ExtensionInstance *instance = findInstance(call);
     if (!instance) return ZV_NO_INSTANCE;
     const bool builtNow = !call->localeBlock;
-    if (builtNow && (buildLocaleBlock(call, instance) != 0 || !call->localeBlock)) return ZV_UNREADABLE;
+    if (builtNow && buildLocaleBlock(call, instance) != 0) return ZV_UNREADABLE;
     followSnapshot(instance, call->localeBlock, builtNow);
     return readCurrencyAmount(call, row, instance, form);
 }

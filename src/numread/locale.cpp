@@ -1,6 +1,7 @@
 // @NLNUM, @NLNUMI, @NLMNY, @NLMNYI, @NLPCT and @NLPCTI: the front that bounds
 // and checks the text, and the three readers that translate a locale's marks
 // into the plain form for the plain readers.
+#include <algorithm>
 #include <cstring>
 
 #include "frame/frame.hpp"
@@ -191,14 +192,14 @@ int64_t roundTrip(FormatCall *call, int64_t units) {
     const int32_t status = back->ops->transcode(back, bytes, produced, wide, sizeof wide, &came, 0);
     if (back->ops->transcoderRelease) back->ops->transcoderRelease(back);
     if (status != 0) return -1;
-    return came < 0 ? 0 : came / 2;
+    return std::max<int64_t>(came, 0) / 2;
 }
 
 // What all six informats do: bound and trim the text, find the instance,
 // check the limits, measure the text in host bytes, make sure of a locale
 // block, and run the locale reader.
 int32_t readFront(FormatCall *call, const NumberReadRow &row) {
-    int64_t n = call->inputLength < call->fieldLimit ? call->inputLength : call->fieldLimit;
+    int64_t n = std::min(call->inputLength, call->fieldLimit);
     if (n < 0 || !call->input) n = 0;
     n = lengthWithoutTrailingBlanks(static_cast<const ZvChar *>(call->input), n);
     if (n <= 0) return ZV_UNREADABLE;

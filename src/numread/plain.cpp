@@ -1,6 +1,7 @@
 // The plain readers: text with '.' for the decimal point, ',' in groups and a
 // leading '-' goes to the host's parseDouble after the marks that the number
 // may carry are taken out.
+#include <algorithm>
 #include <cstring>
 
 #include "frame/frame.hpp"
@@ -72,7 +73,7 @@ bool takeText(FormatCall *call, PlainText &text, int32_t *status) {
     *status = checkLimits(call, kNumberLimits);
     if (*status != 0) return false;
     storeValue(call, missingValue());
-    int64_t length = call->inputLength < call->width ? call->inputLength : call->width;
+    int64_t length = std::min(call->inputLength, call->width);
     if (length < 0 || !call->input) length = 0;
     const auto *in = static_cast<const ZvChar *>(call->input);
     // Leading blanks don't count against the room.
@@ -151,7 +152,7 @@ int32_t readPlainNumber(FormatCall *call) {
     if (!isMissing(value)) {
         const int32_t decimals = call->decimals;
         if (decimals > 0 && findChar(text.c, text.n, u'.') < 0)
-            value /= kPowersOfTen[decimals < kNumberMostDecimals ? decimals : kNumberMostDecimals];
+            value /= kPowersOfTen[std::min(decimals, kNumberMostDecimals)];
         if (negate) value = doubleOf(bitsOf(value) ^ kSignBit);
         storeValue(call, value);
     }

@@ -1,6 +1,7 @@
 // Binary, hexadecimal, size, quoted and UUID readers; base-64 encoders.
 #include "wide/binary.hpp"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -122,7 +123,7 @@ struct ByteTarget {
         if (!high) ++complete;
     }
     int32_t finish(FormatCall *call) const {
-        call->outputLength = static_cast<int32_t>(complete < capacity ? complete : capacity);
+        call->outputLength = static_cast<int32_t>(std::min(complete, capacity));
         return 0;
     }
 };

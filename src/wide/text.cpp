@@ -1,5 +1,6 @@
 // Small routines on UTF-16 text held as a pointer and a length: finding,
 // lengths, changing text in place and numbers.
+#include <algorithm>
 #include <cstring>
 
 #include "wide/wide.hpp"
@@ -103,7 +104,7 @@ int64_t trailingTrimLength(const ZvChar *text, int64_t length, int mode) {
     return length;
 }
 
-int32_t smaller(int32_t a, int32_t b) { return a < b ? a : b; }
+int32_t smaller(int32_t a, int32_t b) { return std::min(a, b); }
 
 // ---- changing text in place ------------------------------------------------
 

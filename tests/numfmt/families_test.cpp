@@ -99,6 +99,8 @@ TEST_F(Numbers, SymbolsTheHostCannotShowGiveTheCode) {
     EXPECT_EQ(run("NLMNLEUR", 1234.5, 12, 2), "   \u20ac1,234.50");
     EXPECT_EQ(run("NLMNLEUR", 1234.5, 12, 2, {}, latin1), " EUR1,234.50");
     EXPECT_EQ(run("NLMNLEUR", 1234.5, 10, 2, {}, bytes), "  \u20ac1234.50");
+    EXPECT_EQ(run("NLMNLBGN", 1234.5, 12, 2), "  \u043b\u04321,234.50");
+    EXPECT_EQ(run("NLMNLBGN", 1234.5, 12, 2, {}, latin1), " BGN1,234.50");
 }
 
 // Without room for the record of the locale's money a member writes the

@@ -39,7 +39,7 @@ int64_t wideLength(const ZvChar *text) {
 }
 
 int64_t findChar(const ZvChar *text, int64_t length, ZvChar c) {
-    if (!text || length < 1) return -1;
+    if (!text) return -1;
     for (int64_t i = 0; i < length; ++i)
         if (text[i] == c) return i;
     return -1;
@@ -50,8 +50,7 @@ int64_t findSubstring(const ZvChar *text, int64_t length, const ZvChar *pattern,
                       int64_t patternLength) {
     if (patternLength < 0) patternLength = wideLength(pattern);
     if (patternLength == 0) return 0;
-    if (!text || length < 1 || !pattern) return -1;
-    if (patternLength > length) return -1;
+    if (!text || !pattern || patternLength > length) return -1;
     for (int64_t i = 0; i + patternLength <= length; ++i) {
         if (text[i] != pattern[0]) continue;
         int64_t k = 1;
@@ -70,7 +69,7 @@ int64_t firstOther(const ZvChar *text, int64_t length, ZvChar c) {
 
 // A null set or a negative setLength is an empty set.
 int64_t firstNotIn(const ZvChar *text, int64_t length, const ZvChar *set, int64_t setLength) {
-    if (!text || length <= 0) return -1;
+    if (!text) return -1;
     if (!set || setLength < 0) setLength = 0;
     for (int64_t i = 0; i < length; ++i)
         if (!inSet(text[i], set, setLength)) return i;
@@ -78,7 +77,7 @@ int64_t firstNotIn(const ZvChar *text, int64_t length, const ZvChar *set, int64_
 }
 
 bool allEqual(ZvChar c, const ZvChar *text, int64_t length) {
-    if (!text || length <= 0) return true;
+    if (!text) return true;
     for (int64_t i = 0; i < length; ++i)
         if (text[i] != c) return false;
     return true;
@@ -135,7 +134,7 @@ void justify(ZvChar *text, int64_t length, ZvChar mode, int64_t *outLength, int6
     int64_t lead = 0;
     if (text)
         while (lead < length && text[lead] == kBlank) ++lead;
-    if (!text || length <= 0 || lead >= length) {
+    if (!text || lead >= length) {
         if (outLength) *outLength = 0;
         if (outStart) *outStart = 0;
         return;
@@ -185,7 +184,7 @@ int64_t removeCharacters(ZvChar *text, int64_t length, const ZvChar *set, int64_
 
 void translateCharacters(ZvChar *text, int64_t length, const ZvChar *to, const ZvChar *from,
                          int64_t setLength) {
-    if (!text || length < 1 || !to || !from || setLength <= 0) return;
+    if (!text || !to || !from) return;
     for (int64_t i = 0; i < length; ++i) {
         for (int64_t k = 0; k < setLength; ++k) {
             if (from[k] == text[i]) {

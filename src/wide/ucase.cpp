@@ -23,7 +23,7 @@ ZvChar fold(ZvChar c, const int8_t (*deltas)[128], const CasePair *pairs, int32_
 using HostCase = uint32_t (*)(NlsServices *, uint32_t, int32_t);
 
 void foldText(ZvChar *text, int64_t length, bool upper) {
-    if (!text || length <= 0) return;
+    if (!text) return;
     NlsServices *nls = hostAnchor ? hostAnchor->nlsServices : nullptr;
     HostCase hostCase = nullptr;
     if (nls && nls->ops) hostCase = upper ? nls->ops->charUpper : nls->ops->charLower;

@@ -133,15 +133,12 @@ struct AmountWriter {
     // The host's plain digits at width w, left-justified and trimmed.
     void askHost(int32_t w) {
         if (asked.repeats(w, call->decimals)) return;
-        ZvChar raw[kWork];
         int64_t produced = call->outputCapacity;
         if (en && en->ops && en->ops->formatNumber && w >= 1)
-            en->ops->formatNumber(en, value, w, call->decimals, ZV_NUMBER_PLAIN, raw, kWork, &produced);
+            en->ops->formatNumber(en, value, w, call->decimals, ZV_NUMBER_PLAIN, digits.c, kWork, &produced);
         else
             produced = 0;
-        if (produced < 0) produced = 0;
-        if (produced > kWork) produced = kWork;
-        digits.takeTrimmed(raw, produced);
+        digits.takeWritten(produced);
     }
 
     // The digits for this pass; a text that fills the field is asked for
@@ -233,6 +230,7 @@ struct AmountWriter {
     // The plain number, without the locale's dress: the last answer.
     void writePlainNumber() {
         const int64_t capacity = std::min(width, call->outputCapacity);
+        fillBounded(out, call->outputCapacity, u' ', width);
         int64_t produced = call->outputCapacity;
         if (en && en->ops && en->ops->formatNumber && capacity >= 1)
             en->ops->formatNumber(en, value, width, call->decimals, ZV_NUMBER_PLAIN, out, capacity,
@@ -264,8 +262,6 @@ void renderCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionIns
     const int32_t width = call->width;
     if (width < 1) return;
     auto *out = static_cast<ZvChar *>(call->output);
-    fillBounded(out, call->outputCapacity, u' ', width);
-
     AmountWriter writer(call, static_cast<MonetaryRecord *>(instance->monetaryRecord)->row,
                         instance->defaultLocale, value, out, width);
     writer.prepare(row, form);

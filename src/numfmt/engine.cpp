@@ -8,6 +8,7 @@
 #include "locale/block.hpp"
 #include "numfmt/numfmt.hpp"
 #include "numfmt/work.hpp"
+#include "wide/ascii.hpp"
 
 namespace zv {
 
@@ -88,13 +89,10 @@ struct Engine {
         HostLocale *en = instance->defaultLocale;
         text.clear();
         if (!en || !en->ops || !en->ops->formatNumber || hostWidth < 1) return false;
-        ZvChar raw[kWork];
         int64_t produced = call->outputCapacity;
         const int32_t status = en->ops->formatNumber(en, value, hostWidth, call->decimals,
-                                                     ZV_NUMBER_PLAIN, raw, kWork, &produced);
-        if (produced < 0) produced = 0;
-        if (produced > kWork) produced = kWork;
-        text.takeTrimmed(raw, produced);
+                                                     ZV_NUMBER_PLAIN, text.c, kWork, &produced);
+        text.takeWritten(produced);
         if (status == kHostNotPlain) {
             if (call->outputCapacity < text.n) return false;
             const int64_t look = std::min<int64_t>(text.n, call->outputLength);
@@ -105,12 +103,11 @@ struct Engine {
         return true;
     }
 
-    // Blanks in the field, the decimal separator's measure and the pattern
-    // of the value's sign. False: stars.
+    // The decimal separator's measure and the pattern of the value's sign.
+    // False: stars.
     bool prepare() {
         out = static_cast<ZvChar *>(call->output);
         width = call->width;
-        fillBounded(out, call->outputCapacity, u' ', width);
 
         sepUnits = markUnits(ctx->decimalSeparator);
         sepMeasure = sepUnits;
@@ -154,6 +151,7 @@ struct Engine {
     void findMarks() {
         starAt = eAt = pointAt = -1;
         for (int64_t i = digits.n - 1; i >= 0; --i) {
+            if (isAsciiDigit(digits.c[i])) continue;
             switch (digits.c[i]) {
             case u'*': starAt = i; break;
             case u'E': eAt = i; break;

@@ -68,14 +68,12 @@ struct WorkArea {
         n += fits;
         if (fits < length) overflow = true;
     }
-    // The text without leading and trailing blanks.
-    void takeTrimmed(const ZvChar *text, int64_t length) {
-        clear();
-        int64_t begin = 0;
-        while (begin < length && text[begin] == u' ') ++begin;
-        int64_t end = length;
-        while (end > begin && text[end - 1] == u' ') --end;
-        put(text + begin, end - begin);
+    // The host's text written straight into `c`: its `produced` units,
+    // without leading and trailing blanks.
+    void takeWritten(int64_t produced) {
+        overflow = false;
+        n = std::clamp<int64_t>(produced, 0, Capacity);
+        trimBoth();
     }
     void trimBoth() {
         int64_t begin = 0;
@@ -96,16 +94,15 @@ inline void fillBounded(ZvChar *out, int64_t capacity, ZvChar u, int64_t count) 
     for (int64_t i = 0; i < count; ++i) out[i] = u;
 }
 
-// The text so that it ends at place `width` of the field; places at or
-// beyond `capacity` stay unwritten.
+// The field of `width` places: blanks, then the text so that it ends at the
+// last place. Places at or beyond `capacity` stay unwritten.
 inline void placeRight(ZvChar *out, int64_t capacity, int64_t width, const ZvChar *text,
                        int64_t length) {
     if (!out) return;
     const int64_t start = width - length;
-    for (int64_t i = 0; i < length; ++i) {
-        const int64_t at = start + i;
-        if (at >= 0 && at < capacity) out[at] = text[i];
-    }
+    fillBounded(out, capacity, u' ', start);
+    for (int64_t i = std::max<int64_t>(0, -start); i < length && start + i < capacity; ++i)
+        out[start + i] = text[i];
 }
 
 // The width and decimals of the host's answer that a work area holds: a pass
@@ -140,12 +137,15 @@ inline bool putGrouped(WorkArea<Capacity> &out, const ZvChar *digits, int64_t le
         out.put(digits, length);
         return false;
     }
-    int64_t first = length % size;
-    if (first == 0) first = size;
-    out.put(digits, first);
-    for (int64_t i = first; i < length; i += size) {
-        out.put(separator, separatorLength);
-        out.put(digits + i, size);
+    // Unit by unit: the runs are too short for a copy to pay.
+    int64_t untilSeparator = length % size;
+    if (untilSeparator == 0) untilSeparator = size;
+    for (int64_t i = 0; i < length; ++i, --untilSeparator) {
+        if (untilSeparator == 0) {
+            out.put(separator, separatorLength);
+            untilSeparator = size;
+        }
+        out.put(digits[i]);
     }
     return true;
 }

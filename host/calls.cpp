@@ -14,7 +14,7 @@ namespace zvhost {
 
 namespace {
 
-constexpr size_t kGuard = 64;             // units (or bytes) behind the target
+constexpr size_t kGuard = 64;             // units (or bytes) before and behind the target
 constexpr char16_t kWideSentinel = 0xFDD1; // a noncharacter nobody writes
 constexpr uint8_t kByteSentinel = 0xA5;
 constexpr uint64_t kUntouchedBits = 0x7FF4DEADBEEF0001ull;
@@ -158,6 +158,14 @@ bool anyChanged(const std::vector<Unit> &out, size_t from, Unit sentinel) {
     return diff != 0;
 }
 
+// Did the routine write into the guard in front of its target?
+template <typename Unit>
+bool writtenBefore(const Unit *guard, Unit sentinel) {
+    for (size_t i = 0; i < kGuard; ++i)
+        if (guard[i] != sentinel) return true;
+    return false;
+}
+
 // The units the routine wrote of the first n: trailing sentinels were never written.
 size_t writtenUnits(const char16_t *out, size_t n) {
     while (n > 0 && out[n - 1] == kWideSentinel) --n;
@@ -182,16 +190,18 @@ void formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, dou
 
     if (spec.entry == Entry::Wide) {
         std::vector<char16_t> &out = target.wide;
-        out.assign(size_t(capacity) + kGuard, kWideSentinel);
-        call.output = out.data();
+        out.assign(kGuard + size_t(capacity) + kGuard, kWideSentinel);
+        char16_t *field = out.data() + kGuard;
+        call.output = field;
         const FormatCall before = call;
         result.status = runEntry(host, row, [&] { return row.wideEntry(&call, nullptr); });
         result.fieldsChanged = !onlyResultsChanged(before, call);
         result.outputLength = call.outputLength;
-        result.overran = anyChanged(out, size_t(capacity), kWideSentinel);
+        result.overran = anyChanged(out, kGuard + size_t(capacity), kWideSentinel) ||
+                         writtenBefore(out.data(), kWideSentinel);
         size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
-        if (target.onlyWritten) n = writtenUnits(out.data(), n);
-        result.wide.assign(out.data(), n);
+        if (target.onlyWritten) n = writtenUnits(field, n);
+        result.wide.assign(field, n);
         appendUtf8(result.wide, result.utf8);
         reclaim(host, mark);
         return;
@@ -199,32 +209,34 @@ void formatWith(Host &host, const FormatTableRow &row, const CallSpec &spec, dou
 
     // The byte entry writes up to `width` bytes whatever the capacity says;
     // the buffer has room for that, and anything past `capacity` is an overrun.
-    const size_t room = size_t(std::max({capacity, std::min(call.width, kMaxCapacity), 0})) + kGuard;
+    const size_t room = kGuard + size_t(std::max({capacity, std::min(call.width, kMaxCapacity), 0})) + kGuard;
     std::vector<uint8_t> &out = target.bytes;
     out.assign(room, kByteSentinel);
-    call.output = out.data();
+    const uint8_t *field = out.data() + kGuard;
+    call.output = out.data() + kGuard;
     const FormatCall before = call;
     result.status = runEntry(host, row, [&] { return row.byteEntry(&call, nullptr, nullptr); });
     result.fieldsChanged = !onlyResultsChanged(before, call);
     result.outputLength = call.outputLength;
-    result.overran = anyChanged(out, size_t(capacity), kByteSentinel);
+    result.overran = anyChanged(out, kGuard + size_t(capacity), kByteSentinel) ||
+                     writtenBefore(out.data(), kByteSentinel);
     size_t n = size_t(std::clamp(call.outputLength, 0, capacity));
-    if (target.onlyWritten && n > 0 && out[n - 1] == kByteSentinel) {
+    if (target.onlyWritten && n > 0 && field[n - 1] == kByteSentinel) {
         // The sentinel is a byte some encodings write: the call runs again
         // over another fill, and a byte is written when either run changed it.
         std::vector<uint8_t> again(room, uint8_t(~kByteSentinel));
         FormatCall second = before;
-        second.output = again.data();
+        second.output = again.data() + kGuard;
         row.byteEntry(&second, nullptr, nullptr);
-        while (n > 0 && out[n - 1] == kByteSentinel && again[n - 1] == uint8_t(~kByteSentinel)) --n;
+        while (n > 0 && field[n - 1] == kByteSentinel && again[kGuard + n - 1] == uint8_t(~kByteSentinel)) --n;
     }
-    result.bytes.assign(reinterpret_cast<const char *>(out.data()), n);
+    result.bytes.assign(reinterpret_cast<const char *>(field), n);
     // Back to UTF-16 through the same encoding, then to UTF-8.
     if (HostTranscoder *t = call.transcoder; t && n > 0) {
         if (HostTranscoder *back = decoderFrom(t->encodingId)) {
             std::vector<char16_t> wide(n * 2 + 4);
             int64_t produced = 0;
-            back->ops->transcode(back, out.data(), int64_t(n), wide.data(), int64_t(wide.size() * 2), &produced, 0);
+            back->ops->transcode(back, field, int64_t(n), wide.data(), int64_t(wide.size() * 2), &produced, 0);
             result.wide.assign(wide.data(), size_t(produced / 2));
         }
     }

@@ -287,7 +287,7 @@ struct FormatResult {
     std::string bytes;        // byte entry: the bytes written
     std::string utf8;         // the text as UTF-8 (bytes decoded from the host encoding)
     int32_t outputLength = 0;
-    bool overran = false;     // something was written beyond outputCapacity
+    bool overran = false;     // something was written outside the target: before it, or beyond outputCapacity
     bool fieldsChanged = false; // a field of the FormatCall other than outputLength/localeBlock changed
     bool cut = false;         // Session, byte entry: status 0, but the text lost more than blanks to fit
     std::string error;        // set when the call could not be made (unknown row, locale, encoding, null entry)

@@ -144,6 +144,11 @@ TEST_F(Patterns, NamedForms) {
         EXPECT_EQ(byPattern(c.name, c.text, &out), c.status) << c.text;
         EXPECT_TRUE(std::isinf(c.value) ? out == 42 : same(out, c.value)) << c.text << " " << out;
     }
+    // A day the calendar lacks reads as nothing, even beside a time.
+    int32_t kind = -1;
+    double none = 0;
+    EXPECT_EQ(byPattern(u"DATETIME", "31FEB2000:10:00", &none, nullptr, 1, &kind), 0);
+    EXPECT_EQ(kind, zv::kReadNothing);
     host.setClock(0.0, 3600.0); // under the names of local zones the clock's shift moves the time on
     for (auto [name, want] : {std::pair{u"E8601LZ", 34200.0}, {u"B8601LZ", 34200.0}, {u"E8601TZ", 37800.0}}) {
         double out = 0;

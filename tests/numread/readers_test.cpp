@@ -17,12 +17,13 @@ protected:
     void SetUp() override { ASSERT_NE(host.loadModule(), nullptr); }
 
     // A plain reader on its own: the value (or the status when not 0).
-    double plain(int32_t (*reader)(FormatCall *), const std::string &text, int decimals, int32_t *status) {
+    double plain(int32_t (*reader)(FormatCall *), const std::string &text, int decimals, int32_t *status,
+                 int32_t width = 32) {
         const std::u16string t = zvhost::utf16(text);
         FormatCall call{};
         double out = 0;
         call.input = t.data(), call.inputLength = call.fieldLimit = int32_t(t.size()), call.output = &out;
-        call.width = 32, call.decimals = decimals, call.services = host.services();
+        call.width = width, call.decimals = decimals, call.services = host.services();
         *status = reader(&call);
         return out;
     }
@@ -62,6 +63,13 @@ TEST_F(Readers, PlainReadersAgreeWithStrtod) {
     int32_t status = 0;
     plain(zv::readPlainPercent, "(%)", 0, &status);
     EXPECT_EQ(status, 999);
+    // A text longer than the reader's own room is copied into the call's memory; without it the reader says so.
+    const std::string digits(300, '7');
+    EXPECT_EQ(plain(zv::readPlainNumber, digits, 0, &status, 300), std::strtod(digits.c_str(), nullptr));
+    host.formatPool().failFrom(1);
+    plain(zv::readPlainNumber, digits, 0, &status, 300);
+    host.formatPool().failFrom(0);
+    EXPECT_EQ(status, ZV_NO_MEMORY);
 }
 
 TEST_F(Readers, LocaleForms) {

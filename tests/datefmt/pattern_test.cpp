@@ -90,7 +90,7 @@ TEST(Pattern, CalendarOfItem5) {
     struct Cal { const char *code; double day; const char16_t *expected; };
     for (Cal c : {Cal{"JP", 14610, u"0012 12"}, Cal{"JP", 10600, u"0001 01"}, Cal{"JP", 10599, u"0064 64"},
                   Cal{"JP", -17321, u"0001 01"}, Cal{"JP", -33506, u"0001 01"}, Cal{"JP", -33507, u"1868 68"},
-                  Cal{"TW", 14610, u"0089 89"}, Cal{"TW", -21914, u"0012 12"}, Cal{"TH", 14610, u"2543 43"},
+                  Cal{"TW", 14610, u"0089 89"}, Cal{"TW", -21914, u"0012 12"}, Cal{"TW", -17897, u"0001 01"}, Cal{"TH", 14610, u"2543 43"},
                   Cal{"THX", 14610, u"2000 00"}}) {
         setItem(*b, 5, c.code);
         EXPECT_EQ(expand(u"%+Y", c.day * 86400, 0, 200, b.get()) + u" " + expand(u"%+y", c.day * 86400, 0, 200, b.get()),

@@ -240,6 +240,11 @@ struct TranscoderLease {
     HostTranscoder base;
     HostTranscoder *inner;
     Host::Impl *host;
+    std::vector<TranscoderLease *> *idle; // where it waits between leases
+    // The leases handed out and not yet released, linked through themselves
+    // so that lending one costs no allocation.
+    TranscoderLease *previous = nullptr, *next = nullptr;
+    bool lent = false;
 };
 
 struct TimeZoneImpl {
@@ -304,7 +309,7 @@ struct Host::Impl {
     std::vector<std::unique_ptr<JournalImpl>> journals;
 
     std::map<std::string, HostTranscoder *> namedTranscoders;
-    std::set<HostTranscoder *> madeTranscoders; // handed to the module and not yet released
+    TranscoderLease *lentTranscoders = nullptr; // handed to the module and not yet released
     std::map<std::pair<uint32_t, uint32_t>, std::vector<TranscoderLease *>> idleTranscoders;
     bool dying = false;
 
@@ -418,13 +423,14 @@ struct Host::Impl {
         auto *lease = reinterpret_cast<TranscoderLease *>(t);
         Impl &h = *lease->host;
         std::lock_guard<std::mutex> guard(h.cacheLock);
-        if (!h.madeTranscoders.erase(t)) return;
+        if (!lease->lent) return;
+        h.unlink(lease);
         ++h.counters.transcodersReleased;
         // Calls that make a transcoder each would grow the log without end; tests look at the start.
         if (h.events.size() < kMostEvents)
             h.events.push_back("transcoderRelease " + std::to_string(t->sourceEncodingId) + ">" +
                                std::to_string(t->encodingId));
-        auto &idle = h.idleTranscoders[{t->sourceEncodingId, t->encodingId}];
+        auto &idle = *lease->idle;
         if (h.dying || idle.size() >= kIdleTranscoders) {
             lease->inner->ops->transcoderRelease(lease->inner);
             delete lease;
@@ -446,11 +452,21 @@ struct Host::Impl {
         } else {
             HostTranscoder *inner = makeTranscoder(from, to, {}, transcodeFault());
             if (!inner) return nullptr;
-            lease = new TranscoderLease{{&kLeaseOps, inner->encodingId, inner->sourceEncodingId}, inner, this};
+            lease = new TranscoderLease{{&kLeaseOps, inner->encodingId, inner->sourceEncodingId}, inner, this, &idle};
         }
-        madeTranscoders.insert(&lease->base);
+        lease->lent = true;
+        lease->previous = nullptr;
+        lease->next = lentTranscoders;
+        if (lentTranscoders) lentTranscoders->previous = lease;
+        lentTranscoders = lease;
         ++counters.transcodersCreated;
         return &lease->base;
+    }
+    void unlink(TranscoderLease *lease) {
+        lease->lent = false;
+        if (lease->previous) lease->previous->next = lease->next;
+        else lentTranscoders = lease->next;
+        if (lease->next) lease->next->previous = lease->previous;
     }
     static HostTranscoder *createTranscoder(NlsServices *n, uint32_t from, uint32_t to, int32_t, int32_t) {
         Impl *h = of(n);
@@ -770,9 +786,7 @@ Host::Host(HostConfig config) : impl_(std::make_unique<Impl>()) {
 Host::~Host() {
     if (impl_->instance) unloadModule();
     impl_->dying = true;
-    for (HostTranscoder *t : std::vector<HostTranscoder *>(impl_->madeTranscoders.begin(),
-                                                           impl_->madeTranscoders.end()))
-        t->ops->transcoderRelease(t);
+    while (TranscoderLease *lease = impl_->lentTranscoders) lease->base.ops->transcoderRelease(&lease->base);
     for (auto &[pair, idle] : impl_->idleTranscoders)
         for (TranscoderLease *lease : idle) {
             lease->inner->ops->transcoderRelease(lease->inner);

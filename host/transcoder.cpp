@@ -122,11 +122,47 @@ struct TranscoderImpl {
     UConverter *decoder = nullptr; // source side, ICU encodings only
     UConverter *encoder = nullptr; // target side, ICU encodings only
     bool utf8Target = false;       // UTF-8 is written by hand: every character can be shown
+    bool utf8Source = false;       // well-formed UTF-8 is read by hand, the rest by ICU
     std::function<void(HostTranscoder *)> onRelease;
     std::function<bool()> fails;
 };
 
 TranscoderImpl *self(HostTranscoder *t) { return reinterpret_cast<TranscoderImpl *>(t); }
+
+// Well-formed UTF-8 -> UTF-16 units by hand; false at the first byte that
+// is not, and ICU reads the text instead (and says where it failed).
+bool decodeWellFormedUtf8(const uint8_t *src, int64_t bytes, UChar *mid, size_t &length) {
+    size_t n = 0;
+    for (int64_t i = 0; i < bytes;) {
+        const uint8_t lead = src[i];
+        if (lead < 0x80) {
+            mid[n++] = lead;
+            ++i;
+            continue;
+        }
+        int follow = 0;
+        UChar32 c = 0, least = 0;
+        if (lead >= 0xC2 && lead <= 0xDF) follow = 1, c = lead & 0x1F, least = 0x80;
+        else if (lead >= 0xE0 && lead <= 0xEF) follow = 2, c = lead & 0x0F, least = 0x800;
+        else if (lead >= 0xF0 && lead <= 0xF4) follow = 3, c = lead & 0x07, least = 0x10000;
+        else return false;
+        if (bytes - i <= follow) return false;
+        for (int k = 1; k <= follow; ++k) {
+            if ((src[i + k] & 0xC0) != 0x80) return false;
+            c = (c << 6) | (src[i + k] & 0x3F);
+        }
+        if (c < least || c > 0x10FFFF || U_IS_SURROGATE(c)) return false;
+        if (c >= 0x10000) {
+            mid[n++] = U16_LEAD(c);
+            mid[n++] = U16_TRAIL(c);
+        } else {
+            mid[n++] = UChar(c);
+        }
+        i += follow + 1;
+    }
+    length = n;
+    return true;
+}
 
 // Source bytes -> UTF-16 units. False when the source is not valid text;
 // `length` then holds the units before the fault.
@@ -144,6 +180,7 @@ bool decode(TranscoderImpl *t, const uint8_t *src, int64_t bytes, UChar *mid, si
         length = size_t(bytes);
         return true;
     default: {
+        if (t->utf8Source && decodeWellFormedUtf8(src, bytes, mid, length)) return true;
         ucnv_resetToUnicode(t->decoder);
         UErrorCode err = U_ZERO_ERROR;
         UChar *out = mid;
@@ -350,6 +387,7 @@ HostTranscoder *makeTranscoder(uint32_t from, uint32_t to, std::function<void(Ho
     if (ok && to != ZV_ENCODING_UTF16 && to != ZV_ENCODING_LOCALE_TEXT) ok = (t->encoder = openStopping(to));
     static const uint32_t utf8 = encodingIdOf("UTF-8").value_or(0); // transcoders come and go per call
     t->utf8Target = to == utf8;
+    t->utf8Source = from == utf8;
     if (!ok) {
         release(&t->base);
         return nullptr;

@@ -43,6 +43,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 
 namespace zvhost {
@@ -674,14 +675,17 @@ private:
         return u16(pattern);
     }
 
-    std::u16string currencyCode() {
+    // The currency ICU gives a locale by its territory; "" if none.
+    static std::u16string ownCurrency(const icu::Locale &place) {
         char16_t code[8] = {};
-        for (const icu::Locale &place : {locale_, likely()}) {
-            UErrorCode status = U_ZERO_ERROR;
-            int32_t length = ucurr_forLocale(place.getName(), reinterpret_cast<UChar *>(code), 8, &status);
-            if (U_SUCCESS(status) && length == 3) return std::u16string(code, 3);
-        }
-        return {};
+        UErrorCode status = U_ZERO_ERROR;
+        int32_t length = ucurr_forLocale(place.getName(), reinterpret_cast<UChar *>(code), 8, &status);
+        return U_SUCCESS(status) && length == 3 ? std::u16string(code, 3) : std::u16string();
+    }
+
+    std::u16string currencyCode() {
+        std::u16string code = ownCurrency(locale_);
+        return code.empty() ? ownCurrency(likely()) : code;
     }
 
     static bool bidiMark(char16_t c) { return c == u'\u200E' || c == u'\u200F' || c == u'\u061C'; }
@@ -763,10 +767,15 @@ private:
         }
         putText(cldritem::currencySymbol, local);
         // A few currencies have marks of their own (the escudo's "$" point):
-        // ICU's symbols for the locale with its currency carry them.
-        UErrorCode moneyStatus = U_ZERO_ERROR;
-        const icu::DecimalFormatSymbols moneySymbols(moneyLocale, moneyStatus);
-        const D &monetary = U_SUCCESS(moneyStatus) ? moneySymbols : symbols;
+        // ICU's symbols for the locale with its currency carry them. The
+        // locale's symbols already do where that currency is its own.
+        std::optional<D> moneySymbols;
+        if (code != ownCurrency(numberLocale)) {
+            UErrorCode moneyStatus = U_ZERO_ERROR;
+            moneySymbols.emplace(moneyLocale, moneyStatus);
+            if (U_FAILURE(moneyStatus)) moneySymbols.reset();
+        }
+        const D &monetary = moneySymbols ? *moneySymbols : symbols;
         putText(cldritem::monetaryDecimal, twoUnits(u16(monetary.getConstSymbol(D::kMonetarySeparatorSymbol))));
         putText(cldritem::monetaryGroup,
                 twoUnits(u16(monetary.getConstSymbol(D::kMonetaryGroupingSeparatorSymbol))));

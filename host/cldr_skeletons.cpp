@@ -31,7 +31,6 @@ namespace {
 // DateTimePatterns: the date-time glue of each date style, from full on,
 // after the styles and the single glue (the "at" glues stand alone).
 constexpr int32_t kGluePerStyle = 9;
-constexpr int32_t kGlueStyles = 4;
 constexpr int kShortestWeekday = 3; // E and EE mean EEE
 constexpr int kShortYear = 2;
 
@@ -112,12 +111,12 @@ bool SkeletonReader::glue(int dateStyle, std::u16string &out) {
     // ones of DateTimePatterns.
     icu::ResourceBundle patterns = gregorian_.getWithFallback("DateTimePatterns%atTime", status);
     int32_t first = 0;
-    if (U_FAILURE(status) || patterns.getSize() < kGlueStyles) {
+    if (U_FAILURE(status) || patterns.getSize() < kDateStyles) {
         status = U_ZERO_ERROR;
         patterns = gregorian_.getWithFallback("DateTimePatterns", status);
         first = kGluePerStyle;
     }
-    if (U_FAILURE(status) || patterns.getSize() < first + kGlueStyles) return false;
+    if (U_FAILURE(status) || patterns.getSize() < first + kDateStyles) return false;
     const icu::ResourceBundle entry = patterns.get(first + dateStyle, status);
     if (U_FAILURE(status) || entry.getType() != URES_STRING) return false;
     out = u16(entry.getString(status));
@@ -137,12 +136,17 @@ bool SkeletonReader::datePattern(std::string_view skeleton, std::u16string &out)
         if (weekday > 0 && weekday < kShortestWeekday) out = withLength(out, u'E', kShortestWeekday);
         return true;
     }
-    for (int style = 0; style < kGlueStyles; ++style) {
-        const std::u16string candidate = style_(style, -1);
-        UErrorCode status = U_ZERO_ERROR;
-        const icu::UnicodeString found = icu::DateTimePatternGenerator::staticGetSkeleton(icuText(candidate), status);
-        if (U_SUCCESS(status) && !candidate.empty() && ascii(found) == skeleton) {
-            out = candidate;
+    for (int style = 0; style < kDateStyles; ++style) {
+        Style &date = dateStyles_[style];
+        if (!date.known) {
+            date.known = true;
+            date.pattern = style_(style, -1);
+            UErrorCode status = U_ZERO_ERROR;
+            const icu::UnicodeString found = icu::DateTimePatternGenerator::staticGetSkeleton(icuText(date.pattern), status);
+            if (U_SUCCESS(status) && !date.pattern.empty()) date.skeleton = ascii(found);
+        }
+        if (!date.skeleton.empty() && date.skeleton == skeleton) {
+            out = date.pattern;
             return true;
         }
     }

@@ -42,6 +42,14 @@ private:
     icu::ResourceBundle &gregorian_;
     StylePattern style_;
     std::unique_ptr<icu::ResourceBundle> formats_;
+    // The date styles' patterns and skeletons, from full to short.
+    struct Style {
+        std::u16string pattern;
+        std::string skeleton;
+        bool known = false;
+    };
+    static constexpr int kDateStyles = 4; // full, long, medium, short
+    Style dateStyles_[kDateStyles];
     char16_t hour_ = 0;
     bool hourKnown_ = false;
 };

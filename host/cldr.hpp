@@ -87,8 +87,10 @@ inline constexpr size_t kRawItemCapacity = ZV_LOCALE_RECORD_SIZE - 2;
 
 // The raw table (ZV_LOCALE_TABLE_SIZE bytes) of a locale from CLDR; false with
 // a message if ICU does not know the locale. Accepts "fr", "fr_FR", "fr-FR",
-// "zh_Hant_TW" and the like.
-bool buildCldrTable(const std::string &name, std::vector<uint8_t> &table, std::string &error);
+// "zh_Hant_TW" and the like. searchSkeletons: every skeleton pattern from
+// ICU's pattern generator, none read from the data (to compare the two).
+bool buildCldrTable(const std::string &name, std::vector<uint8_t> &table, std::string &error,
+                    bool searchSkeletons = false);
 
 // Set one raw item in a table (raw text bytes, <Uxxxx> escapes as given; cut
 // to 160 bytes). A table shorter than ZV_LOCALE_TABLE_SIZE grows to it, zeroed.

@@ -21,6 +21,7 @@
 //   two fields of the short date pattern that is neither a blank nor a
 //   bidirectional mark (ar: "d\u200F/M\u200F/y" gives "/").
 #include "cldr.hpp"
+#include "cldr_skeletons.hpp"
 
 #include <unicode/calendar.h>
 #include <unicode/dcfmtsym.h>
@@ -42,6 +43,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 
 namespace zvhost {
@@ -148,16 +150,16 @@ bool resolveLocale(const std::string &name, icu::Locale &out, std::string &error
 
 class TableBuilder {
 public:
-    TableBuilder(const icu::Locale &locale, std::vector<uint8_t> &table) : locale_(locale), table_(table) {}
+    TableBuilder(const icu::Locale &locale, std::vector<uint8_t> &table, bool searchSkeletons)
+        : locale_(locale), table_(table), searchSkeletons_(searchSkeletons) {}
 
     bool build(std::string &error) {
         table_.assign(ZV_LOCALE_TABLE_SIZE, 0);
         UErrorCode status = U_ZERO_ERROR;
         gregorian_ = locale_;
         gregorian_.setKeywordValue("calendar", "gregorian", status);
-        generator_.reset(icu::DateTimePatternGenerator::createInstance(gregorian_, status));
         symbols_ = std::make_unique<icu::DateFormatSymbols>(gregorian_, status);
-        if (U_FAILURE(status) || !generator_) {
+        if (U_FAILURE(status)) {
             error = std::string("ICU could not open the date data of ") + locale_.getName() + ": " +
                     u_errorName(status);
             return false;
@@ -180,16 +182,36 @@ private:
     void put(int item, const std::string &raw) { setRawItem(table_, item, cutEscaped(raw)); }
     void putText(int item, std::u16string_view text) { put(item, escapeForTable(text)); }
 
-    // The locale's best pattern for a skeleton; each skeleton is asked of
-    // ICU's generator once a table, as the search is what costs.
+    // The locale's best pattern for a skeleton, as ICU's generator would
+    // choose it: read from the data where it holds the answer, else asked of
+    // the generator, once a table, as the search is what costs.
     const std::u16string &skeleton(const char *sk) {
         auto [it, added] = skeletons_.try_emplace(sk);
-        if (added) {
-            UErrorCode status = U_ZERO_ERROR;
-            icu::UnicodeString pattern = generator_->getBestPattern(icu::UnicodeString(sk, -1, US_INV), status);
-            if (U_SUCCESS(status)) it->second = u16(pattern);
-        }
+        if (!added || (!searchSkeletons_ && skeletonReader().pattern(sk, it->second))) return it->second;
+        UErrorCode status = U_ZERO_ERROR;
+        icu::DateTimePatternGenerator *search = generator();
+        icu::UnicodeString pattern;
+        if (search) pattern = search->getBestPattern(icu::UnicodeString(sk, -1, US_INV), status);
+        it->second = U_SUCCESS(status) ? u16(pattern) : std::u16string();
         return it->second;
+    }
+
+    SkeletonReader &skeletonReader() {
+        if (!skeletonReader_)
+            skeletonReader_ = std::make_unique<SkeletonReader>(
+                locale_, gregorianBundle(), [this](int date, int time) { return stylePattern(date, time); });
+        return *skeletonReader_;
+    }
+
+    // ICU's generator, built on first need: building it costs more than the
+    // rest of the table.
+    icu::DateTimePatternGenerator *generator() {
+        if (!generator_) {
+            UErrorCode status = U_ZERO_ERROR;
+            generator_.reset(icu::DateTimePatternGenerator::createInstance(gregorian_, status));
+            if (U_FAILURE(status)) generator_.reset();
+        }
+        return generator_.get();
     }
 
     // ICU's pattern for a date style, a time style, or both (-1: none), as
@@ -442,11 +464,14 @@ private:
         putPattern(56, {Candidate(DateFormat::kShort, DateFormat::kShort)}, false, u"%d/%m/%Y %H:%M");
         putPattern(57, {"yMd"}, false, numeric);
 
-        // The glue of date ({1}) and time ({0}) tells which goes first.
-        const icu::UnicodeString &glue = generator_->getDateTimeFormat();
-        int32_t date = glue.indexOf(u"{1}", -1);
-        int32_t time = glue.indexOf(u"{0}", -1);
-        putText(cldritem::dateTimeOrder, date >= 0 && time >= 0 && time < date ? u"%X %x" : u"%x %X");
+        // The glue of date ({1}) and time ({0}) tells which goes first: the
+        // generator's, which is the medium date's.
+        std::u16string glue;
+        if ((searchSkeletons_ || !skeletonReader().glue(DateFormat::kMedium, glue)) && generator())
+            glue = u16(generator()->getDateTimeFormat());
+        const size_t date = glue.find(u"{1}"), time = glue.find(u"{0}");
+        putText(cldritem::dateTimeOrder,
+                date != std::u16string::npos && time != std::u16string::npos && time < date ? u"%X %x" : u"%x %X");
     }
 
     // CLDR's "week w of year Y" pattern of the locale, if it has one.
@@ -650,14 +675,17 @@ private:
         return u16(pattern);
     }
 
-    std::u16string currencyCode() {
+    // The currency ICU gives a locale by its territory; "" if none.
+    static std::u16string ownCurrency(const icu::Locale &place) {
         char16_t code[8] = {};
-        for (const icu::Locale &place : {locale_, likely()}) {
-            UErrorCode status = U_ZERO_ERROR;
-            int32_t length = ucurr_forLocale(place.getName(), reinterpret_cast<UChar *>(code), 8, &status);
-            if (U_SUCCESS(status) && length == 3) return std::u16string(code, 3);
-        }
-        return {};
+        UErrorCode status = U_ZERO_ERROR;
+        int32_t length = ucurr_forLocale(place.getName(), reinterpret_cast<UChar *>(code), 8, &status);
+        return U_SUCCESS(status) && length == 3 ? std::u16string(code, 3) : std::u16string();
+    }
+
+    std::u16string currencyCode() {
+        std::u16string code = ownCurrency(locale_);
+        return code.empty() ? ownCurrency(likely()) : code;
     }
 
     static bool bidiMark(char16_t c) { return c == u'\u200E' || c == u'\u200F' || c == u'\u061C'; }
@@ -739,10 +767,15 @@ private:
         }
         putText(cldritem::currencySymbol, local);
         // A few currencies have marks of their own (the escudo's "$" point):
-        // ICU's symbols for the locale with its currency carry them.
-        UErrorCode moneyStatus = U_ZERO_ERROR;
-        const icu::DecimalFormatSymbols moneySymbols(moneyLocale, moneyStatus);
-        const D &monetary = U_SUCCESS(moneyStatus) ? moneySymbols : symbols;
+        // ICU's symbols for the locale with its currency carry them. The
+        // locale's symbols already do where that currency is its own.
+        std::optional<D> moneySymbols;
+        if (code != ownCurrency(numberLocale)) {
+            UErrorCode moneyStatus = U_ZERO_ERROR;
+            moneySymbols.emplace(moneyLocale, moneyStatus);
+            if (U_FAILURE(moneyStatus)) moneySymbols.reset();
+        }
+        const D &monetary = moneySymbols ? *moneySymbols : symbols;
         putText(cldritem::monetaryDecimal, twoUnits(u16(monetary.getConstSymbol(D::kMonetarySeparatorSymbol))));
         putText(cldritem::monetaryGroup,
                 twoUnits(u16(monetary.getConstSymbol(D::kMonetaryGroupingSeparatorSymbol))));
@@ -778,7 +811,9 @@ private:
     icu::Locale locale_;
     icu::Locale gregorian_;
     std::vector<uint8_t> &table_;
+    bool searchSkeletons_ = false;
     std::unique_ptr<icu::DateTimePatternGenerator> generator_;
+    std::unique_ptr<SkeletonReader> skeletonReader_;
     std::map<std::string, std::u16string> skeletons_;
     std::unique_ptr<icu::ResourceBundle> gregorianBundle_, patterns_;
     bool patternsUsable_ = false;
@@ -850,11 +885,11 @@ std::string rawItem(const std::vector<uint8_t> &table, int item) {
     return std::string(reinterpret_cast<const char *>(record + 2), length);
 }
 
-bool buildCldrTable(const std::string &name, std::vector<uint8_t> &table, std::string &error) {
+bool buildCldrTable(const std::string &name, std::vector<uint8_t> &table, std::string &error, bool searchSkeletons) {
     icu::Locale locale;
     if (!resolveLocale(name, locale, error)) return false;
     std::vector<uint8_t> built;
-    TableBuilder builder(locale, built);
+    TableBuilder builder(locale, built, searchSkeletons);
     if (!builder.build(error)) return false;
     table = std::move(built);
     return true;

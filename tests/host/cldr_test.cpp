@@ -184,6 +184,18 @@ int compare(zvhost::Host &host, const std::string &name, const std::vector<std::
     return compared;
 }
 
+// Patterns read from a locale's data where it holds the pattern generator's
+// answer: the same table as with every skeleton searched by the generator.
+TEST(CldrTable, PatternsReadFromDataAreTheGenerators) {
+    for (const std::string &name : zvhost::availableLocales()) {
+        std::vector<uint8_t> read, searched;
+        std::string error;
+        ASSERT_TRUE(zvhost::buildCldrTable(name, read, error) && zvhost::buildCldrTable(name, searched, error, true));
+        for (int k = 0; k < ZV_LOCALE_TABLE_ITEMS; ++k)
+            ASSERT_EQ(zvhost::rawItem(read, k), zvhost::rawItem(searched, k)) << name << " item " << k;
+    }
+}
+
 // The date styles go through the locale forms against ICU over every locale.
 TEST(CldrPatterns, ConvertedPatternsWriteWhatIcuWrites) {
     zvhost::Host host;

@@ -45,6 +45,27 @@ constexpr auto kDaysBeforeMonth = [] {
     return before;
 }();
 
+// The year that holds a whole day of the range: exact over the whole range
+// with the leap days of 4, 100, 400 and 4000 years.
+int64_t yearOfDay(int64_t dayNumber) {
+    const int64_t n = dayNumber + kDayCountShift;
+    return (n - n / 1461 + n / 36525 - n / 146100 + n / 1461000 - 1) / 365;
+}
+
+// 0 Sunday .. 6 Saturday; -0.5 is still 31 December 1959, as the date takes it.
+int weekdayOfDay(int64_t dayNumber) { return static_cast<int>(((kWeekdayShift + dayNumber) % 7 + 7) % 7); }
+
+// The month of day d of a year (1 January being 1) and the day in it.
+// Months have 28 to 31 days: the month is the one a 31-day count gives, or
+// the next.
+void monthOfYearDay(int64_t d, int leap, int *month, int *day) {
+    const auto &before = kDaysBeforeMonth[size_t(leap)];
+    int m = static_cast<int>((d - 1) / 31) + 1;
+    if (m < 12 && d > before[size_t(m)]) ++m;
+    *month = m;
+    *day = static_cast<int>(d - before[size_t(m - 1)]);
+}
+
 bool plainLeap(int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
 
 // Splits a year-day code after the refusals both directions share; false
@@ -66,10 +87,11 @@ bool splitCode(double code, int64_t *year, int64_t *dayOfYear) {
 } // namespace
 
 int leapFigure(int64_t y) {
-    if (y % 4000 == 0) return 0;
-    if (y % 400 == 0) return 1;
-    if (y % 100 == 0) return 0;
-    return y % 4 == 0 ? 1 : 0;
+    // The commonest answers first: most years are not divisible by 4.
+    if (y % 4 != 0) return 0;
+    if (y % 100 != 0) return 1;
+    if (y % 400 != 0) return 0;
+    return y % 4000 == 0 ? 0 : 1;
 }
 
 int64_t daysBefore(int64_t y) {
@@ -130,14 +152,11 @@ int32_t yearDayToYmd(double *year, double *month, double *day, double code) {
         *year = *month = *day = missingValue();
         return 0;
     }
-    // Months have 28 to 31 days: the month of day d is the one a 31-day
-    // count gives, or the next.
-    const auto &before = kDaysBeforeMonth[size_t(leapFigure(y))];
-    int m = static_cast<int>((d - 1) / 31) + 1;
-    if (m < 12 && d > before[size_t(m)]) ++m;
+    int m, dayOfMonth;
+    monthOfYearDay(d, leapFigure(y), &m, &dayOfMonth);
     *year = static_cast<double>(y);
     *month = m;
-    *day = static_cast<double>(d - before[size_t(m - 1)]);
+    *day = dayOfMonth;
     return 0;
 }
 
@@ -145,18 +164,22 @@ double dayCountToYearDay(double days) {
     if (isMissing(days)) return days;
     if (refusedDay(days)) return missingValue();
     const int64_t f = static_cast<int64_t>(std::floor(days));
-    // Days in 4, 100, 400 and 4000 years, each with its leap days.
-    const int64_t n = f + kDayCountShift;
-    const int64_t year = (n - n / 1461 + n / 36525 - n / 146100 + n / 1461000 - 1) / 365;
+    const int64_t year = yearOfDay(f);
     return static_cast<double>(year * kYearDayBase + f - daysBefore(year));
 }
 
 double weekdayOf(double days) {
     if (refusedDay(days)) return missingValue();
-    // The whole day that holds the value, as the date itself takes it: -0.5 is
-    // still 31 December 1959.
-    const int64_t t = kWeekdayShift + static_cast<int64_t>(std::floor(days));
-    return static_cast<double>(((t % 7) + 7) % 7 + 1);
+    return static_cast<double>(weekdayOfDay(static_cast<int64_t>(std::floor(days))) + 1);
+}
+
+CivilDate civilOf(int64_t dayNumber) {
+    CivilDate c;
+    c.year = yearOfDay(dayNumber);
+    c.dayOfYear = static_cast<int>(dayNumber - daysBefore(c.year));
+    monthOfYearDay(c.dayOfYear, leapFigure(c.year), &c.month, &c.day);
+    c.weekday = weekdayOfDay(dayNumber);
+    return c;
 }
 
 double dayOf(double seconds) {

@@ -48,6 +48,17 @@ struct HostClock {
 // Both 0 when the host has no clock.
 HostClock readHostClock();
 
+// A day of the range in whole numbers, as the pattern engine shows it.
+struct CivilDate {
+    int64_t year;
+    int month;     // 1..12
+    int day;       // 1..31
+    int dayOfYear; // 1 January is 1
+    int weekday;   // 0 Sunday .. 6 Saturday
+};
+// `dayNumber` is a whole DayCount inside the range.
+CivilDate civilOf(int64_t dayNumber);
+
 double ymdToYearDay(double year, double month, double day);
 double yearDayToDayCount(double code);
 int32_t yearDayToYmd(double *year, double *month, double *day, double code);

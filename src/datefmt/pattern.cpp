@@ -22,6 +22,7 @@ struct Fields {
     int64_t year = 0;
     int month = 0;      // 1..12
     int dayOfMonth = 0; // 1..31
+    int dayOfYear = 0;  // 1 January is 1
     int weekday = -1;   // 0 Sunday .. 6 Saturday; -1 without a date
     bool hasHour = false, hasMinute = false, hasSecond = false;
     double hour = 0, minute = 0, second = 0;
@@ -36,12 +37,24 @@ struct Out {
         if (length < kPatternUnits) text[length++] = c;
     }
     void put(const ZvChar *s, int64_t n) {
-        for (int64_t i = 0; i < n; ++i) put(s[i]);
+        const int64_t room = kPatternUnits - length;
+        const int64_t k = n < room ? n : room;
+        if (k <= 0) return;
+        std::memcpy(text + length, s, size_t(k) * sizeof(ZvChar));
+        length += static_cast<int>(k);
     }
     void stars(int n) {
         for (int i = 0; i < n; ++i) put(u'*');
     }
     void digits(int64_t value, int width, ZvChar pad) {
+        // Most numbers of a date are one or two digits: written at once.
+        if (value >= 0 && value < 100 && length + 2 <= kPatternUnits && (pad == 0 || width == 2)) {
+            const int v = static_cast<int>(value);
+            if (v >= 10 || pad == u'0') text[length++] = static_cast<ZvChar>(u'0' + v / 10);
+            else if (pad == u' ') text[length++] = u' ';
+            text[length++] = static_cast<ZvChar>(u'0' + v % 10);
+            return;
+        }
         ZvChar buffer[24];
         const int n = writeDigits(value, buffer, width > 20 ? 20 : width, pad);
         put(buffer, n);
@@ -163,20 +176,16 @@ void putOffset(Out &out, const Fields &f, HostTimeZone *tz, Offset &offset) {
 // All calendar work for the value, once: a missing part leaves its fields unset.
 Fields fieldsOf(double day, double hour, double minute, double second) {
     Fields f;
-    f.hasDate = !isMissing(day);
+    // A day outside the range shows as a day-less value.
+    f.hasDate = !isMissing(day) && day >= kFirstDay && day < kDayLimit;
     if (f.hasDate) {
         f.day = day;
-        const double weekday = weekdayOf(day);
-        double y, m, d;
-        yearDayToYmd(&y, &m, &d, dayCountToYearDay(day));
-        if (isMissing(y) || isMissing(weekday)) {
-            f.hasDate = false;
-        } else {
-            f.weekday = static_cast<int>(weekday) - 1;
-            f.year = wholeOf(y);
-            f.month = static_cast<int>(m);
-            f.dayOfMonth = static_cast<int>(d);
-        }
+        const CivilDate c = civilOf(static_cast<int64_t>(std::floor(day)));
+        f.weekday = c.weekday;
+        f.year = c.year;
+        f.month = c.month;
+        f.dayOfMonth = c.day;
+        f.dayOfYear = c.dayOfYear;
     }
     f.hasHour = !isMissing(hour);
     f.hasMinute = !isMissing(minute);
@@ -198,6 +207,15 @@ struct Work {
         if (length < kPatternUnits) text[length++] = c;
     }
 };
+
+// Whether the pattern holds a %x or a %X, or is too long to walk as it
+// stands: without either the expansion would copy it unchanged.
+bool needsExpansion(const ZvChar *pattern, int64_t patternLength) {
+    if (patternLength > kPatternUnits) return true;
+    for (int64_t i = 0; i + 1 < patternLength; ++i)
+        if (pattern[i] == u'%' && (pattern[i + 1] | 0x20) == u'x') return true;
+    return false;
+}
 
 void expandShorthands(const ZvChar *pattern, int64_t patternLength, const LocaleBlock *block, Work &work) {
     for (int64_t i = 0; i < patternLength; ++i) {
@@ -229,22 +247,22 @@ struct Directive {
 // Reads the marks and the letter behind the "%" at work[*i - 1]; *i ends on
 // the letter. False when the text ends first. A "+" switches on the
 // calendar of item 5 for the rest of the pattern.
-bool readDirective(const Work &work, int *i, bool *calendarOn, Directive *d) {
+bool readDirective(const ZvChar *text, int length, int *i, bool *calendarOn, Directive *d) {
     int k = *i;
-    if (k < work.length && (work.text[k] == u'#' || work.text[k] == u'0')) d->other = work.text[k++] == u'#';
-    if (k < work.length && work.text[k] >= u'1' && work.text[k] <= u'9') ++k; // a width, ignored
-    if (k < work.length && work.text[k] == u'+') {
+    if (k < length && (text[k] == u'#' || text[k] == u'0')) d->other = text[k++] == u'#';
+    if (k < length && text[k] >= u'1' && text[k] <= u'9') ++k; // a width, ignored
+    if (k < length && text[k] == u'+') {
         *calendarOn = true;
         ++k;
     }
     bool forceLower = false;
-    if (k < work.length && work.text[k] == u'?') {
+    if (k < length && text[k] == u'?') {
         forceLower = true;
         ++k;
     }
     *i = k;
-    if (k >= work.length) return false;
-    const ZvChar letter = work.text[k];
+    if (k >= length) return false;
+    const ZvChar letter = text[k];
     const bool isLower = letter >= u'a' && letter <= u'z';
     d->letter = letter;
     d->upper = isLower ? static_cast<ZvChar>(letter - (u'a' - u'A')) : letter;
@@ -361,7 +379,7 @@ bool writeDirective(Walk &w, const Directive &d) {
         break;
     case u'I': out.digits(f.twelve == 0 ? 12 : wholeOf(f.twelve), 2, pad); break;
     case u'L': out.digits(wholeOf(f.twelve), 2, pad); break;
-    case u'J': out.digits(wholeOf(std::fmod(dayCountToYearDay(f.day), 1000.0)), 3, pad); break;
+    case u'J': out.digits(f.dayOfYear, 3, pad); break;
     case u'M':
         if (d.lower) out.digits(f.month, 2, pad);
         else putMinute(w, pad);
@@ -418,10 +436,12 @@ int32_t fillOutput(const Walk &w, ZvChar *output, int *fieldWidth) {
     const bool rightJustified = *fieldWidth < 0;
     const int width = rightJustified ? -*fieldWidth : *fieldWidth;
     const Out &out = w.out;
-    fillWide(output, u' ', width);
     if (out.length <= width) {
-        std::memcpy(output + (rightJustified ? width - out.length : 0), out.text,
-                    size_t(out.length) * sizeof(ZvChar));
+        // Each place of the field is written once: the text, blanks beside it.
+        const int blanks = width - out.length;
+        ZvChar *text = output + (rightJustified ? blanks : 0);
+        std::memcpy(text, out.text, size_t(out.length) * sizeof(ZvChar));
+        fillWide(rightJustified ? output : text + out.length, u' ', blanks);
         *fieldWidth = out.length;
         return kPatternFits;
     }
@@ -461,19 +481,26 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
                       int64_t patternLength, ZvChar *output, int *fieldWidth, int decimals,
                       const LocaleBlock *block, HostTimeZone *timeZone) {
     const Fields f = fieldsOf(day, hour, minute, second);
+    // Most patterns hold no %x or %X: they are walked as they stand.
     Work work;
-    expandShorthands(pattern, patternLength, block, work);
+    const ZvChar *text = pattern;
+    int length = static_cast<int>(patternLength);
+    if (needsExpansion(pattern, patternLength)) {
+        expandShorthands(pattern, patternLength, block, work);
+        text = work.text;
+        length = work.length;
+    }
 
     Walk w(f, block, decimals, timeZone);
-    for (int i = 0; i < work.length; ++i) {
-        if (work.text[i] != u'%') {
-            w.out.put(work.text[i]);
+    for (int i = 0; i < length; ++i) {
+        if (text[i] != u'%') {
+            w.out.put(text[i]);
             continue;
         }
         ++i;
         Directive d;
-        if (!readDirective(work, &i, &w.calendarOn, &d)) break; // a directive without its letter writes nothing
-        if (needsDate(d) && !f.hasDate) {
+        if (!readDirective(text, length, &i, &w.calendarOn, &d)) break; // a directive without its letter writes nothing
+        if (!f.hasDate && needsDate(d)) {
             w.out.stars(2);
             continue;
         }

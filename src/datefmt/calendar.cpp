@@ -45,11 +45,17 @@ constexpr auto kDaysBeforeMonth = [] {
     return before;
 }();
 
-// The year that holds a whole day of the range: exact over the whole range
-// with the leap days of 4, 100, 400 and 4000 years.
-int64_t yearOfDay(int64_t dayNumber) {
-    const int64_t n = dayNumber + kDayCountShift;
-    return (n - n / 1461 + n / 36525 - n / 146100 + n / 1461000 - 1) / 365;
+// The calendar's own count of a day, n = day + kDayCountShift, and the
+// year that holds it: exact over the whole range with the leap days of 4,
+// 100, 400 and 4000 years. Inside the range both fit 32 bits unsigned,
+// where the divisions are cheapest.
+template <class Int> Int yearOfCount(Int n) { return (n - n / 1461 + n / 36525 - n / 146100 + n / 1461000 - 1) / 365; }
+int64_t yearOfDay(int64_t dayNumber) { return yearOfCount<int64_t>(dayNumber + kDayCountShift); }
+
+// Days in the years before y, in the calendar's own count.
+template <class Int> Int countBefore(Int y) {
+    const Int c = y - 1;
+    return 365 * y + c / 4 - c / 4000 - c / 100 + (c / 100) / 4;
 }
 
 // 0 Sunday .. 6 Saturday; -0.5 is still 31 December 1959, as the date takes it.
@@ -58,9 +64,9 @@ int weekdayOfDay(int64_t dayNumber) { return static_cast<int>(((kWeekdayShift + 
 // The month of day d of a year (1 January being 1) and the day in it.
 // Months have 28 to 31 days: the month is the one a 31-day count gives, or
 // the next.
-void monthOfYearDay(int64_t d, int leap, int *month, int *day) {
+void monthOfYearDay(int d, int leap, int *month, int *day) {
     const auto &before = kDaysBeforeMonth[size_t(leap)];
-    int m = static_cast<int>((d - 1) / 31) + 1;
+    int m = (d - 1) / 31 + 1;
     if (m < 12 && d > before[size_t(m)]) ++m;
     *month = m;
     *day = static_cast<int>(d - before[size_t(m - 1)]);
@@ -94,10 +100,7 @@ int leapFigure(int64_t y) {
     return y % 4000 == 0 ? 0 : 1;
 }
 
-int64_t daysBefore(int64_t y) {
-    const int64_t c = y - 1;
-    return 365 * y + c / 4 - c / 4000 - c / 100 + (c / 100) / 4 - kDayCountShift;
-}
+int64_t daysBefore(int64_t y) { return countBefore<int64_t>(y) - kDayCountShift; }
 
 int64_t settleTwoDigitYear(int64_t year, int64_t pivot) {
     const int64_t p = static_cast<int32_t>(pivot & 0xFFFFFFFF);
@@ -153,7 +156,7 @@ int32_t yearDayToYmd(double *year, double *month, double *day, double code) {
         return 0;
     }
     int m, dayOfMonth;
-    monthOfYearDay(d, leapFigure(y), &m, &dayOfMonth);
+    monthOfYearDay(static_cast<int>(d), leapFigure(y), &m, &dayOfMonth);
     *year = static_cast<double>(y);
     *month = m;
     *day = dayOfMonth;
@@ -174,11 +177,17 @@ double weekdayOf(double days) {
 }
 
 CivilDate civilOf(int64_t dayNumber) {
+    // Inside the range the calendar's count is positive and below 2^23.
+    const auto n = static_cast<uint32_t>(dayNumber + kDayCountShift);
+    const uint32_t year = yearOfCount<uint32_t>(n);
     CivilDate c;
-    c.year = yearOfDay(dayNumber);
-    c.dayOfYear = static_cast<int>(dayNumber - daysBefore(c.year));
-    monthOfYearDay(c.dayOfYear, leapFigure(c.year), &c.month, &c.day);
-    c.weekday = weekdayOfDay(dayNumber);
+    c.year = year;
+    c.dayOfYear = static_cast<int>(n - countBefore<uint32_t>(year));
+    monthOfYearDay(c.dayOfYear, leapFigure(year), &c.month, &c.day);
+    // A multiple of 7 above kWeekdayShift keeps the sum positive.
+    constexpr uint32_t kPositiveWeekdayShift = kWeekdayShift + 7 * 2;
+    static_assert(kPositiveWeekdayShift + kFirstDay >= 0);
+    c.weekday = static_cast<int>((static_cast<uint32_t>(dayNumber + kPositiveWeekdayShift)) % 7);
     return c;
 }
 

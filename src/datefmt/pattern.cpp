@@ -46,10 +46,17 @@ struct Out {
     void stars(int n) {
         for (int i = 0; i < n; ++i) put(u'*');
     }
+    // Two digits with a leading zero; v is 0 to 99.
+    void pair(unsigned v) {
+        if (length > kPatternUnits - 2) return digits(v, 2, u'0');
+        text[length] = static_cast<ZvChar>(u'0' + v / 10);
+        text[length + 1] = static_cast<ZvChar>(u'0' + v % 10);
+        length += 2;
+    }
     void digits(int64_t value, int width, ZvChar pad) {
         // Most numbers of a date are one or two digits: written at once.
-        if (value >= 0 && value < 100 && length + 2 <= kPatternUnits && (pad == 0 || width == 2)) {
-            const int v = static_cast<int>(value);
+        if (static_cast<uint64_t>(value) < 100 && (pad == 0 || width == 2) && length <= kPatternUnits - 2) {
+            const auto v = static_cast<unsigned>(value);
             if (v >= 10 || pad == u'0') text[length++] = static_cast<ZvChar>(u'0' + v / 10);
             else if (pad == u' ') text[length++] = u' ';
             text[length++] = static_cast<ZvChar>(u'0' + v % 10);
@@ -249,16 +256,20 @@ struct Directive {
 // calendar of item 5 for the rest of the pattern.
 bool readDirective(const ZvChar *text, int length, int *i, bool *calendarOn, Directive *d) {
     int k = *i;
-    if (k < length && (text[k] == u'#' || text[k] == u'0')) d->other = text[k++] == u'#';
-    if (k < length && text[k] >= u'1' && text[k] <= u'9') ++k; // a width, ignored
-    if (k < length && text[k] == u'+') {
-        *calendarOn = true;
-        ++k;
-    }
     bool forceLower = false;
-    if (k < length && text[k] == u'?') {
-        forceLower = true;
-        ++k;
+    // The marks all stand below "@" in the code table; a letter right behind
+    // the "%", the common case, has none.
+    if (k < length && text[k] < u'@') {
+        if (text[k] == u'#' || text[k] == u'0') d->other = text[k++] == u'#';
+        if (k < length && text[k] >= u'1' && text[k] <= u'9') ++k; // a width, ignored
+        if (k < length && text[k] == u'+') {
+            *calendarOn = true;
+            ++k;
+        }
+        if (k < length && text[k] == u'?') {
+            forceLower = true;
+            ++k;
+        }
     }
     *i = k;
     if (k >= length) return false;
@@ -327,11 +338,16 @@ void putMinute(Walk &w, ZvChar pad) {
 // The year in two steps of two digits, always with zeros; or its last two.
 void putYear(Walk &w, const Directive &d) {
     if (w.calendarOn) w.shownYear = calendarYear(w.shownYear, w.f.day, w.block);
+    const int64_t y = w.shownYear;
     if (d.lower) {
-        w.out.digits(w.shownYear % 100, 2, d.pad);
+        w.out.digits(y % 100, 2, d.pad);
+    } else if (y >= 0 && y <= UINT32_MAX) {
+        const auto u = static_cast<uint32_t>(y);
+        w.out.pair(u / 100 % 100);
+        w.out.pair(u % 100);
     } else {
-        w.out.digits((w.shownYear / 100) % 100, 2, u'0');
-        w.out.digits(w.shownYear % 100, 2, u'0');
+        w.out.digits((y / 100) % 100, 2, u'0');
+        w.out.digits(y % 100, 2, u'0');
     }
 }
 

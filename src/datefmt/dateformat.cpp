@@ -74,7 +74,7 @@ int32_t runPattern(const DateCall &d, const ZvChar *pattern, int64_t patternLeng
     }
     if (status != kPatternFits && status != kPatternTooLong) return status;
     if (inPlace) {
-        fillWide(target + field, u' ', room - field);
+        if (room > field) fillWide(target + field, u' ', room - field);
     } else {
         fillField(call, u' ');
         // On success the text is w long; a text too long fills the whole field.

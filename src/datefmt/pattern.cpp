@@ -215,15 +215,6 @@ struct Work {
     }
 };
 
-// Whether the pattern holds a %x or a %X, or is too long to walk as it
-// stands: without either the expansion would copy it unchanged.
-bool needsExpansion(const ZvChar *pattern, int64_t patternLength) {
-    if (patternLength > kPatternUnits) return true;
-    for (int64_t i = 0; i + 1 < patternLength; ++i)
-        if (pattern[i] == u'%' && (pattern[i + 1] | 0x20) == u'x') return true;
-    return false;
-}
-
 void expandShorthands(const ZvChar *pattern, int64_t patternLength, const LocaleBlock *block, Work &work) {
     for (int64_t i = 0; i < patternLength; ++i) {
         if (pattern[i] != u'%' || i + 1 >= patternLength) {
@@ -446,6 +437,36 @@ bool writeDirective(Walk &w, const Directive &d) {
     return true;
 }
 
+// What a walk of the pattern as it stands answers when it meets a
+// shorthand that the expansion replaces.
+constexpr int32_t kShorthandMet = 2;
+
+// An x or X right behind a "%" in the text as it stands, at i: a %x or %X
+// that the expansion would replace, or a sign that the pairs of the
+// expansion could read the text otherwise than the walk.
+bool shorthandAt(const ZvChar *text, int i) { return (text[i] | 0x20) == u'x' && i > 0 && text[i - 1] == u'%'; }
+
+// Writes the text's plain units and directives into the walk's output:
+// kPatternFits, kPatternInvalid, or with `asItStands` kShorthandMet.
+int32_t walkText(Walk &w, const ZvChar *text, int length, bool asItStands) {
+    for (int i = 0; i < length; ++i) {
+        if (text[i] != u'%') {
+            if (asItStands && shorthandAt(text, i)) return kShorthandMet;
+            w.out.put(text[i]);
+            continue;
+        }
+        ++i;
+        Directive d;
+        if (!readDirective(text, length, &i, &w.calendarOn, &d)) break; // a directive without its letter writes nothing
+        if (!w.f.hasDate && needsDate(d)) {
+            w.out.stars(2);
+            continue;
+        }
+        if (!writeDirective(w, d)) return asItStands && shorthandAt(text, i) ? kShorthandMet : kPatternInvalid;
+    }
+    return kPatternFits;
+}
+
 // Puts the text in the blank field. A text too long for it keeps its
 // beginning, but a zone offset written in it stays visible at the end.
 int32_t fillOutput(const Walk &w, ZvChar *output, int *fieldWidth) {
@@ -497,32 +518,24 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
                       int64_t patternLength, ZvChar *output, int *fieldWidth, int decimals,
                       const LocaleBlock *block, HostTimeZone *timeZone) {
     const Fields f = fieldsOf(day, hour, minute, second);
-    // Most patterns hold no %x or %X: they are walked as they stand.
+    // Most patterns hold no %x or %X, and the expansion would copy them
+    // unchanged: they are walked as they stand, until the walk meets an x
+    // behind a "%" and starts over on the expanded text.
     Work work;
     const ZvChar *text = pattern;
     int length = static_cast<int>(patternLength);
-    if (needsExpansion(pattern, patternLength)) {
-        expandShorthands(pattern, patternLength, block, work);
-        text = work.text;
-        length = work.length;
-    }
-
-    Walk w(f, block, decimals, timeZone);
-    for (int i = 0; i < length; ++i) {
-        if (text[i] != u'%') {
-            w.out.put(text[i]);
-            continue;
+    bool asItStands = patternLength <= kPatternUnits;
+    for (;;) {
+        if (!asItStands) {
+            expandShorthands(pattern, patternLength, block, work);
+            text = work.text;
+            length = work.length;
         }
-        ++i;
-        Directive d;
-        if (!readDirective(text, length, &i, &w.calendarOn, &d)) break; // a directive without its letter writes nothing
-        if (!f.hasDate && needsDate(d)) {
-            w.out.stars(2);
-            continue;
-        }
-        if (!writeDirective(w, d)) return kPatternInvalid;
+        Walk w(f, block, decimals, timeZone);
+        const int32_t status = walkText(w, text, length, asItStands);
+        if (status != kShorthandMet) return status == kPatternFits ? fillOutput(w, output, fieldWidth) : status;
+        asItStands = false;
     }
-    return fillOutput(w, output, fieldWidth);
 }
 
 int32_t writeDatePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern, int64_t patternLength,

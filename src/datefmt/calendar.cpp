@@ -199,14 +199,14 @@ double dayOf(double seconds) {
 
 double hourOf(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
-    double x = std::fmod(seconds, kSecondsPerDay);
+    double x = remainderOf(seconds, kSecondsPerDay);
     if (x < 0) x += kSecondsPerDay;
     return std::trunc(x / kSecondsPerHour);
 }
 
 namespace {
 double clockPart(double seconds) {
-    double x = std::fmod(seconds, kSecondsPerDay);
+    double x = remainderOf(seconds, kSecondsPerDay);
     if (seconds < 0) x = kSecondsPerDay - std::fabs(x);
     return x;
 }
@@ -214,20 +214,20 @@ double clockPart(double seconds) {
 
 double minuteOf(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
-    const double y = std::trunc(std::fmod(clockPart(seconds), kSecondsPerHour));
+    const double y = std::trunc(remainderOf(clockPart(seconds), kSecondsPerHour));
     return std::trunc(y / kSecondsPerMinute);
 }
 
 double secondOf(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
-    return std::fmod(clockPart(seconds), kSecondsPerMinute);
+    return remainderOf(clockPart(seconds), kSecondsPerMinute);
 }
 
 double timeOfDay(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
     // Whole days from 1582 on make it positive and keep the time of day.
     if (seconds <= 0) seconds -= kFirstSecond;
-    return std::fmod(seconds, kSecondsPerDay);
+    return remainderOf(seconds, kSecondsPerDay);
 }
 
 int32_t writeSignedField(int value, ZvChar *field, int width) {

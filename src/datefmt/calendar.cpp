@@ -45,6 +45,33 @@ constexpr auto kDaysBeforeMonth = [] {
     return before;
 }();
 
+// The calendar's own count of a day, n = day + kDayCountShift, and the
+// year that holds it: exact over the whole range with the leap days of 4,
+// 100, 400 and 4000 years. Inside the range both fit 32 bits unsigned,
+// where the divisions are cheapest.
+template <class Int> Int yearOfCount(Int n) { return (n - n / 1461 + n / 36525 - n / 146100 + n / 1461000 - 1) / 365; }
+int64_t yearOfDay(int64_t dayNumber) { return yearOfCount<int64_t>(dayNumber + kDayCountShift); }
+
+// Days in the years before y, in the calendar's own count.
+template <class Int> Int countBefore(Int y) {
+    const Int c = y - 1;
+    return 365 * y + c / 4 - c / 4000 - c / 100 + (c / 100) / 4;
+}
+
+// 0 Sunday .. 6 Saturday; -0.5 is still 31 December 1959, as the date takes it.
+int weekdayOfDay(int64_t dayNumber) { return static_cast<int>(((kWeekdayShift + dayNumber) % 7 + 7) % 7); }
+
+// The month of day d of a year (1 January being 1) and the day in it.
+// Months have 28 to 31 days: the month is the one a 31-day count gives, or
+// the next.
+void monthOfYearDay(int d, int leap, int *month, int *day) {
+    const auto &before = kDaysBeforeMonth[size_t(leap)];
+    int m = (d - 1) / 31 + 1;
+    if (m < 12 && d > before[size_t(m)]) ++m;
+    *month = m;
+    *day = static_cast<int>(d - before[size_t(m - 1)]);
+}
+
 bool plainLeap(int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
 
 // Splits a year-day code after the refusals both directions share; false
@@ -66,16 +93,14 @@ bool splitCode(double code, int64_t *year, int64_t *dayOfYear) {
 } // namespace
 
 int leapFigure(int64_t y) {
-    if (y % 4000 == 0) return 0;
-    if (y % 400 == 0) return 1;
-    if (y % 100 == 0) return 0;
-    return y % 4 == 0 ? 1 : 0;
+    // The commonest answers first: most years are not divisible by 4.
+    if (y % 4 != 0) return 0;
+    if (y % 100 != 0) return 1;
+    if (y % 400 != 0) return 0;
+    return y % 4000 == 0 ? 0 : 1;
 }
 
-int64_t daysBefore(int64_t y) {
-    const int64_t c = y - 1;
-    return 365 * y + c / 4 - c / 4000 - c / 100 + (c / 100) / 4 - kDayCountShift;
-}
+int64_t daysBefore(int64_t y) { return countBefore<int64_t>(y) - kDayCountShift; }
 
 int64_t settleTwoDigitYear(int64_t year, int64_t pivot) {
     const int64_t p = static_cast<int32_t>(pivot & 0xFFFFFFFF);
@@ -130,14 +155,11 @@ int32_t yearDayToYmd(double *year, double *month, double *day, double code) {
         *year = *month = *day = missingValue();
         return 0;
     }
-    // Months have 28 to 31 days: the month of day d is the one a 31-day
-    // count gives, or the next.
-    const auto &before = kDaysBeforeMonth[size_t(leapFigure(y))];
-    int m = static_cast<int>((d - 1) / 31) + 1;
-    if (m < 12 && d > before[size_t(m)]) ++m;
+    int m, dayOfMonth;
+    monthOfYearDay(static_cast<int>(d), leapFigure(y), &m, &dayOfMonth);
     *year = static_cast<double>(y);
     *month = m;
-    *day = static_cast<double>(d - before[size_t(m - 1)]);
+    *day = dayOfMonth;
     return 0;
 }
 
@@ -145,18 +167,28 @@ double dayCountToYearDay(double days) {
     if (isMissing(days)) return days;
     if (refusedDay(days)) return missingValue();
     const int64_t f = static_cast<int64_t>(std::floor(days));
-    // Days in 4, 100, 400 and 4000 years, each with its leap days.
-    const int64_t n = f + kDayCountShift;
-    const int64_t year = (n - n / 1461 + n / 36525 - n / 146100 + n / 1461000 - 1) / 365;
+    const int64_t year = yearOfDay(f);
     return static_cast<double>(year * kYearDayBase + f - daysBefore(year));
 }
 
 double weekdayOf(double days) {
     if (refusedDay(days)) return missingValue();
-    // The whole day that holds the value, as the date itself takes it: -0.5 is
-    // still 31 December 1959.
-    const int64_t t = kWeekdayShift + static_cast<int64_t>(std::floor(days));
-    return static_cast<double>(((t % 7) + 7) % 7 + 1);
+    return static_cast<double>(weekdayOfDay(static_cast<int64_t>(std::floor(days))) + 1);
+}
+
+CivilDate civilOf(int64_t dayNumber) {
+    // Inside the range the calendar's count is positive and below 2^23.
+    const auto n = static_cast<uint32_t>(dayNumber + kDayCountShift);
+    const uint32_t year = yearOfCount<uint32_t>(n);
+    CivilDate c;
+    c.year = year;
+    c.dayOfYear = static_cast<int>(n - countBefore<uint32_t>(year));
+    monthOfYearDay(c.dayOfYear, leapFigure(year), &c.month, &c.day);
+    // A multiple of 7 above kWeekdayShift keeps the sum positive.
+    constexpr uint32_t kPositiveWeekdayShift = kWeekdayShift + 7 * 2;
+    static_assert(kPositiveWeekdayShift + kFirstDay >= 0);
+    c.weekday = static_cast<int>((static_cast<uint32_t>(dayNumber + kPositiveWeekdayShift)) % 7);
+    return c;
 }
 
 double dayOf(double seconds) {
@@ -167,14 +199,14 @@ double dayOf(double seconds) {
 
 double hourOf(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
-    double x = std::fmod(seconds, kSecondsPerDay);
+    double x = remainderOf(seconds, kSecondsPerDay);
     if (x < 0) x += kSecondsPerDay;
     return std::trunc(x / kSecondsPerHour);
 }
 
 namespace {
 double clockPart(double seconds) {
-    double x = std::fmod(seconds, kSecondsPerDay);
+    double x = remainderOf(seconds, kSecondsPerDay);
     if (seconds < 0) x = kSecondsPerDay - std::fabs(x);
     return x;
 }
@@ -182,20 +214,20 @@ double clockPart(double seconds) {
 
 double minuteOf(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
-    const double y = std::trunc(std::fmod(clockPart(seconds), kSecondsPerHour));
+    const double y = std::trunc(remainderOf(clockPart(seconds), kSecondsPerHour));
     return std::trunc(y / kSecondsPerMinute);
 }
 
 double secondOf(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
-    return std::fmod(clockPart(seconds), kSecondsPerMinute);
+    return remainderOf(clockPart(seconds), kSecondsPerMinute);
 }
 
 double timeOfDay(double seconds) {
     if (refusedSecond(seconds)) return missingValue();
     // Whole days from 1582 on make it positive and keep the time of day.
     if (seconds <= 0) seconds -= kFirstSecond;
-    return std::fmod(seconds, kSecondsPerDay);
+    return remainderOf(seconds, kSecondsPerDay);
 }
 
 int32_t writeSignedField(int value, ZvChar *field, int width) {

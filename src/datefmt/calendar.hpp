@@ -4,6 +4,7 @@
 // divides is no leap year. A refused input gives the plain missing value.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 #include "zvlocfmt/zvlocfmt.h"
@@ -27,6 +28,18 @@ constexpr int64_t kLastTwoDigitYear = 99;
 // The calendar's pivot of two-digit years when the host sets none.
 constexpr int64_t kCalendarYearPivot = 1950;
 
+// fmod(x, divisor) for a whole divisor, as exact as fmod but without its
+// long division: the whole part of x splits by integers, and its fraction
+// is added back, a sum that the remainder, being a double, holds exactly.
+inline double remainderOf(double x, double divisor) {
+    if (!(std::fabs(x) < 0x1p53) || !(divisor >= 1 && divisor < 0x1p31) || divisor != std::trunc(divisor))
+        return std::fmod(x, divisor);
+    const double whole = std::trunc(x);
+    const double r =
+        static_cast<double>(static_cast<int64_t>(whole) % static_cast<int64_t>(divisor)) + (x - whole);
+    return r == 0 ? std::copysign(0.0, x) : r; // a zero keeps the sign of x, as fmod gives it
+}
+
 // Days in years before `year`, counted so that 1 January 1960 is day 0.
 int64_t daysBefore(int64_t year);
 int leapFigure(int64_t year);
@@ -47,6 +60,17 @@ struct HostClock {
 };
 // Both 0 when the host has no clock.
 HostClock readHostClock();
+
+// A day of the range in whole numbers, as the pattern engine shows it.
+struct CivilDate {
+    int64_t year;
+    int month;     // 1..12
+    int day;       // 1..31
+    int dayOfYear; // 1 January is 1
+    int weekday;   // 0 Sunday .. 6 Saturday
+};
+// `dayNumber` is a whole DayCount inside the range.
+CivilDate civilOf(int64_t dayNumber);
 
 double ymdToYearDay(double year, double month, double day);
 double yearDayToDayCount(double code);

@@ -48,29 +48,39 @@ void leftJustifyField(FormatCall *call) {
 
 int32_t runPattern(const DateCall &d, const ZvChar *pattern, int64_t patternLength, int k, int *fieldWidth) {
     FormatCall *call = d.call;
-    ZvChar scratch[kPatternUnits];
     // A text never passes 512 units, so a wider field is the same as one of 512.
     int w = *fieldWidth > kPatternUnits ? kPatternUnits : *fieldWidth;
+    const int field = w;
+    // The engine writes its field only when it answers 0 or 1, so a field
+    // that the call's target holds takes the text in place; else a scratch
+    // field is copied over.
+    const int64_t room = fieldUnits(call);
+    const bool inPlace = call->output && field >= 0 && field <= room;
+    ZvChar scratch[kPatternUnits];
+    ZvChar *target = inPlace ? static_cast<ZvChar *>(call->output) : scratch;
     const LocaleBlock *block = call->localeBlock;
     int32_t status;
     switch (d.kind) {
     case ValueKind::Date:
-        status = writeDatePattern(scratch, &w, pattern, patternLength, d.value, block);
+        status = writeDatePattern(target, &w, pattern, patternLength, d.value, block);
         break;
     case ValueKind::Time:
-        status = writeTimePattern(scratch, &w, pattern, patternLength, d.value, k, block);
+        status = writeTimePattern(target, &w, pattern, patternLength, d.value, k, block);
         break;
     default:
-        status = writeDatetimePattern(scratch, &w, pattern, patternLength, d.value, k, block,
+        status = writeDatetimePattern(target, &w, pattern, patternLength, d.value, k, block,
                                       call->services ? call->services->timeZone : nullptr);
         break;
     }
     if (status != kPatternFits && status != kPatternTooLong) return status;
-    fillField(call, u' ');
-    // On success the text is w long; a text too long fills the whole field.
-    const int64_t shown = status == kPatternFits ? w : (*fieldWidth > kPatternUnits ? kPatternUnits : *fieldWidth);
+    if (inPlace) {
+        if (room > field) fillWide(target + field, u' ', room - field);
+    } else {
+        fillField(call, u' ');
+        // On success the text is w long; a text too long fills the whole field.
+        putAt(call, 0, scratch, status == kPatternFits ? w : field);
+    }
     if (status == kPatternFits) *fieldWidth = w;
-    putAt(call, 0, scratch, shown);
     return status;
 }
 

@@ -23,6 +23,7 @@ struct Fields {
     int64_t year = 0;
     int month = 0;      // 1..12
     int dayOfMonth = 0; // 1..31
+    int dayOfYear = 0;  // 1 January is 1
     int weekday = -1;   // 0 Sunday .. 6 Saturday; -1 without a date
     bool hasHour = false, hasMinute = false, hasSecond = false;
     double hour = 0, minute = 0, second = 0;
@@ -37,12 +38,31 @@ struct Out {
         if (length < kPatternUnits) text[length++] = c;
     }
     void put(const ZvChar *s, int64_t n) {
-        for (int64_t i = 0; i < n; ++i) put(s[i]);
+        const int64_t room = kPatternUnits - length;
+        const int64_t k = n < room ? n : room;
+        if (k <= 0) return;
+        std::memcpy(text + length, s, size_t(k) * sizeof(ZvChar));
+        length += static_cast<int>(k);
     }
     void stars(int n) {
         for (int i = 0; i < n; ++i) put(u'*');
     }
+    // Two digits with a leading zero; v is 0 to 99.
+    void pair(unsigned v) {
+        if (length > kPatternUnits - 2) return digits(v, 2, u'0');
+        text[length] = static_cast<ZvChar>(u'0' + v / 10);
+        text[length + 1] = static_cast<ZvChar>(u'0' + v % 10);
+        length += 2;
+    }
     void digits(int64_t value, int width, ZvChar pad) {
+        // Most numbers of a date are one or two digits: written at once.
+        if (static_cast<uint64_t>(value) < 100 && (pad == 0 || width == 2) && length <= kPatternUnits - 2) {
+            const auto v = static_cast<unsigned>(value);
+            if (v >= 10 || pad == u'0') text[length++] = static_cast<ZvChar>(u'0' + v / 10);
+            else if (pad == u' ') text[length++] = u' ';
+            text[length++] = static_cast<ZvChar>(u'0' + v % 10);
+            return;
+        }
         ZvChar buffer[24];
         const int n = writeDigits(value, buffer, width > 20 ? 20 : width, pad);
         put(buffer, n);
@@ -164,20 +184,16 @@ void putOffset(Out &out, const Fields &f, HostTimeZone *tz, Offset &offset) {
 // All calendar work for the value, once: a missing part leaves its fields unset.
 Fields fieldsOf(double day, double hour, double minute, double second) {
     Fields f;
-    f.hasDate = !isMissing(day);
+    // A day outside the range shows as a day-less value.
+    f.hasDate = !isMissing(day) && day >= kFirstDay && day < kDayLimit;
     if (f.hasDate) {
         f.day = day;
-        const double weekday = weekdayOf(day);
-        double y, m, d;
-        yearDayToYmd(&y, &m, &d, dayCountToYearDay(day));
-        if (isMissing(y) || isMissing(weekday)) {
-            f.hasDate = false;
-        } else {
-            f.weekday = static_cast<int>(weekday) - 1;
-            f.year = wholeOf(y);
-            f.month = static_cast<int>(m);
-            f.dayOfMonth = static_cast<int>(d);
-        }
+        const CivilDate c = civilOf(static_cast<int64_t>(std::floor(day)));
+        f.weekday = c.weekday;
+        f.year = c.year;
+        f.month = c.month;
+        f.dayOfMonth = c.day;
+        f.dayOfYear = c.dayOfYear;
     }
     f.hasHour = !isMissing(hour);
     f.hasMinute = !isMissing(minute);
@@ -185,7 +201,7 @@ Fields fieldsOf(double day, double hour, double minute, double second) {
     f.hour = f.hasHour ? hour : 0;
     f.minute = f.hasMinute ? minute : 0;
     f.second = f.hasSecond ? second : 0;
-    f.twelve = !f.hasHour ? 0 : (f.hour > 12 ? std::fmod(f.hour, 12.0) : f.hour);
+    f.twelve = !f.hasHour ? 0 : (f.hour > 12 ? remainderOf(f.hour, 12.0) : f.hour);
     return f;
 }
 
@@ -230,22 +246,26 @@ struct Directive {
 // Reads the marks and the letter behind the "%" at work[*i - 1]; *i ends on
 // the letter. False when the text ends first. A "+" switches on the
 // calendar of item 5 for the rest of the pattern.
-bool readDirective(const Work &work, int *i, bool *calendarOn, Directive *d) {
+bool readDirective(const ZvChar *text, int length, int *i, bool *calendarOn, Directive *d) {
     int k = *i;
-    if (k < work.length && (work.text[k] == u'#' || work.text[k] == u'0')) d->other = work.text[k++] == u'#';
-    if (k < work.length && work.text[k] >= u'1' && work.text[k] <= u'9') ++k; // a width, ignored
-    if (k < work.length && work.text[k] == u'+') {
-        *calendarOn = true;
-        ++k;
-    }
     bool forceLower = false;
-    if (k < work.length && work.text[k] == u'?') {
-        forceLower = true;
-        ++k;
+    // The marks all stand below "@" in the code table; a letter right behind
+    // the "%", the common case, has none.
+    if (k < length && text[k] < u'@') {
+        if (text[k] == u'#' || text[k] == u'0') d->other = text[k++] == u'#';
+        if (k < length && text[k] >= u'1' && text[k] <= u'9') ++k; // a width, ignored
+        if (k < length && text[k] == u'+') {
+            *calendarOn = true;
+            ++k;
+        }
+        if (k < length && text[k] == u'?') {
+            forceLower = true;
+            ++k;
+        }
     }
     *i = k;
-    if (k >= work.length) return false;
-    const ZvChar letter = work.text[k];
+    if (k >= length) return false;
+    const ZvChar letter = text[k];
     const bool isLower = letter >= u'a' && letter <= u'z';
     d->letter = letter;
     d->upper = isLower ? static_cast<ZvChar>(letter - (u'a' - u'A')) : letter;
@@ -310,11 +330,16 @@ void putMinute(Walk &w, ZvChar pad) {
 // The year in two steps of two digits, always with zeros; or its last two.
 void putYear(Walk &w, const Directive &d) {
     if (w.calendarOn) w.shownYear = calendarYear(w.shownYear, w.f.day, w.block);
+    const int64_t y = w.shownYear;
     if (d.lower) {
-        w.out.digits(w.shownYear % 100, 2, d.pad);
+        w.out.digits(y % 100, 2, d.pad);
+    } else if (y >= 0 && y <= UINT32_MAX) {
+        const auto u = static_cast<uint32_t>(y);
+        w.out.pair(u / 100 % 100);
+        w.out.pair(u % 100);
     } else {
-        w.out.digits((w.shownYear / 100) % 100, 2, u'0');
-        w.out.digits(w.shownYear % 100, 2, u'0');
+        w.out.digits((y / 100) % 100, 2, u'0');
+        w.out.digits(y % 100, 2, u'0');
     }
 }
 
@@ -362,7 +387,7 @@ bool writeDirective(Walk &w, const Directive &d) {
         break;
     case u'I': out.digits(f.twelve == 0 ? 12 : wholeOf(f.twelve), 2, pad); break;
     case u'L': out.digits(wholeOf(f.twelve), 2, pad); break;
-    case u'J': out.digits(wholeOf(std::fmod(dayCountToYearDay(f.day), 1000.0)), 3, pad); break;
+    case u'J': out.digits(f.dayOfYear, 3, pad); break;
     case u'M':
         if (d.lower) out.digits(f.month, 2, pad);
         else putMinute(w, pad);
@@ -413,16 +438,48 @@ bool writeDirective(Walk &w, const Directive &d) {
     return true;
 }
 
+// What a walk of the pattern as it stands answers when it meets a
+// shorthand that the expansion replaces.
+constexpr int32_t kShorthandMet = 2;
+
+// An x or X right behind a "%" in the text as it stands, at i: a %x or %X
+// that the expansion would replace, or a sign that the pairs of the
+// expansion could read the text otherwise than the walk.
+bool shorthandAt(const ZvChar *text, int i) { return (text[i] | 0x20) == u'x' && i > 0 && text[i - 1] == u'%'; }
+
+// Writes the text's plain units and directives into the walk's output:
+// kPatternFits, kPatternInvalid, or with `asItStands` kShorthandMet.
+int32_t walkText(Walk &w, const ZvChar *text, int length, bool asItStands) {
+    for (int i = 0; i < length; ++i) {
+        if (text[i] != u'%') {
+            if (asItStands && shorthandAt(text, i)) return kShorthandMet;
+            w.out.put(text[i]);
+            continue;
+        }
+        ++i;
+        Directive d;
+        if (!readDirective(text, length, &i, &w.calendarOn, &d)) break; // a directive without its letter writes nothing
+        if (!w.f.hasDate && needsDate(d)) {
+            w.out.stars(2);
+            continue;
+        }
+        if (!writeDirective(w, d)) return asItStands && shorthandAt(text, i) ? kShorthandMet : kPatternInvalid;
+    }
+    return kPatternFits;
+}
+
 // Puts the text in the blank field. A text too long for it keeps its
 // beginning, but a zone offset written in it stays visible at the end.
 int32_t fillOutput(const Walk &w, ZvChar *output, int *fieldWidth) {
     const bool rightJustified = *fieldWidth < 0;
     const int width = rightJustified ? -*fieldWidth : *fieldWidth;
     const Out &out = w.out;
-    fillWide(output, u' ', width);
     if (out.length <= width) {
-        std::memcpy(output + (rightJustified ? width - out.length : 0), out.text,
-                    size_t(out.length) * sizeof(ZvChar));
+        // Each place of the field is written once: the text, blanks beside it.
+        const int blanks = width - out.length;
+        ZvChar *text = output + (rightJustified ? blanks : 0);
+        std::memcpy(text, out.text, size_t(out.length) * sizeof(ZvChar));
+        fillWide(rightJustified ? output : text + out.length, u' ', blanks);
         *fieldWidth = out.length;
         return kPatternFits;
     }
@@ -462,25 +519,24 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
                       int64_t patternLength, ZvChar *output, int *fieldWidth, int decimals,
                       const LocaleBlock *block, HostTimeZone *timeZone) {
     const Fields f = fieldsOf(day, hour, minute, second);
+    // Most patterns hold no %x or %X, and the expansion would copy them
+    // unchanged: they are walked as they stand, until the walk meets an x
+    // behind a "%" and starts over on the expanded text.
     Work work;
-    expandShorthands(pattern, patternLength, block, work);
-
-    Walk w(f, block, decimals, timeZone);
-    for (int i = 0; i < work.length; ++i) {
-        if (work.text[i] != u'%') {
-            w.out.put(work.text[i]);
-            continue;
+    const ZvChar *text = pattern;
+    int length = static_cast<int>(patternLength);
+    bool asItStands = patternLength <= kPatternUnits;
+    for (;;) {
+        if (!asItStands) {
+            expandShorthands(pattern, patternLength, block, work);
+            text = work.text;
+            length = work.length;
         }
-        ++i;
-        Directive d;
-        if (!readDirective(work, &i, &w.calendarOn, &d)) break; // a directive without its letter writes nothing
-        if (needsDate(d) && !f.hasDate) {
-            w.out.stars(2);
-            continue;
-        }
-        if (!writeDirective(w, d)) return kPatternInvalid;
+        Walk w(f, block, decimals, timeZone);
+        const int32_t status = walkText(w, text, length, asItStands);
+        if (status != kShorthandMet) return status == kPatternFits ? fillOutput(w, output, fieldWidth) : status;
+        asItStands = false;
     }
-    return fillOutput(w, output, fieldWidth);
 }
 
 int32_t writeDatePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern, int64_t patternLength,
@@ -493,9 +549,13 @@ int32_t writeDatePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern,
 
 namespace {
 double roundedToDecimals(double value, int decimals) {
+    // The powers of ten that a double holds exactly, as pow gives them.
+    static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11,
+                                              1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    constexpr int kExactPowers = sizeof kPowersOfTen / sizeof kPowersOfTen[0];
     double rounded = value;
     const int d = std::max(decimals, 0);
-    roundToUnit(value, 1.0 / std::pow(10.0, d), &rounded);
+    roundToUnit(value, 1.0 / (d < kExactPowers ? kPowersOfTen[d] : std::pow(10.0, d)), &rounded);
     return rounded;
 }
 } // namespace

@@ -3,6 +3,7 @@
 // strftime for week numbers.
 #include <cmath>
 #include <ctime>
+#include <random>
 
 #include "dates.hpp"
 #include "datefmt/calendar.hpp"
@@ -29,7 +30,9 @@ TEST(Calendar, EveryDayOfTheRange) {
                 const double code = double(year * 1000 + ++yday);
                 double y, mm, dd;
                 zv::yearDayToYmd(&y, &mm, &dd, code);
-                const bool ok = zv::dayCountToYearDay(day) == code && zv::yearDayToDayCount(code) == day &&
+                const zv::CivilDate c = zv::civilOf(int64_t(day));
+                const bool ok = c.year == year && c.month == m && c.day == d && c.dayOfYear == yday &&
+                                c.weekday + 1 == weekday && zv::dayCountToYearDay(day) == code && zv::yearDayToDayCount(code) == day &&
                                 zv::weekdayOf(day) == weekday && y == year && mm == m && dd == d &&
                                 zv::ymdToYearDay(double(year), m, d) == code &&
                                 (year >= 4000 || day == dt::civilDays(year, m, d));
@@ -63,6 +66,19 @@ TEST(Calendar, SecondCounts) {
                 C{569318630399.0, 6589335, 23, 59, 59, 86399}}) {
         EXPECT_TRUE(zv::dayOf(c.seconds) == c.day && zv::hourOf(c.seconds) == c.hour && zv::minuteOf(c.seconds) == c.minute &&
                     zv::secondOf(c.seconds) == c.second && zv::timeOfDay(c.seconds) == c.timeOfDay) << c.seconds;
+    }
+}
+
+// The remainder by whole divisors is fmod's to the bit, signed zeros and
+// fractions included, over the second counts and beyond.
+TEST(Calendar, RemaindersAsFmodGivesThem) {
+    std::mt19937_64 rng(3);
+    const double fixed[] = {-86400.0, -0.0, 0.0, 172800.0, -0.25, 0x1p53, -0x1p60 - 2048, 1e300};
+    for (int i = 0; i < 200000; ++i) {
+        const double whole = double(int64_t(rng() % (uint64_t(1) << (i % 50 + 3))) - (i % 2 ? 0 : int64_t(1) << (i % 50 + 2)));
+        const double x = i < 8 ? fixed[i] : i % 3 ? whole + std::ldexp(double(rng() % 1024), -int(rng() % 12)) * (whole < 0 ? -1 : 1) : whole;
+        for (double divisor : {86400.0, 3600.0, 60.0, 7.0})
+            ASSERT_EQ(zv::bitsOf(zv::remainderOf(x, divisor)), zv::bitsOf(std::fmod(x, divisor))) << x << " " << divisor;
     }
 }
 

@@ -85,6 +85,31 @@ TEST(Pattern, DirectivesOfItsOwn) {
     EXPECT_EQ(expand(u"%S", 7.96, 1), u"08,0");
 }
 
+// Random patterns of marks, letters and shorthands give what their
+// expansion, done here apart, gives: the pairs of a "%" copied whole, %x and
+// %X replaced by texts without a "%".
+TEST(Pattern, ShorthandsAsIfExpandedFirst) {
+    auto b = cBlock();
+    setItem(*b, 28, "<date>"), setItem(*b, 53, "<time>");
+    std::mt19937_64 rng(5);
+    const std::u16string alphabet = u"%%%xX#0+?dYa ";
+    for (int i = 0; i < 20000; ++i) {
+        std::u16string p, e;
+        for (size_t n = 1 + rng() % 8; n > 0; --n) p += alphabet[rng() % alphabet.size()];
+        for (size_t k = 0; k < p.size(); ++k) {
+            if (p[k] != u'%' || k + 1 == p.size()) {
+                e += p[k];
+                continue;
+            }
+            const char16_t next = p[++k];
+            e += next == u'x' ? u"<date>" : next == u'X' ? u"<time>" : std::u16string{u'%', next};
+        }
+        int32_t s1 = 0, s2 = 0;
+        const std::u16string t1 = expand(p, 0, 0, 30, b.get(), &s1), t2 = expand(e, 0, 0, 30, b.get(), &s2);
+        ASSERT_TRUE(s1 == s2 && (s1 < 0 || t1 == t2)) << zvhost::utf8(p);
+    }
+}
+
 TEST(Pattern, CalendarOfItem5) {
     auto b = cBlock();
     struct Cal { const char *code; double day; const char16_t *expected; };

@@ -122,9 +122,8 @@ int32_t writeClock(FormatCall *call) {
     for (bool again = true; again;) {
         again = false;
         length = writeDigits(hour, hourText, 0, 0);
-        p = width - length - 7 < call->decimals ? width - length - 7 : call->decimals;
-        if (p > kMaxPlaces) p = kMaxPlaces; // only wider fields than the clock's own limit get here
-        if (p < 0) p = 0;
+        // Only wider fields than the clock's own limit meet kMaxPlaces.
+        p = std::clamp<int64_t>(std::min<int64_t>(width - length - 7, call->decimals), 0, kMaxPlaces);
         bool up = false;
         if (p == 0) {
             up = f >= 0.5;

@@ -1,6 +1,7 @@
 // The opening and the field handling of the date formats.
 #include "datefmt/dateformat.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 #include "datefmt/calendar.hpp"
@@ -94,7 +95,7 @@ int32_t measureText(const FormatCall *call, int64_t units) {
     if (!call->transcoder || !call->output) return 0;
     unsigned char scratch[4 * kPatternUnits];
     int64_t capacity = call->width < int32_t(sizeof scratch) ? call->width : int32_t(sizeof scratch);
-    if (capacity < 0) capacity = 0;
+    capacity = std::max<int64_t>(capacity, 0);
     int64_t produced = 0;
     const int64_t n = units < fieldUnits(call) ? units : fieldUnits(call);
     return call->transcoder->ops->transcode(call->transcoder, call->output, n * 2, scratch, capacity,

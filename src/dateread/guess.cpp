@@ -28,7 +28,7 @@ enum class Keep { Day, Time, Both };
 int32_t guess(FormatCall *call, Keep keep) {
     double *output = static_cast<double *>(call->output);
     int64_t length = std::min(call->inputLength, call->width);
-    if (length < 0 || !call->input) length = 0;
+    length = call->input ? std::max<int64_t>(length, 0) : 0;
     if (length > kRoom) length = kRoom;
     ZvChar buffer[kRoom];
     copyPadded(static_cast<const ZvChar *>(call->input), length, buffer, kRoom);

@@ -35,7 +35,7 @@ int32_t readNl(FormatCall *call, Reading reading) {
     const ZvChar *text = static_cast<const ZvChar *>(call->input);
     double *output = static_cast<double *>(call->output);
     int32_t length = std::min(call->inputLength, call->fieldLimit);
-    if (length < 0 || !text) length = 0;
+    length = text ? std::max<int64_t>(length, 0) : 0;
     length = static_cast<int32_t>(lengthWithoutTrailingBlanks(text, length));
 
     ExtensionInstance *instance = findInstance(call);

@@ -511,8 +511,8 @@ int64_t cleanDateText(ZvChar *text, int64_t length) {
 int32_t readByPattern(const ZvChar *name, int64_t nameLength, const DatePatternRow *row,
                       const ZvChar *text, int64_t textLength, double *outValue, int32_t *kindOut,
                       int32_t normalise) {
-    if (textLength < 0 || !text) textLength = 0;
-    if (nameLength < 0 || !name) nameLength = 0;
+    textLength = text ? std::max<int64_t>(textLength, 0) : 0;
+    nameLength = name ? std::max<int64_t>(nameLength, 0) : 0;
 
     RowText t;
     takeText(t, text, textLength, normalise != 0);

@@ -85,7 +85,7 @@ ZvChar orderLetterOf(int32_t kind) {
 
 // n characters of each side, folded to upper case, compared.
 bool sameFolded(const ZvChar *a, const ZvChar *b, int64_t n) {
-    if (n > kFoldRoom) n = kFoldRoom;
+    n = std::min<int64_t>(n, kFoldRoom);
     // The fold maps each unit on its own: units that are equal need none,
     // and the first pair that folds apart ends the compare.
     for (int64_t i = 0; i < n; ++i)
@@ -542,8 +542,8 @@ int32_t storeResult(Fields f, const AmPm &amPm, double *outDate, double *outTime
 int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength, const ZvChar *pattern,
                        int64_t patternLength, double *outDate, double *outTime) {
     if (!call || !call->localeBlock) return kLocaleFormFailed;
-    if (!text || textLength < 0) textLength = 0;
-    if (!pattern || patternLength < 0) patternLength = 0;
+    textLength = text ? std::max<int64_t>(textLength, 0) : 0;
+    patternLength = pattern ? std::max<int64_t>(patternLength, 0) : 0;
     const LocaleBlock *block = call->localeBlock;
 
     PatternCut cut;

@@ -18,7 +18,7 @@ namespace {
 // room, which is all a name can need).
 bool nameBegins(const LocaleItem &item, const ZvChar *folded, int64_t limit) {
     int64_t itemLength = item.length;
-    if (itemLength < 0) itemLength = 0;
+    itemLength = std::max<int64_t>(itemLength, 0);
     if (itemLength > ZV_ITEM_TEXT_UNITS) itemLength = ZV_ITEM_TEXT_UNITS;
     if (std::min(itemLength, limit) != itemLength) return false;
     ZvChar name[ZV_ITEM_TEXT_UNITS];

@@ -1,5 +1,6 @@
 // @WEEKU, @WEEKV and @WEEKW: a year, a week number and a day of the week,
 // as the week formats write them, read back into a day count.
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -64,7 +65,7 @@ int32_t readWeekEntry(FormatCall *call, WeekMode mode) {
     int64_t length = call->inputLength;
     if (call->fieldLimit < length) length = call->fieldLimit;
     const ZvChar *text = static_cast<const ZvChar *>(call->input);
-    if (length < 0 || !text) length = 0;
+    length = text ? std::max<int64_t>(length, 0) : 0;
     length = lengthWithoutTrailingBlanks(text, length);
     if (length <= 0) return ZV_UNREADABLE;
 
@@ -83,7 +84,7 @@ int32_t readWeekText(const ZvChar *text, int64_t length, const ZvChar *letter, d
 }
 
 int32_t readWeekText(const ZvChar *text, int64_t length, WeekMode mode, double *cutoffInOut) {
-    if (!text || length < 0) length = 0;
+    length = text ? std::max<int64_t>(length, 0) : 0;
     Part year, week, extraWeek, day;
     int weeksMet = 0;
     for (int64_t i = 0; i < length; ++i) {

@@ -59,12 +59,12 @@ int32_t runByteEntry(ZvWideEntry wide, Justify mark, FormatCall *call, FormatCal
     int32_t status = wide(&copy, opaque);
     if (!wroteNothing(status, copy.outputLength)) {
         int64_t units = copy.outputLength;
-        if (units < 0) units = 0;
+        units = std::max<int64_t>(units, 0);
         if (units > bufferUnits) units = bufferUnits;
 
         // The field is `width` bytes, and never more than the target holds.
         int64_t field = std::min(source->width, source->outputCapacity);
-        if (field < 0) field = 0;
+        field = std::max<int64_t>(field, 0);
         auto *target = static_cast<unsigned char *>(source->output);
 
         int64_t produced = 0;
@@ -83,7 +83,7 @@ int32_t runByteEntry(ZvWideEntry wide, Justify mark, FormatCall *call, FormatCal
                 if (lead > 0) {
                     status = transcodeInto(call->transcoder, buffer + lead, units - lead, target,
                                            field, &produced);
-                    if (produced < 0) produced = 0;
+                    produced = std::max<int64_t>(produced, 0);
                     if (produced > field) produced = field;
                     std::memmove(target + (field - produced), target, size_t(produced));
                     std::memset(target, ' ', size_t(field - produced));

@@ -38,7 +38,7 @@ uint32_t hostBytes(HostTranscoder *t, const ZvChar *text, int64_t units) {
     unsigned char scratch[kTextUnits];
     int64_t produced = 0;
     t->ops->transcode(t, text, units * 2, scratch, sizeof scratch, &produced, 0);
-    if (produced < 0) produced = 0;
+    produced = std::max<int64_t>(produced, 0);
     return static_cast<uint32_t>(produced);
 }
 
@@ -46,7 +46,7 @@ void decodeItem(LocaleItem &item, int k, const uint8_t *record, HostTranscoder *
                 HostTranscoder *host) {
     item.id = static_cast<uint32_t>(k);
     int n = record[0] | (record[1] << 8);
-    if (n > kTextUnits) n = kTextUnits;
+    n = std::min<int64_t>(n, kTextUnits);
     const uint8_t *src = record + 2;
 
     ZvChar work[kTextUnits] = {};
@@ -288,7 +288,7 @@ uint32_t patternWidth(const LocaleBlock &b, const LocaleItem &item, HostTranscod
     int64_t produced = 0;
     if (t) {
         t->ops->transcode(t, work, int64_t(n) * 2, bytes, sizeof bytes, &produced, 0);
-        if (produced < 0) produced = 0;
+        produced = std::max<int64_t>(produced, 0);
         if (produced > int64_t(sizeof bytes)) produced = sizeof bytes;
     } else {
         for (int i = 0; i < n; ++i) bytes[i] = work[i] < 0x100 ? static_cast<unsigned char>(work[i]) : '?';

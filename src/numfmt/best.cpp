@@ -153,7 +153,7 @@ int32_t writeBestFit(FormatCall *call) {
         lead = 0;
         produced = field;
     }
-    if (produced < 0) produced = 0;
+    produced = std::max<int64_t>(produced, 0);
     if (produced > n) produced = n;
     call->outputLength = static_cast<int32_t>(lead + produced);
     return status;
@@ -182,7 +182,7 @@ int32_t writeSignificant(FormatCall *call, ExtensionInstance *instance) {
     int64_t produced = call->outputCapacity;
     const int32_t status = askFormatNumber(currentLocaleOf(call, instance), value, width, form.decimals,
                                            form.flags, out, capacity, &produced);
-    if (produced < 0) produced = 0;
+    produced = std::max<int64_t>(produced, 0);
     if (produced > capacity) produced = capacity;
     if (status == kHostNotPlain) {
         call->outputLength = static_cast<int32_t>(produced);

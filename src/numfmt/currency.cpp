@@ -81,7 +81,7 @@ int64_t currencyMark(FormatCall *call, const CurrencyRow &row, CurrencyForm form
         std::memcpy(mark, row.code, size_t(length) * sizeof(ZvChar));
     } else {
         length = decodeRowSymbol(row, call, mark);
-        if (length < 0) length = 0;
+        length = std::max<int64_t>(length, 0);
         if (length > kWork) length = kWork;
     }
     return length;

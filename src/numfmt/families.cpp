@@ -94,7 +94,7 @@ int32_t fixedGroupedNumber(FormatCall *call, ExtensionInstance *instance) {
     int64_t produced = call->outputCapacity;
     int32_t status = askFormatNumber(formatter, inputValue(call), call->width, call->decimals, ZV_NUMBER_GROUPED,
                               out, capacity, &produced);
-    if (produced < 0) produced = 0;
+    produced = std::max<int64_t>(produced, 0);
     if (produced > capacity) produced = capacity;
     if (produced != call->width && produced < call->outputCapacity && out) {
         // Right-justify what came within the field.
@@ -121,7 +121,7 @@ int32_t fixedPlainNumber(FormatCall *call) {
         fillBounded(out, call->outputCapacity, u'*', call->width);
         produced = call->width;
     }
-    if (produced < 0) produced = 0;
+    produced = std::max<int64_t>(produced, 0);
     call->outputLength = static_cast<int32_t>(produced);
     return status;
 }
@@ -148,7 +148,7 @@ int32_t fixedPercent(FormatCall *call) {
         askFormatNumber(call->locale, std::fabs(value) * kPercentScale, call->width - kPercentDecoration,
                         call->decimals, ZV_NUMBER_PLAIN, out + 1, call->outputCapacity - kPercentDecoration,
                         &produced);
-    if (produced < 0) produced = 0;
+    produced = std::max<int64_t>(produced, 0);
     if (produced > call->outputCapacity - kPercentDecoration) produced = call->outputCapacity - kPercentDecoration;
     if (status != 0 && status != kHostPercentAccepted && status != kHostNotPlain) {
         call->outputLength = static_cast<int32_t>(produced);

@@ -59,7 +59,7 @@ int32_t readCurrencyAmount(FormatCall *call, const CurrencyRow &row, ExtensionIn
         if (markLength > 0) std::memcpy(mark, row.code, size_t(markLength) * sizeof(ZvChar));
     } else {
         markLength = decodeRowSymbol(row, call, mark);
-        if (markLength < 0) markLength = 0;
+        markLength = std::max<int64_t>(markLength, 0);
         if (markLength > kMarkUnits) markLength = kMarkUnits;
     }
 

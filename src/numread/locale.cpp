@@ -24,7 +24,7 @@ struct ReadText {
     void take(const FormatCall *call, int64_t length) {
         if (length > call->width) length = call->width;
         if (length > kReadUnits) length = kReadUnits;
-        if (length < 0 || !call->input) length = 0;
+        length = call->input ? std::max<int64_t>(length, 0) : 0;
         n = length;
         if (n > 0) std::memcpy(c, call->input, size_t(n) * sizeof(ZvChar));
     }
@@ -166,10 +166,10 @@ int64_t roundTrip(FormatCall *call, int64_t units) {
     unsigned char bytes[256];
     int64_t capacity = call->width;
     if (capacity > int64_t(sizeof bytes)) capacity = sizeof bytes;
-    if (capacity < 0) capacity = 0;
+    capacity = std::max<int64_t>(capacity, 0);
     int64_t produced = 0;
     out->ops->transcode(out, call->input, units * 2, bytes, capacity, &produced, 0);
-    if (produced < 0) produced = 0;
+    produced = std::max<int64_t>(produced, 0);
     if (produced > capacity) produced = capacity;
 
     // The way back: the host's transcoder for the encoding, which reads it into
@@ -200,7 +200,7 @@ int64_t roundTrip(FormatCall *call, int64_t units) {
 // block, and run the locale reader.
 int32_t readFront(FormatCall *call, const NumberReadRow &row) {
     int64_t n = std::min(call->inputLength, call->fieldLimit);
-    if (n < 0 || !call->input) n = 0;
+    n = call->input ? std::max<int64_t>(n, 0) : 0;
     n = lengthWithoutTrailingBlanks(static_cast<const ZvChar *>(call->input), n);
     if (n <= 0) return ZV_UNREADABLE;
 

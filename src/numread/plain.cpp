@@ -74,7 +74,7 @@ bool takeText(FormatCall *call, PlainText &text, int32_t *status) {
     if (*status != 0) return false;
     storeValue(call, missingValue());
     int64_t length = std::min(call->inputLength, call->width);
-    if (length < 0 || !call->input) length = 0;
+    length = call->input ? std::max<int64_t>(length, 0) : 0;
     const auto *in = static_cast<const ZvChar *>(call->input);
     // Leading blanks don't count against the room.
     int64_t lead = 0;

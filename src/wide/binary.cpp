@@ -132,7 +132,7 @@ constexpr char kBase64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqr
 
 template <typename Unit>
 int32_t encodeBase64(HostPool *pool, const Unit *source, int64_t length, ZvChar **target, int64_t *produced) {
-    if (length < 0 || !source) length = 0;
+    length = source ? std::max<int64_t>(length, 0) : 0;
     const bool owned = *target == nullptr;
     if (owned) {
         const uint64_t units = static_cast<uint64_t>((length + 2) / 3) * 4 + 1;
@@ -294,7 +294,7 @@ int32_t readUuid(FormatCall *call, void *) {
     int64_t count = kUuidBytes;
     if (call->width < count) count = call->width;
     if (call->outputCapacity < count) count = call->outputCapacity;
-    if (count < 0) count = 0;
+    count = std::max<int64_t>(count, 0);
     if (count > 0) std::memcpy(call->output, bytes, static_cast<size_t>(count));
     call->outputLength = static_cast<int32_t>(count);
     return 0;

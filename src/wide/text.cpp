@@ -70,7 +70,7 @@ int64_t firstOther(const ZvChar *text, int64_t length, ZvChar c) {
 // A null set or a negative setLength is an empty set.
 int64_t firstNotIn(const ZvChar *text, int64_t length, const ZvChar *set, int64_t setLength) {
     if (!text) return -1;
-    if (!set || setLength < 0) setLength = 0;
+    setLength = set ? std::max<int64_t>(setLength, 0) : 0;
     for (int64_t i = 0; i < length; ++i)
         if (!inSet(text[i], set, setLength)) return i;
     return -1;
@@ -126,7 +126,7 @@ int64_t copyPadded(const ZvChar *source, int64_t sourceLength, ZvChar *target,
     const bool zeroEnded = targetLength < 0;
     const int64_t room = zeroEnded ? -1 - targetLength : targetLength;
     int64_t n = source && sourceLength > 0 ? sourceLength : 0;
-    if (n > room) n = room;
+    n = std::min<int64_t>(n, room);
     moveChars(target, source, n);
     if (zeroEnded)
         target[n] = 0;
@@ -207,7 +207,7 @@ int32_t unsignedToText(uint64_t value, int base, bool upperCase, ZvChar *target,
     static constexpr char kUpper[] = "0123456789ABCDEF";
     static constexpr char kLower[] = "0123456789abcdef";
     if (base < 2) base = 10;
-    if (base > 16) base = 16;
+    base = std::min<int64_t>(base, 16);
     const char *digits = upperCase ? kUpper : kLower;
     ZvChar buffer[64];
     int64_t count = 0;

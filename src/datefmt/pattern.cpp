@@ -18,16 +18,16 @@ namespace {
 
 // The fields of one value, worked out before the walk.
 struct Fields {
-    bool hasDate = false;
-    double day = 0;
-    int64_t year = 0;
-    int month = 0;      // 1..12
-    int dayOfMonth = 0; // 1..31
-    int dayOfYear = 0;  // 1 January is 1
+    bool hasDate{};
+    double day{};
+    int64_t year{};
+    int month{};        // 1..12
+    int dayOfMonth{};   // 1..31
+    int dayOfYear{};    // 1 January is 1
     int weekday = -1;   // 0 Sunday .. 6 Saturday; -1 without a date
-    bool hasHour = false, hasMinute = false, hasSecond = false;
-    double hour = 0, minute = 0, second = 0;
-    double twelve = 0; // the 12-hour figure
+    bool hasHour{}, hasMinute{}, hasSecond{};
+    double hour{}, minute{}, second{};
+    double twelve{}; // the 12-hour figure
 };
 
 // Output of the walk, bounded by its 512 units.

@@ -63,6 +63,9 @@ TEST_F(Readers, PlainReadersAgreeWithStrtod) {
     int32_t status = 0;
     plain(zv::readPlainPercent, "(%)", 0, &status);
     EXPECT_EQ(status, 999);
+    // A lone period is a missing value, read as such.
+    EXPECT_EQ(std::bit_cast<uint64_t>(plain(zv::readPlainPercent, ".%", 0, &status)), ZV_MISSING_BITS);
+    EXPECT_EQ(status, 0);
     // A text longer than the reader's own room is copied into the call's memory; without it the reader says so.
     const std::string digits(300, '7');
     EXPECT_EQ(plain(zv::readPlainNumber, digits, 0, &status, 300), std::strtod(digits.c_str(), nullptr));

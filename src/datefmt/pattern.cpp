@@ -328,18 +328,15 @@ void putMinute(Walk &w, ZvChar pad) {
 }
 
 // The year in two steps of two digits, always with zeros; or its last two.
+// The calendar's range and every calendar of item 5 keep it positive.
 void putYear(Walk &w, const Directive &d) {
     if (w.calendarOn) w.shownYear = calendarYear(w.shownYear, w.f.day, w.block);
-    const int64_t y = w.shownYear;
+    const auto y = static_cast<uint32_t>(w.shownYear);
     if (d.lower) {
         w.out.digits(y % 100, 2, d.pad);
-    } else if (y >= 0 && y <= UINT32_MAX) {
-        const auto u = static_cast<uint32_t>(y);
-        w.out.pair(u / 100 % 100);
-        w.out.pair(u % 100);
     } else {
-        w.out.digits((y / 100) % 100, 2, u'0');
-        w.out.digits(y % 100, 2, u'0');
+        w.out.pair(y / 100 % 100);
+        w.out.pair(y % 100);
     }
 }
 

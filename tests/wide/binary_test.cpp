@@ -155,6 +155,9 @@ TEST(Readers, HexAndBitBytesComeBack) {
         ASSERT_EQ(zv::hexToBytes(text.data(), int64_t(text.size()), &cursor), 0) << n;
         ASSERT_EQ(Bytes(out.data(), cursor), bytes) << n;
         ASSERT_EQ(*cursor, lone < 16 ? lone << 4 : 0xA5) << n;
+        Bytes reversed = bytes;
+        zv::reverseBytes(reversed.data(), int64_t(reversed.size()));
+        ASSERT_EQ(reversed, Bytes(bytes.rbegin(), bytes.rend())) << n;
 
         const uint8_t tailValue = uint8_t(rng() & ((1u << tail) - 1));
         for (int i = tail - 1; i >= 0; --i) bits += (tailValue >> i) & 1 ? u'1' : u'0';

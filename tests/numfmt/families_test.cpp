@@ -29,6 +29,33 @@ TEST_F(Numbers, FixedForms) {
     for (const Case &c : cases) EXPECT_EQ(run(c.row, c.value, c.width, c.decimals, c.changes), c.want) << c.row << c.value;
 }
 
+// A host whose grouped numbers come left-justified, short of the field: the
+// fixed forms still set them at the field's end.
+HostLocale *realFormatter = nullptr;
+int32_t shortAnswer(HostLocale *, double v, int32_t w, int32_t d, uint32_t flags, ZvChar *t, int64_t cap, int64_t *produced) {
+    const int32_t status = realFormatter->ops->formatNumber(realFormatter, v, w, d, flags, t, cap, produced);
+    const int64_t lead = std::min<int64_t>(*produced, std::u16string_view(t, size_t(std::max<int64_t>(*produced, 0))).find_first_not_of(u' '));
+    std::memmove(t, t + lead, size_t(*produced - lead) * sizeof(ZvChar));
+    *produced -= lead;
+    return status;
+}
+
+TEST_F(Numbers, HostsThatAnswerShortOfTheField) {
+    for (auto [row, item] : {std::pair{"NLNUM", 183}, {"NLMNY", 170}})
+        for (double v : {1234.5, -0.5, 12.0})
+            for (int width : {6, 10, 14}) {
+                const std::string want = run(row, v, width, 2, {{item, ""}});
+                HostAnchor *a = host.anchor();
+                realFormatter = a->numberFormatter;
+                HostLocaleOps ops = *realFormatter->ops;
+                ops.formatNumber = shortAnswer;
+                HostLocale shortHost{&ops};
+                a->numberFormatter = &shortHost;
+                EXPECT_EQ(run(row, v, width, 2, {{item, ""}}), want) << row << " " << v << " " << width;
+                a->numberFormatter = realFormatter;
+            }
+}
+
 // NLD: the decimals that keep the significant digits asked for (3 when none
 // are), from the value's exponent and the field's room; else the best fit,
 // a short one filled with zeros to the whole field.

@@ -77,6 +77,7 @@ TEST_F(Informats, Cases) {
     const struct { const char *informat, *text; int32_t status; double value; } cases[] = {
         {"@NLDATE", "December 31, 1581", 999, kMiss}, {"@NLDATE", "January 1, 1582", 0, -138061},
         {"@NLDATE", "01-JAN-2000", 0, 14610}, {"@NLDATE", "31FEB2000", 0, kMiss}, {"@NLDATE", "xyz", 999, no},
+        {"@NLDATE", "Tuesday", 999, kMiss}, {"@NLDATM", "Tuesday", 999, no}, // a weekday alone is no date
         {"@NLDATE", "   ", 1, no}, {"@NLDATM", "March 5, 2024 25:00:00", 0, at + 90000},
         {"@NLDATM", "01JAN2000:12:30:15.25", 0, 14610 * 86400.0 + 45015.25}, {"@NLDATM", "01JAN2000:12", 999, no},
         {"@NLTIME", "12:30", 0, 45000}, {"@NLTIMAP", "25:00:00", 0, 90000}, {"@NLTIME", "abcde", 999, kMiss}};

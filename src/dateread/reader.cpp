@@ -181,30 +181,41 @@ struct PatternCut {
     ZvChar order[kOrderLetters] = {u' ', u' ', u' '};
     int orderCount = 0;
     // The literals apart, each with the count of fields before it: the text
-    // cutter looks for them at every place.
+    // cutter looks for them at every place. The first character of each,
+    // folded, also stands in a bit set by its low bits, so that most
+    // characters of a text are passed over at once.
     struct Literal {
         int32_t start, length, fieldsBefore;
+        ZvChar first; // folded
     };
     Literal literals[kMaxTokens];
     int32_t literalCount = 0;
+    uint64_t firsts = 0;
 
-    void store(int64_t start, int64_t length, int32_t kind) {
-        if (count >= kMaxTokens) return;
-        if (kind == kLiteral) {
-            const int32_t fields = count - literalCount;
-            literals[literalCount++] = Literal{static_cast<int32_t>(start), static_cast<int32_t>(length), fields};
-        }
-        tokens[count++] = PatternToken{static_cast<int32_t>(start), static_cast<int32_t>(length), kind};
-    }
+    static uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
 };
 
 // Cuts the pattern: blanks separate literals and match nothing themselves;
 // "%" and a directive letter give a field token; "%" with any other
-// character begins a literal.
+// character begins a literal. The counts are kept apart from the token
+// lists while the pattern is walked, and stored at the end.
 void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
+    int32_t count = 0, literalCount = 0;
+    uint64_t firsts = 0;
+    auto store = [&](int64_t start, int64_t length, int32_t kind) {
+        if (count >= kMaxTokens) return;
+        if (kind == kLiteral) {
+            const ZvChar first = foldUpperChar(pattern[start]);
+            cut.literals[literalCount] = PatternCut::Literal{static_cast<int32_t>(start), static_cast<int32_t>(length),
+                                                             count - literalCount, first};
+            ++literalCount;
+            firsts |= PatternCut::firstBit(first);
+        }
+        cut.tokens[count++] = PatternToken{static_cast<int32_t>(start), static_cast<int32_t>(length), kind};
+    };
     int64_t pending = -1; // where the literal under way began
     auto flush = [&](int64_t at) {
-        if (pending >= 0 && at > pending) cut.store(pending, at - pending, kLiteral);
+        if (pending >= 0 && at > pending) store(pending, at - pending, kLiteral);
         pending = -1;
     };
     for (int64_t i = 0; i < patternLength;) {
@@ -222,13 +233,13 @@ void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
         flush(i);
         // A "%" at the end, or the first of "%%", is a literal of its own.
         if (i == patternLength - 1 || pattern[i + 1] == u'%') {
-            cut.store(i, 1, kLiteral);
+            store(i, 1, kLiteral);
             ++i;
             continue;
         }
         const int32_t kind = kindOfLetter(pattern[i + 1]);
         if (kind >= 0) {
-            cut.store(i + 1, 1, kind);
+            store(i + 1, 1, kind);
             const ZvChar letter = orderLetterOf(kind);
             if (letter && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter;
         } else {
@@ -237,6 +248,9 @@ void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
         i += 2;
     }
     flush(patternLength);
+    cut.count = count;
+    cut.literalCount = literalCount;
+    cut.firsts = firsts;
 }
 
 // Does the pattern name its date fields in the locale's own order? A
@@ -258,64 +272,101 @@ bool isHebrew(const LocaleBlock *block) {
 // The cutter's place in the text. `splits` counts the tokens ended by a
 // blank, a separator or a change of class; a literal of the pattern is
 // looked for only where the tokens seen so far, give or take those, line
-// up with the fields before it.
+// up with the fields before it. The count of tokens is kept here, apart
+// from the list, while the text is walked.
 struct TextCutter {
     int64_t cursor = 0;
     int64_t tokenStart = 0;
     TokenClass tokenClass = kNoClass;
+    int32_t n = 0;
     int32_t splits = 0;
 
     bool tokenOpen() const { return tokenStart < cursor; }
 };
 
-void storeToken(Reader &rd, int64_t start, int64_t end, TokenClass cls) {
-    if (rd.n < kMaxTokens)
-        rd.tokens[rd.n++] = TextToken{static_cast<int32_t>(start), static_cast<int32_t>(end - start), cls, 0};
+void storeToken(Reader &rd, TextCutter &tc, int64_t start, int64_t end, TokenClass cls) {
+    if (tc.n < kMaxTokens)
+        rd.tokens[tc.n++] = TextToken{static_cast<int32_t>(start), static_cast<int32_t>(end - start), cls, 0};
 }
 
 // Ends the token under way, if any, as one split off by something between.
 void splitToken(Reader &rd, TextCutter &tc) {
     if (tc.tokenOpen()) {
-        storeToken(rd, tc.tokenStart, tc.cursor, tc.tokenClass);
+        storeToken(rd, tc, tc.tokenStart, tc.cursor, tc.tokenClass);
         ++tc.splits;
     }
 }
 
 // The length of the pattern literal that stands in the text at the cursor,
-// or -1 when none is due there.
-int64_t literalAt(const Reader &rd, const TextCutter &tc, const ZvChar *pattern, const PatternCut &cut) {
+// or -1 when none is due there. `folded` is the character at the cursor,
+// folded; a literal whose first character differs is passed over without
+// a compare.
+int64_t literalAt(const Reader &rd, const TextCutter &tc, ZvChar folded, const ZvChar *pattern,
+                  const PatternCut &cut) {
     const int32_t open = tc.tokenOpen() ? 1 : 0;
+    const int32_t low = tc.n + open - tc.splits, high = tc.n + open + tc.splits;
     for (int32_t k = 0; k < cut.literalCount; ++k) {
         const PatternCut::Literal &pt = cut.literals[k];
-        if (pt.fieldsBefore < rd.n + open - tc.splits) continue;
-        if (pt.fieldsBefore > rd.n + open + tc.splits) return -1;
+        if (pt.fieldsBefore < low) continue;
+        if (pt.fieldsBefore > high) return -1;
+        if (pt.first != folded) continue;
         const int64_t len = pt.length;
         const int64_t rest = rd.textLength - tc.cursor;
-        if (sameFolded(rd.text + tc.cursor, pattern + pt.start, len < rest ? len : rest)) return len;
+        int64_t span = len < rest ? len : rest;
+        if (span > kFoldRoom) span = kFoldRoom;
+        if (span <= 1 || sameFolded(rd.text + tc.cursor + 1, pattern + pt.start + 1, span - 1)) return len;
     }
     return -1;
 }
 
 bool isSeparator(ZvChar c) { return c == u'.' || c == u'-' || c == u':' || c == u'/'; }
 
+// Could a literal of the pattern begin with this character?
+bool mayBeginLiteral(const PatternCut &cut, ZvChar folded) { return (cut.firsts & PatternCut::firstBit(folded)) != 0; }
+
+// Where the run of characters from `from` on ends that would each only
+// join the token under way, of class `cls`: no blank, no literal's first
+// character, no separator that splits, no change of class.
+int64_t endOfPlainRun(const ZvChar *text, int64_t from, int64_t length, TokenClass cls, const PatternCut &cut,
+                      bool separatorsSplit) {
+    int64_t i = from;
+    if (cls == kDigits) {
+        while (i < length && isAsciiDigit(text[i]) && !mayBeginLiteral(cut, text[i])) ++i;
+        return i;
+    }
+    while (i < length) {
+        const ZvChar c = text[i];
+        if (c == u' ' || isAsciiDigit(c) || (separatorsSplit && isSeparator(c)) ||
+            mayBeginLiteral(cut, foldUpperChar(c)))
+            break;
+        ++i;
+    }
+    return i;
+}
+
 // Cuts the text at blanks, at the pattern's literals, at separators (when
 // `separatorsSplit`) and where digits meet other characters.
 void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, bool separatorsSplit) {
     TextCutter tc;
+    const ZvChar *text = rd.text;
+    const int64_t length = rd.textLength;
     // Once the list is full nothing further in the text can change the answer.
-    while (tc.cursor < rd.textLength && rd.n < kMaxTokens) {
-        const ZvChar c = rd.text[tc.cursor];
+    while (tc.cursor < length && tc.n < kMaxTokens) {
+        const ZvChar c = text[tc.cursor];
         if (c == u' ') {
             splitToken(rd, tc);
             tc.tokenStart = ++tc.cursor;
             continue;
         }
-        const int64_t literal = literalAt(rd, tc, pattern, cut);
-        if (literal >= 0) {
-            if (tc.tokenOpen()) storeToken(rd, tc.tokenStart, tc.cursor, tc.tokenClass);
-            tc.cursor += literal;
-            tc.tokenStart = tc.cursor;
-            continue;
+        const ZvChar folded = foldUpperChar(c);
+        if (mayBeginLiteral(cut, folded)) {
+            const int64_t literal = literalAt(rd, tc, folded, pattern, cut);
+            if (literal >= 0) {
+                if (tc.tokenOpen()) storeToken(rd, tc, tc.tokenStart, tc.cursor, tc.tokenClass);
+                tc.cursor += literal;
+                tc.tokenStart = tc.cursor;
+                continue;
+            }
         }
         if (separatorsSplit && isSeparator(c)) {
             splitToken(rd, tc);
@@ -328,10 +379,11 @@ void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, bool sepa
             tc.tokenStart = tc.cursor;
         }
         tc.tokenClass = now;
-        ++tc.cursor;
+        // The characters behind that only lengthen the token are taken at once.
+        tc.cursor = endOfPlainRun(text, tc.cursor + 1, length, now, cut, separatorsSplit);
     }
-    if (tc.tokenStart < rd.textLength && rd.n < kMaxTokens)
-        storeToken(rd, tc.tokenStart, rd.textLength, tc.tokenClass);
+    if (tc.tokenStart < length && tc.n < kMaxTokens) storeToken(rd, tc, tc.tokenStart, length, tc.tokenClass);
+    rd.n = tc.n;
 }
 
 // ---- AM and PM ----------------------------------------------------------------

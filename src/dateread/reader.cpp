@@ -174,16 +174,18 @@ void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t c
 // ---- the pattern's tokens ---------------------------------------------------
 
 // The pattern cut into tokens, with the date fields in the order it names
-// them (up to three of Y, M and D; blanks for the rest).
+// them (up to three of Y, M and D; blanks for the rest). The directives and
+// the literals are kept in two lists: the walk takes only the directives,
+// the text cutter looks only for the literals. Together they count against
+// the limit of tokens.
 struct PatternCut {
-    PatternToken tokens[kMaxTokens];
+    PatternToken tokens[kMaxTokens]; // the directives
     int32_t count = 0;
     ZvChar order[kOrderLetters] = {u' ', u' ', u' '};
     int orderCount = 0;
-    // The literals apart, each with the count of fields before it: the text
-    // cutter looks for them at every place. The first character of each,
-    // folded, also stands in a bit set by its low bits, so that most
-    // characters of a text are passed over at once.
+    // Each literal with the count of directives before it. The first
+    // character of each, folded, also stands in a bit set by its low bits,
+    // so that most characters of a text are passed over at once.
     struct Literal {
         int32_t start, length, fieldsBefore;
         ZvChar first; // folded
@@ -197,25 +199,21 @@ struct PatternCut {
 
 // Cuts the pattern: blanks separate literals and match nothing themselves;
 // "%" and a directive letter give a field token; "%" with any other
-// character begins a literal. The counts are kept apart from the token
-// lists while the pattern is walked, and stored at the end.
+// character begins a literal. The counts are kept apart from the lists
+// while the pattern is walked, and stored at the end.
 void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
     int32_t count = 0, literalCount = 0;
     uint64_t firsts = 0;
-    auto store = [&](int64_t start, int64_t length, int32_t kind) {
-        if (count >= kMaxTokens) return;
-        if (kind == kLiteral) {
-            const ZvChar first = foldUpperChar(pattern[start]);
-            cut.literals[literalCount] = PatternCut::Literal{static_cast<int32_t>(start), static_cast<int32_t>(length),
-                                                             count - literalCount, first};
-            ++literalCount;
-            firsts |= PatternCut::firstBit(first);
-        }
-        cut.tokens[count++] = PatternToken{static_cast<int32_t>(start), static_cast<int32_t>(length), kind};
+    auto storeLiteral = [&](int64_t start, int64_t length) {
+        if (count + literalCount >= kMaxTokens) return;
+        const ZvChar first = foldUpperChar(pattern[start]);
+        cut.literals[literalCount++] =
+            PatternCut::Literal{static_cast<int32_t>(start), static_cast<int32_t>(length), count, first};
+        firsts |= PatternCut::firstBit(first);
     };
     int64_t pending = -1; // where the literal under way began
     auto flush = [&](int64_t at) {
-        if (pending >= 0 && at > pending) store(pending, at - pending, kLiteral);
+        if (pending >= 0 && at > pending) storeLiteral(pending, at - pending);
         pending = -1;
     };
     for (int64_t i = 0; i < patternLength;) {
@@ -233,17 +231,18 @@ void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
         flush(i);
         // A "%" at the end, or the first of "%%", is a literal of its own.
         if (i == patternLength - 1 || pattern[i + 1] == u'%') {
-            store(i, 1, kLiteral);
+            storeLiteral(i, 1);
             ++i;
             continue;
         }
         const int32_t kind = kindOfLetter(pattern[i + 1]);
-        if (kind >= 0) {
-            store(i + 1, 1, kind);
+        if (kind < 0) {
+            pending = i;
+        } else {
+            // A directive beyond the limit is dropped but still names its field.
+            if (count + literalCount < kMaxTokens) cut.tokens[count++] = PatternToken{static_cast<int32_t>(i + 1), 1, kind};
             const ZvChar letter = orderLetterOf(kind);
             if (letter && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter;
-        } else {
-            pending = i;
         }
         i += 2;
     }
@@ -527,7 +526,6 @@ bool walkFields(const Reader &rd, const ZvChar *pattern, const PatternCut &cut, 
     Walk w;
     for (int32_t k = 0; k < cut.count; ++k) {
         const PatternToken &pt = cut.tokens[k];
-        if (pt.kind == kLiteral) continue;
         bool failed = false;
         if (!nextToken(rd, w, &failed)) {
             if (failed) return false;

@@ -204,49 +204,43 @@ struct PatternCut {
 void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
     int32_t count = 0, literalCount = 0;
     uint64_t firsts = 0;
-    auto storeLiteral = [&](int64_t start, int64_t length) {
+    auto storeLiteral = [&](int64_t start, int64_t end) {
         if (count + literalCount >= kMaxTokens) return;
         const ZvChar first = foldUpperChar(pattern[start]);
         cut.literals[literalCount++] =
-            PatternCut::Literal{static_cast<int32_t>(start), static_cast<int32_t>(length), count, first};
+            PatternCut::Literal{static_cast<int32_t>(start), static_cast<int32_t>(end - start), count, first};
         firsts |= PatternCut::firstBit(first);
-    };
-    int64_t pending = -1; // where the literal under way began
-    auto flush = [&](int64_t at) {
-        if (pending >= 0 && at > pending) storeLiteral(pending, at - pending);
-        pending = -1;
     };
     for (int64_t i = 0; i < patternLength;) {
         const ZvChar c = pattern[i];
         if (c == u' ') {
-            flush(i);
             ++i;
             continue;
         }
-        if (c != u'%') {
-            if (pending < 0) pending = i;
-            ++i;
-            continue;
+        int64_t end = i + 1; // where the literal that begins here has run so far
+        if (c == u'%') {
+            // A "%" at the end, or the first of "%%", is a literal of its own.
+            if (i == patternLength - 1 || pattern[i + 1] == u'%') {
+                storeLiteral(i, i + 1);
+                ++i;
+                continue;
+            }
+            const int32_t kind = kindOfLetter(pattern[i + 1]);
+            if (kind >= 0) {
+                // A directive beyond the limit is dropped but still names its field.
+                if (count + literalCount < kMaxTokens)
+                    cut.tokens[count++] = PatternToken{static_cast<int32_t>(i + 1), 1, kind};
+                const ZvChar letter = orderLetterOf(kind);
+                if (letter && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter;
+                i += 2;
+                continue;
+            }
+            end = i + 2; // "%" and the character behind it begin a literal
         }
-        flush(i);
-        // A "%" at the end, or the first of "%%", is a literal of its own.
-        if (i == patternLength - 1 || pattern[i + 1] == u'%') {
-            storeLiteral(i, 1);
-            ++i;
-            continue;
-        }
-        const int32_t kind = kindOfLetter(pattern[i + 1]);
-        if (kind < 0) {
-            pending = i;
-        } else {
-            // A directive beyond the limit is dropped but still names its field.
-            if (count + literalCount < kMaxTokens) cut.tokens[count++] = PatternToken{static_cast<int32_t>(i + 1), 1, kind};
-            const ZvChar letter = orderLetterOf(kind);
-            if (letter && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter;
-        }
-        i += 2;
+        while (end < patternLength && pattern[end] != u' ' && pattern[end] != u'%') ++end;
+        storeLiteral(i, end);
+        i = end;
     }
-    flush(patternLength);
     cut.count = count;
     cut.literalCount = literalCount;
     cut.firsts = firsts;

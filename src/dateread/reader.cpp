@@ -117,7 +117,10 @@ struct Reader {
     bool beginsWithItem(int32_t t, const LocaleItem &item) const {
         const int64_t L = item.length;
         if (L <= 0 || textLength - tokens[t].start < L) return false;
-        return sameFolded(text + tokens[t].start, item.text, L);
+        // Most names differ from the text in their first character.
+        const ZvChar *at = text + tokens[t].start;
+        if (at[0] != item.text[0] && foldUpperChar(at[0]) != foldUpperChar(item.text[0])) return false;
+        return sameFolded(at + 1, item.text + 1, (L < kFoldRoom ? L : kFoldRoom) - 1);
     }
 
     // The place, 1-based, of the name in items first .. first+count-1 that
@@ -165,10 +168,11 @@ struct Reader {
 
 // Digits of a token from `from` on, `count` of them, added into `field`.
 void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t count, int64_t *field) {
-    for (int32_t i = 0; i < count; ++i) {
-        const int64_t d = text[tok.start + from + i] - u'0';
-        if (*field < kFieldCeiling) *field = *field * 10 + d;
-    }
+    const ZvChar *digits = text + tok.start + from;
+    int64_t value = *field;
+    for (int32_t i = 0; i < count; ++i)
+        if (value < kFieldCeiling) value = value * 10 + (digits[i] - u'0');
+    *field = value;
 }
 
 // ---- the pattern's tokens ---------------------------------------------------

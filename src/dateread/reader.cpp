@@ -316,68 +316,88 @@ int64_t literalAt(const Reader &rd, const TextCutter &tc, ZvChar folded, const Z
     return -1;
 }
 
-bool isSeparator(ZvChar c) { return c == u'.' || c == u'-' || c == u':' || c == u'/'; }
+constexpr ZvChar kSeparators[] = {u'.', u'-', u':', u'/'};
 
-// Could a literal of the pattern begin with this character?
-bool mayBeginLiteral(const PatternCut &cut, ZvChar folded) { return (cut.firsts & PatternCut::firstBit(folded)) != 0; }
+// What a character does to the cutter: it joins a token of digits or of
+// other characters, or it ends the token as a blank or a separator does;
+// the flag says that a literal of the pattern may begin with it.
+enum CharRole : uint8_t {
+    kRoleDigit = kDigits,
+    kRoleOther = kNoDigits,
+    kRoleBlank = 3,
+    kRoleSeparator = 4, // only where separators split
+    kRoleLiteral = 8,
+};
 
-// Where the run of characters from `from` on ends that would each only
-// join the token under way, of class `cls`: no blank, no literal's first
-// character, no separator that splits, no change of class.
-int64_t endOfPlainRun(const ZvChar *text, int64_t from, int64_t length, TokenClass cls, const PatternCut &cut,
-                      bool separatorsSplit) {
-    int64_t i = from;
-    if (cls == kDigits) {
-        while (i < length && isAsciiDigit(text[i]) && !mayBeginLiteral(cut, text[i])) ++i;
-        return i;
+// The roles of the ASCII characters under one pattern; the others are
+// never digits, blanks or separators, and are looked up one by one.
+struct CharRoles {
+    uint8_t ascii[128];
+    uint64_t firsts; // the pattern's bit set of literals' first characters
+
+    uint8_t of(ZvChar c) const {
+        if (c < 128) return ascii[c];
+        return (firsts & PatternCut::firstBit(foldUpperChar(c))) ? kRoleOther | kRoleLiteral : kRoleOther;
     }
-    while (i < length) {
-        const ZvChar c = text[i];
-        if (c == u' ' || isAsciiDigit(c) || (separatorsSplit && isSeparator(c)) ||
-            mayBeginLiteral(cut, foldUpperChar(c)))
-            break;
-        ++i;
+};
+
+constexpr CharRoles kPlainRoles = [] {
+    CharRoles roles{};
+    for (int c = 0; c < 128; ++c) roles.ascii[c] = c == u' ' ? kRoleBlank : c >= u'0' && c <= u'9' ? kRoleDigit : kRoleOther;
+    return roles;
+}();
+
+CharRoles rolesFor(const PatternCut &cut, bool separatorsSplit) {
+    CharRoles roles = kPlainRoles;
+    roles.firsts = cut.firsts;
+    if (separatorsSplit)
+        for (const ZvChar c : kSeparators) roles.ascii[c] = kRoleSeparator;
+    // An ASCII character folds to an ASCII one, and to an upper-case letter
+    // from the lower case too.
+    for (int32_t k = 0; k < cut.literalCount; ++k) {
+        const ZvChar f = cut.literals[k].first;
+        if (f >= 128) continue;
+        roles.ascii[f] |= kRoleLiteral;
+        if (f >= u'A' && f <= u'Z') roles.ascii[f + (u'a' - u'A')] |= kRoleLiteral;
     }
-    return i;
+    return roles;
 }
 
 // Cuts the text at blanks, at the pattern's literals, at separators (when
 // `separatorsSplit`) and where digits meet other characters.
 void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, bool separatorsSplit) {
+    const CharRoles roles = rolesFor(cut, separatorsSplit);
     TextCutter tc;
     const ZvChar *text = rd.text;
     const int64_t length = rd.textLength;
     // Once the list is full nothing further in the text can change the answer.
     while (tc.cursor < length && tc.n < kMaxTokens) {
         const ZvChar c = text[tc.cursor];
-        if (c == u' ') {
-            splitToken(rd, tc);
-            tc.tokenStart = ++tc.cursor;
-            continue;
-        }
-        const ZvChar folded = foldUpperChar(c);
-        if (mayBeginLiteral(cut, folded)) {
-            const int64_t literal = literalAt(rd, tc, folded, pattern, cut);
+        uint8_t role = roles.of(c);
+        if (role & kRoleLiteral) {
+            const int64_t literal = literalAt(rd, tc, foldUpperChar(c), pattern, cut);
             if (literal >= 0) {
                 if (tc.tokenOpen()) storeToken(rd, tc, tc.tokenStart, tc.cursor, tc.tokenClass);
                 tc.cursor += literal;
                 tc.tokenStart = tc.cursor;
                 continue;
             }
+            role &= ~kRoleLiteral;
         }
-        if (separatorsSplit && isSeparator(c)) {
+        if (role == kRoleBlank || role == kRoleSeparator) {
             splitToken(rd, tc);
             tc.tokenStart = ++tc.cursor;
             continue;
         }
-        const TokenClass now = isAsciiDigit(c) ? kDigits : kNoDigits;
+        const TokenClass now = static_cast<TokenClass>(role);
         if (now != tc.tokenClass && tc.tokenOpen()) {
             splitToken(rd, tc);
             tc.tokenStart = tc.cursor;
         }
         tc.tokenClass = now;
         // The characters behind that only lengthen the token are taken at once.
-        tc.cursor = endOfPlainRun(text, tc.cursor + 1, length, now, cut, separatorsSplit);
+        ++tc.cursor;
+        while (tc.cursor < length && roles.of(text[tc.cursor]) == role) ++tc.cursor;
     }
     if (tc.tokenStart < length && tc.n < kMaxTokens) storeToken(rd, tc, tc.tokenStart, length, tc.tokenClass);
     rd.n = tc.n;

@@ -6,7 +6,6 @@
 #include "dateread/dateread.hpp"
 #include "frame/frame.hpp"
 #include "locale/block.hpp"
-#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -343,7 +342,8 @@ struct CharRoles {
 
 constexpr CharRoles kPlainRoles = [] {
     CharRoles roles{};
-    for (int c = 0; c < 128; ++c) roles.ascii[c] = c == u' ' ? kRoleBlank : c >= u'0' && c <= u'9' ? kRoleDigit : kRoleOther;
+    for (int c = 0; c < 128; ++c)
+        roles.ascii[c] = c == u' ' ? kRoleBlank : c >= u'0' && c <= u'9' ? kRoleDigit : kRoleOther;
     return roles;
 }();
 

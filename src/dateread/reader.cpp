@@ -174,6 +174,12 @@ void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t c
     *field = value;
 }
 
+// The marks that split a text where the pattern names the fields in the
+// locale's order.
+constexpr ZvChar kSeparators[] = {u'.', u'-', u':', u'/'};
+
+bool isSeparator(ZvChar c) { return c == u'.' || c == u'-' || c == u':' || c == u'/'; }
+
 // ---- the pattern's tokens ---------------------------------------------------
 
 // The pattern cut into tokens, with the date fields in the order it names
@@ -315,8 +321,6 @@ int64_t literalAt(const Reader &rd, const TextCutter &tc, ZvChar folded, const Z
     return -1;
 }
 
-constexpr ZvChar kSeparators[] = {u'.', u'-', u':', u'/'};
-
 // What a character does to the cutter: it joins a token of digits or of
 // other characters, or it ends the token as a blank or a separator does;
 // the flag says that a literal of the pattern may begin with it.
@@ -340,18 +344,35 @@ struct CharRoles {
     }
 };
 
-constexpr CharRoles kPlainRoles = [] {
+// The roles before any literal, without and with separators that split.
+constexpr CharRoles plainRoles(bool separatorsSplit) {
     CharRoles roles{};
     for (int c = 0; c < 128; ++c)
         roles.ascii[c] = c == u' ' ? kRoleBlank : c >= u'0' && c <= u'9' ? kRoleDigit : kRoleOther;
-    return roles;
-}();
-
-CharRoles rolesFor(const PatternCut &cut, bool separatorsSplit) {
-    CharRoles roles = kPlainRoles;
-    roles.firsts = cut.firsts;
     if (separatorsSplit)
         for (const ZvChar c : kSeparators) roles.ascii[c] = kRoleSeparator;
+    return roles;
+}
+constexpr CharRoles kPlainRoles = plainRoles(false);
+constexpr CharRoles kSplittingRoles = plainRoles(true);
+
+// Each literal of one separator, or none at all?
+bool literalsAreSeparators(const PatternCut &cut) {
+    for (int32_t k = 0; k < cut.literalCount; ++k)
+        if (cut.literals[k].length != 1 || !isSeparator(cut.literals[k].first)) return false;
+    return true;
+}
+
+// The roles under the pattern, made in `roles` or taken from a table.
+// Where separators split, a literal of one separator ends the token just as
+// the separator does, and the tokens come out the same; only the count of
+// splits differs, which no other literal reads when all literals are such.
+// No other character folds to a separator, so none then needs a literal's
+// look, and the table of the separators serves.
+const CharRoles &rolesFor(const PatternCut &cut, bool separatorsSplit, CharRoles &roles) {
+    if (separatorsSplit && literalsAreSeparators(cut)) return kSplittingRoles;
+    roles = separatorsSplit ? kSplittingRoles : kPlainRoles;
+    roles.firsts = cut.firsts;
     // An ASCII character folds to an ASCII one, and to an upper-case letter
     // from the lower case too.
     for (int32_t k = 0; k < cut.literalCount; ++k) {
@@ -363,10 +384,9 @@ CharRoles rolesFor(const PatternCut &cut, bool separatorsSplit) {
     return roles;
 }
 
-// Cuts the text at blanks, at the pattern's literals, at separators (when
-// `separatorsSplit`) and where digits meet other characters.
-void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, bool separatorsSplit) {
-    const CharRoles roles = rolesFor(cut, separatorsSplit);
+// Cuts the text at blanks, at the pattern's literals, at separators (where
+// `roles` makes them split) and where digits meet other characters.
+void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const CharRoles &roles) {
     TextCutter tc;
     const ZvChar *text = rd.text;
     const int64_t length = rd.textLength;
@@ -619,7 +639,8 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
     const bool orderMatches = orderMatchesLocale(block, cut);
 
     Reader rd(block, text, textLength);
-    cutText(rd, pattern, cut, orderMatches && !isHebrew(block));
+    CharRoles made;
+    cutText(rd, pattern, cut, rolesFor(cut, orderMatches && !isHebrew(block), made));
     const AmPm amPm = findAmPm(rd);
 
     Fields fields;

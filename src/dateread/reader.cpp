@@ -176,9 +176,7 @@ void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t c
 
 // The marks that split a text where the pattern names the fields in the
 // locale's order.
-constexpr ZvChar kSeparators[] = {u'.', u'-', u':', u'/'};
-
-bool isSeparator(ZvChar c) { return c == u'.' || c == u'-' || c == u':' || c == u'/'; }
+constexpr bool isSeparator(ZvChar c) { return c == u'.' || c == u'-' || c == u':' || c == u'/'; }
 
 // ---- the pattern's tokens ---------------------------------------------------
 
@@ -347,16 +345,20 @@ struct CharRoles {
 // The roles before any literal, without and with separators that split.
 constexpr CharRoles plainRoles(bool separatorsSplit) {
     CharRoles roles{};
-    for (int c = 0; c < 128; ++c)
-        roles.ascii[c] = c == u' ' ? kRoleBlank : c >= u'0' && c <= u'9' ? kRoleDigit : kRoleOther;
-    if (separatorsSplit)
-        for (const ZvChar c : kSeparators) roles.ascii[c] = kRoleSeparator;
+    for (int i = 0; i < 128; ++i) {
+        const ZvChar c = static_cast<ZvChar>(i);
+        roles.ascii[i] = c == u' '                           ? kRoleBlank
+                         : c >= u'0' && c <= u'9'            ? kRoleDigit
+                         : separatorsSplit && isSeparator(c) ? kRoleSeparator
+                                                             : kRoleOther;
+    }
     return roles;
 }
 constexpr CharRoles kPlainRoles = plainRoles(false);
 constexpr CharRoles kSplittingRoles = plainRoles(true);
 
-// Each literal of one separator, or none at all?
+// Each literal of one separator, or none at all? (A separator folds to
+// itself.)
 bool literalsAreSeparators(const PatternCut &cut) {
     for (int32_t k = 0; k < cut.literalCount; ++k)
         if (cut.literals[k].length != 1 || !isSeparator(cut.literals[k].first)) return false;

@@ -99,6 +99,7 @@ struct Reader {
     int64_t textLength;
     TextToken tokens[kMaxTokens];
     int32_t n = 0;
+    bool anyNoDigits = false; // false: no token without digits was cut, so no mark stands here
 
     // The end test of a name that runs on from token t over L characters:
     // the token where it ends on a token boundary, or -1.
@@ -390,6 +391,7 @@ const CharRoles &rolesFor(const PatternCut &cut, bool separatorsSplit, CharRoles
 // `roles` makes them split) and where digits meet other characters.
 void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const CharRoles &roles) {
     TextCutter tc;
+    bool anyNoDigits = false;
     const ZvChar *text = rd.text;
     const int64_t length = rd.textLength;
     // Once the list is full nothing further in the text can change the answer.
@@ -412,6 +414,7 @@ void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const Cha
             continue;
         }
         const TokenClass now = static_cast<TokenClass>(role);
+        anyNoDigits = anyNoDigits || now == kNoDigits;
         if (now != tc.tokenClass && tc.tokenOpen()) {
             splitToken(rd, tc);
             tc.tokenStart = tc.cursor;
@@ -423,6 +426,7 @@ void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const Cha
     }
     if (tc.tokenStart < length && tc.n < kMaxTokens) storeToken(rd, tc, tc.tokenStart, length, tc.tokenClass);
     rd.n = tc.n;
+    rd.anyNoDigits = anyNoDigits;
 }
 
 // ---- AM and PM ----------------------------------------------------------------
@@ -436,6 +440,7 @@ struct AmPm {
 // counts in every locale, and a later one overrides it.
 AmPm findAmPm(Reader &rd) {
     AmPm found;
+    if (!rd.anyNoDigits) return found;
     const LocaleItem *marks[2] = {&rd.block->items[kItemAm], &rd.block->items[kItemPm]};
     for (int32_t t = 0; t < rd.n; ++t) {
         if (rd.tokens[t].cls != kNoDigits) continue;

@@ -259,13 +259,17 @@ void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
 bool orderMatchesLocale(const LocaleBlock *block, const PatternCut &cut) {
     if (cut.orderCount == 0) return true;
     const LocaleItem &o = block->items[kItemDateOrder];
-    return o.length == kOrderLetters && sameFolded(o.text, cut.order, kOrderLetters);
+    if (o.length != kOrderLetters) return false;
+    // The pattern's letters are upper case and blanks: they fold to themselves.
+    for (int i = 0; i < kOrderLetters; ++i)
+        if (foldUpperChar(o.text[i]) != cut.order[i]) return false;
+    return true;
 }
 
 // In Hebrew the marks between the fields are part of the text, not separators.
 bool isHebrew(const LocaleBlock *block) {
     const LocaleItem &language = block->items[kItemLanguage];
-    return language.length == 2 && sameFolded(language.text, u"he", 2);
+    return language.length == 2 && foldUpperChar(language.text[0]) == u'H' && foldUpperChar(language.text[1]) == u'E';
 }
 
 // ---- the text's tokens ------------------------------------------------------

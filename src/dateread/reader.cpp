@@ -483,17 +483,17 @@ struct Walk {
     int32_t offset = 0;
 };
 
-// Takes up to `most` digits of the run, or the rest of it when no more
-// than `most` are left.
-void takeDigits(const Reader &rd, const TextToken &tok, int32_t most, Walk &w, int64_t *field) {
-    const int32_t rest = tok.length - w.offset;
+// Takes up to `most` digits of the run from `offset` on, or the rest of it
+// when no more than `most` are left; answers the offset behind them, 0 when
+// the run is used up.
+int32_t takeDigits(const ZvChar *text, const TextToken &tok, int32_t most, int32_t offset, int64_t *field) {
+    const int32_t rest = tok.length - offset;
     if (rest > most) {
-        addDigits(rd.text, tok, w.offset, most, field);
-        w.offset += most;
-    } else {
-        addDigits(rd.text, tok, w.offset, rest, field);
-        w.offset = 0;
+        addDigits(text, tok, offset, most, field);
+        return offset + most;
     }
+    addDigits(text, tok, offset, rest, field);
+    return 0;
 }
 
 constexpr int32_t kFullYearDigits = 4;
@@ -504,7 +504,7 @@ constexpr int32_t kMonthDayDigits = 2;
 // full one.
 bool readYear(const Reader &rd, const TextToken &tok, ZvChar letter, bool orderMatches, Walk &w, Fields &f) {
     if (tok.cls != kDigits) return false;
-    takeDigits(rd, tok, letter == u'y' ? kShortYearDigits : kFullYearDigits, w, &f.year);
+    w.offset = takeDigits(rd.text, tok, letter == u'y' ? kShortYearDigits : kFullYearDigits, w.offset, &f.year);
     if (!orderMatches) {
         if (letter == u'y' && !(f.year < 100)) return false;
         if (letter == u'Y' && !(f.year >= 1000)) return false;
@@ -515,7 +515,7 @@ bool readYear(const Reader &rd, const TextToken &tok, ZvChar letter, bool orderM
 // A month as digits or as a name of either list; "0" and "00" go to the
 // lists too, and fail there.
 bool readMonth(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
-    if (tok.cls == kDigits) takeDigits(rd, tok, kMonthDayDigits, w, &f.month);
+    if (tok.cls == kDigits) w.offset = takeDigits(rd.text, tok, kMonthDayDigits, w.offset, &f.month);
     if (f.month == 0) {
         f.month = rd.lookup(&w.t, kItemMonthAbbr, kMonthNames);
         if (f.month == 0 && tok.length >= 3) f.month = rd.lookup(&w.t, kItemMonthFull, kMonthNames);
@@ -525,7 +525,7 @@ bool readMonth(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
 
 bool readDay(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
     if (tok.cls != kDigits) return false;
-    takeDigits(rd, tok, kMonthDayDigits, w, &f.day);
+    w.offset = takeDigits(rd.text, tok, kMonthDayDigits, w.offset, &f.day);
     return f.day >= 1 && f.day <= 31;
 }
 

@@ -614,12 +614,20 @@ int32_t storeResult(Fields f, const AmPm &amPm, double *outDate, double *outTime
     if (!dateComplete && !timeSeen) return kLocaleFormRead;
     if (timeSeen) {
         if (amPm.seen && f.hour == 12) f.hour = 0;
-        f.minute += f.second / 60;
-        f.second %= 60;
-        f.hour += f.minute / 60 + (amPm.isPm ? 12 : 0);
-        f.minute %= 60;
-        f.day += f.hour / 24;
-        f.hour %= 24;
+        // The fields hold no sign; most need no carry.
+        if (f.second >= 60) {
+            f.minute += f.second / 60;
+            f.second %= 60;
+        }
+        if (amPm.isPm) f.hour += 12;
+        if (f.minute >= 60) {
+            f.hour += f.minute / 60;
+            f.minute %= 60;
+        }
+        if (f.hour >= 24) {
+            f.day += f.hour / 24;
+            f.hour %= 24;
+        }
         const double time = static_cast<double>(f.second + 60 * (f.minute + 60 * f.hour));
         *outTime = dateComplete ? time : time + static_cast<double>(f.day) * kSecondsPerDay;
     }

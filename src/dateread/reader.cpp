@@ -99,7 +99,7 @@ struct Reader {
     int64_t textLength;
     TextToken tokens[kMaxTokens];
     int32_t n = 0;
-    bool anyNoDigits = false; // false: no token without digits was cut, so no mark stands here
+    bool anyNoDigits = false; // false: all tokens are digits, and no AM or PM mark stands among them
 
     // The end test of a name that runs on from token t over L characters:
     // the token where it ends on a token boundary, or -1.
@@ -278,7 +278,7 @@ bool isHebrew(const LocaleBlock *block) {
 // blank, a separator or a change of class; a literal of the pattern is
 // looked for only where the tokens seen so far, give or take those, line
 // up with the fields before it. The count of tokens is kept here, apart
-// from the list, while the text is walked.
+// from the list, while the text is cut.
 struct TextCutter {
     int64_t cursor = 0;
     int64_t tokenStart = 0;
@@ -380,8 +380,8 @@ const CharRoles &rolesFor(const PatternCut &cut, bool separatorsSplit, CharRoles
     if (separatorsSplit && literalsAreSeparators(cut)) return kSplittingRoles;
     roles = separatorsSplit ? kSplittingRoles : kPlainRoles;
     roles.firsts = cut.firsts;
-    // An ASCII character folds to an ASCII one, and to an upper-case letter
-    // from the lower case too.
+    // The ASCII characters that fold to a literal's first character are that
+    // character and, for a letter, its lower case; none folds beyond ASCII.
     for (int32_t k = 0; k < cut.literalCount; ++k) {
         const ZvChar f = cut.literals[k].first;
         if (f >= 128) continue;

@@ -2,14 +2,13 @@
 // AM/PM marks are found wherever they stand, and the directives then take
 // the text tokens in order: lenient about what surrounds the fields, strict
 // about the fields themselves.
+#include <algorithm>
+
 #include "datefmt/calendar.hpp"
 #include "dateread/dateread.hpp"
 #include "frame/frame.hpp"
 #include "locale/block.hpp"
-#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
-
-#include <algorithm>
 
 namespace zv {
 
@@ -102,6 +101,7 @@ struct Reader {
     int64_t textLength;
     TextToken tokens[kMaxTokens];
     int32_t n = 0;
+    bool anyNoDigits = false; // false: all tokens are digits, and no AM or PM mark stands among them
 
     // The end test of a name that runs on from token t over L characters:
     // the token where it ends on a token boundary, or -1.
@@ -119,7 +119,10 @@ struct Reader {
     bool beginsWithItem(int32_t t, const LocaleItem &item) const {
         const int64_t L = item.length;
         if (L <= 0 || textLength - tokens[t].start < L) return false;
-        return sameFolded(text + tokens[t].start, item.text, L);
+        // Most names differ from the text in their first character.
+        const ZvChar *at = text + tokens[t].start;
+        if (at[0] != item.text[0] && foldUpperChar(at[0]) != foldUpperChar(item.text[0])) return false;
+        return sameFolded(at + 1, item.text + 1, std::min<int64_t>(L, kFoldRoom) - 1);
     }
 
     // The place, 1-based, of the name in items first .. first+count-1 that
@@ -167,78 +170,90 @@ struct Reader {
 
 // Digits of a token from `from` on, `count` of them, added into `field`.
 void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t count, int64_t *field) {
-    for (int32_t i = 0; i < count; ++i) {
-        const int64_t d = text[tok.start + from + i] - u'0';
-        if (*field < kFieldCeiling) *field = *field * 10 + d;
-    }
+    const ZvChar *digits = text + tok.start + from;
+    int64_t value = *field;
+    for (int32_t i = 0; i < count; ++i)
+        if (value < kFieldCeiling) value = value * 10 + (digits[i] - u'0');
+    *field = value;
 }
+
+// The marks that split a text where the pattern names the fields in the
+// locale's order.
+constexpr bool isSeparator(ZvChar c) { return c == u'.' || c == u'-' || c == u':' || c == u'/'; }
 
 // ---- the pattern's tokens ---------------------------------------------------
 
 // The pattern cut into tokens, with the date fields in the order it names
-// them (up to three of Y, M and D; blanks for the rest).
+// them (up to three of Y, M and D; blanks for the rest). The directives and
+// the literals are kept in two lists: the walk takes only the directives,
+// the text cutter looks only for the literals. Together they count against
+// the limit of tokens.
 struct PatternCut {
-    PatternToken tokens[kMaxTokens];
+    PatternToken tokens[kMaxTokens]; // the directives
     int32_t count = 0;
     ZvChar order[kOrderLetters] = {u' ', u' ', u' '};
     int orderCount = 0;
-    // The literals apart, each with the count of fields before it: the text
-    // cutter looks for them at every place.
+    // Each literal with the count of directives before it. The first
+    // character of each, folded, also stands in a bit set by its low bits,
+    // so that most characters of a text are passed over at once.
     struct Literal {
         int32_t start, length, fieldsBefore;
+        ZvChar first; // folded
     };
     Literal literals[kMaxTokens];
     int32_t literalCount = 0;
+    uint64_t firsts = 0;
 
-    void store(int64_t start, int64_t length, int32_t kind) {
-        if (count >= kMaxTokens) return;
-        if (kind == kLiteral) {
-            const int32_t fields = count - literalCount;
-            literals[literalCount++] = Literal{static_cast<int32_t>(start), static_cast<int32_t>(length), fields};
-        }
-        tokens[count++] = PatternToken{static_cast<int32_t>(start), static_cast<int32_t>(length), kind};
-    }
+    static uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
 };
 
 // Cuts the pattern: blanks separate literals and match nothing themselves;
 // "%" and a directive letter give a field token; "%" with any other
-// character begins a literal.
+// character begins a literal. The counts are kept apart from the lists
+// while the pattern is walked, and stored at the end.
 void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
-    int64_t pending = -1; // where the literal under way began
-    auto flush = [&](int64_t at) {
-        if (pending >= 0 && at > pending) cut.store(pending, at - pending, kLiteral);
-        pending = -1;
+    int32_t count = 0, literalCount = 0;
+    uint64_t firsts = 0;
+    auto storeLiteral = [&](int64_t start, int64_t end) {
+        if (count + literalCount >= kMaxTokens) return;
+        const ZvChar first = foldUpperChar(pattern[start]);
+        cut.literals[literalCount++] =
+            PatternCut::Literal{static_cast<int32_t>(start), static_cast<int32_t>(end - start), count, first};
+        firsts |= PatternCut::firstBit(first);
     };
     for (int64_t i = 0; i < patternLength;) {
         const ZvChar c = pattern[i];
         if (c == u' ') {
-            flush(i);
             ++i;
             continue;
         }
-        if (c != u'%') {
-            if (pending < 0) pending = i;
-            ++i;
-            continue;
+        int64_t end = i + 1; // where the literal that begins here has run so far
+        if (c == u'%') {
+            // A "%" at the end, or the first of "%%", is a literal of its own.
+            if (i == patternLength - 1 || pattern[i + 1] == u'%') {
+                storeLiteral(i, i + 1);
+                ++i;
+                continue;
+            }
+            const int32_t kind = kindOfLetter(pattern[i + 1]);
+            if (kind >= 0) {
+                // A directive beyond the limit is dropped but still names its field.
+                if (count + literalCount < kMaxTokens)
+                    cut.tokens[count++] = PatternToken{static_cast<int32_t>(i + 1), 1, kind};
+                const ZvChar letter = orderLetterOf(kind);
+                if (letter && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter;
+                i += 2;
+                continue;
+            }
+            end = i + 2; // "%" and the character behind it begin a literal
         }
-        flush(i);
-        // A "%" at the end, or the first of "%%", is a literal of its own.
-        if (i == patternLength - 1 || pattern[i + 1] == u'%') {
-            cut.store(i, 1, kLiteral);
-            ++i;
-            continue;
-        }
-        const int32_t kind = kindOfLetter(pattern[i + 1]);
-        if (kind >= 0) {
-            cut.store(i + 1, 1, kind);
-            const ZvChar letter = orderLetterOf(kind);
-            if (letter && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter;
-        } else {
-            pending = i;
-        }
-        i += 2;
+        while (end < patternLength && pattern[end] != u' ' && pattern[end] != u'%') ++end;
+        storeLiteral(i, end);
+        i = end;
     }
-    flush(patternLength);
+    cut.count = count;
+    cut.literalCount = literalCount;
+    cut.firsts = firsts;
 }
 
 // Does the pattern name its date fields in the locale's own order? A
@@ -246,13 +261,17 @@ void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
 bool orderMatchesLocale(const LocaleBlock *block, const PatternCut &cut) {
     if (cut.orderCount == 0) return true;
     const LocaleItem &o = block->items[kItemDateOrder];
-    return o.length == kOrderLetters && sameFolded(o.text, cut.order, kOrderLetters);
+    if (o.length != kOrderLetters) return false;
+    // The pattern's letters are upper case and blanks: they fold to themselves.
+    for (int i = 0; i < kOrderLetters; ++i)
+        if (foldUpperChar(o.text[i]) != cut.order[i]) return false;
+    return true;
 }
 
 // In Hebrew the marks between the fields are part of the text, not separators.
 bool isHebrew(const LocaleBlock *block) {
     const LocaleItem &language = block->items[kItemLanguage];
-    return language.length == 2 && sameFolded(language.text, u"he", 2);
+    return language.length == 2 && foldUpperChar(language.text[0]) == u'H' && foldUpperChar(language.text[1]) == u'E';
 }
 
 // ---- the text's tokens ------------------------------------------------------
@@ -260,80 +279,159 @@ bool isHebrew(const LocaleBlock *block) {
 // The cutter's place in the text. `splits` counts the tokens ended by a
 // blank, a separator or a change of class; a literal of the pattern is
 // looked for only where the tokens seen so far, give or take those, line
-// up with the fields before it.
+// up with the fields before it. The count of tokens is kept here, apart
+// from the list, while the text is cut.
 struct TextCutter {
     int64_t cursor = 0;
     int64_t tokenStart = 0;
     TokenClass tokenClass = kNoClass;
+    int32_t n = 0;
     int32_t splits = 0;
 
     bool tokenOpen() const { return tokenStart < cursor; }
 };
 
-void storeToken(Reader &rd, int64_t start, int64_t end, TokenClass cls) {
-    if (rd.n < kMaxTokens)
-        rd.tokens[rd.n++] = TextToken{static_cast<int32_t>(start), static_cast<int32_t>(end - start), cls, 0};
+void storeToken(Reader &rd, TextCutter &tc, int64_t start, int64_t end, TokenClass cls) {
+    if (tc.n < kMaxTokens)
+        rd.tokens[tc.n++] = TextToken{static_cast<int32_t>(start), static_cast<int32_t>(end - start), cls, 0};
 }
 
 // Ends the token under way, if any, as one split off by something between.
 void splitToken(Reader &rd, TextCutter &tc) {
     if (tc.tokenOpen()) {
-        storeToken(rd, tc.tokenStart, tc.cursor, tc.tokenClass);
+        storeToken(rd, tc, tc.tokenStart, tc.cursor, tc.tokenClass);
         ++tc.splits;
     }
 }
 
 // The length of the pattern literal that stands in the text at the cursor,
-// or -1 when none is due there.
-int64_t literalAt(const Reader &rd, const TextCutter &tc, const ZvChar *pattern, const PatternCut &cut) {
+// or -1 when none is due there. `folded` is the character at the cursor,
+// folded; a literal whose first character differs is passed over without
+// a compare.
+int64_t literalAt(const Reader &rd, const TextCutter &tc, ZvChar folded, const ZvChar *pattern,
+                  const PatternCut &cut) {
     const int32_t open = tc.tokenOpen() ? 1 : 0;
+    const int32_t low = tc.n + open - tc.splits, high = tc.n + open + tc.splits;
     for (int32_t k = 0; k < cut.literalCount; ++k) {
         const PatternCut::Literal &pt = cut.literals[k];
-        if (pt.fieldsBefore < rd.n + open - tc.splits) continue;
-        if (pt.fieldsBefore > rd.n + open + tc.splits) return -1;
+        if (pt.fieldsBefore < low) continue;
+        if (pt.fieldsBefore > high) return -1;
+        if (pt.first != folded) continue;
         const int64_t len = pt.length;
         const int64_t rest = rd.textLength - tc.cursor;
-        if (sameFolded(rd.text + tc.cursor, pattern + pt.start, std::min(len, rest))) return len;
+        const int64_t span = std::min<int64_t>({len, rest, kFoldRoom});
+        if (span <= 1 || sameFolded(rd.text + tc.cursor + 1, pattern + pt.start + 1, span - 1)) return len;
     }
     return -1;
 }
 
-bool isSeparator(ZvChar c) { return c == u'.' || c == u'-' || c == u':' || c == u'/'; }
+// What a character does to the cutter: it joins a token of digits or of
+// other characters, or it ends the token as a blank or a separator does;
+// the flag says that a literal of the pattern may begin with it.
+enum CharRole : uint8_t {
+    kRoleDigit = kDigits,
+    kRoleOther = kNoDigits,
+    kRoleBlank = 3,
+    kRoleSeparator = 4, // only where separators split
+    kRoleLiteral = 8,
+};
 
-// Cuts the text at blanks, at the pattern's literals, at separators (when
-// `separatorsSplit`) and where digits meet other characters.
-void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, bool separatorsSplit) {
+// The roles of the ASCII characters under one pattern; the others are
+// never digits, blanks or separators, and are looked up one by one.
+struct CharRoles {
+    uint8_t ascii[128];
+    uint64_t firsts; // the pattern's bit set of literals' first characters
+
+    uint8_t of(ZvChar c) const {
+        if (c < 128) return ascii[c];
+        return (firsts & PatternCut::firstBit(foldUpperChar(c))) ? kRoleOther | kRoleLiteral : kRoleOther;
+    }
+};
+
+// The roles before any literal, without and with separators that split.
+constexpr CharRoles plainRoles(bool separatorsSplit) {
+    CharRoles roles{};
+    for (int i = 0; i < 128; ++i) {
+        const ZvChar c = static_cast<ZvChar>(i);
+        roles.ascii[i] = c == u' '                           ? kRoleBlank
+                         : c >= u'0' && c <= u'9'            ? kRoleDigit
+                         : separatorsSplit && isSeparator(c) ? kRoleSeparator
+                                                             : kRoleOther;
+    }
+    return roles;
+}
+constexpr CharRoles kPlainRoles = plainRoles(false);
+constexpr CharRoles kSplittingRoles = plainRoles(true);
+
+// Each literal of one separator, or none at all? (A separator folds to
+// itself.)
+bool literalsAreSeparators(const PatternCut &cut) {
+    for (int32_t k = 0; k < cut.literalCount; ++k)
+        if (cut.literals[k].length != 1 || !isSeparator(cut.literals[k].first)) return false;
+    return true;
+}
+
+// The roles under the pattern, made in `roles` or taken from a table.
+// Where separators split, a literal of one separator ends the token just as
+// the separator does, and the tokens come out the same; only the count of
+// splits differs, which no other literal reads when all literals are such.
+// No other character folds to a separator, so none then needs a literal's
+// look, and the table of the separators serves.
+const CharRoles &rolesFor(const PatternCut &cut, bool separatorsSplit, CharRoles &roles) {
+    if (separatorsSplit && literalsAreSeparators(cut)) return kSplittingRoles;
+    roles = separatorsSplit ? kSplittingRoles : kPlainRoles;
+    roles.firsts = cut.firsts;
+    // The ASCII characters that fold to a literal's first character are that
+    // character and, for a letter, its lower case; none folds beyond ASCII.
+    for (int32_t k = 0; k < cut.literalCount; ++k) {
+        const ZvChar f = cut.literals[k].first;
+        if (f >= 128) continue;
+        roles.ascii[f] |= kRoleLiteral;
+        if (f >= u'A' && f <= u'Z') roles.ascii[f + (u'a' - u'A')] |= kRoleLiteral;
+    }
+    return roles;
+}
+
+// Cuts the text at blanks, at the pattern's literals, at separators (where
+// `roles` makes them split) and where digits meet other characters.
+void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const CharRoles &roles) {
     TextCutter tc;
+    bool anyNoDigits = false;
+    const ZvChar *text = rd.text;
+    const int64_t length = rd.textLength;
     // Once the list is full nothing further in the text can change the answer.
-    while (tc.cursor < rd.textLength && rd.n < kMaxTokens) {
-        const ZvChar c = rd.text[tc.cursor];
-        if (c == u' ') {
+    while (tc.cursor < length && tc.n < kMaxTokens) {
+        const ZvChar c = text[tc.cursor];
+        uint8_t role = roles.of(c);
+        if (role & kRoleLiteral) {
+            const int64_t literal = literalAt(rd, tc, foldUpperChar(c), pattern, cut);
+            if (literal >= 0) {
+                if (tc.tokenOpen()) storeToken(rd, tc, tc.tokenStart, tc.cursor, tc.tokenClass);
+                tc.cursor += literal;
+                tc.tokenStart = tc.cursor;
+                continue;
+            }
+            role &= ~kRoleLiteral;
+        }
+        if (role == kRoleBlank || role == kRoleSeparator) {
             splitToken(rd, tc);
             tc.tokenStart = ++tc.cursor;
             continue;
         }
-        const int64_t literal = literalAt(rd, tc, pattern, cut);
-        if (literal >= 0) {
-            if (tc.tokenOpen()) storeToken(rd, tc.tokenStart, tc.cursor, tc.tokenClass);
-            tc.cursor += literal;
-            tc.tokenStart = tc.cursor;
-            continue;
-        }
-        if (separatorsSplit && isSeparator(c)) {
-            splitToken(rd, tc);
-            tc.tokenStart = ++tc.cursor;
-            continue;
-        }
-        const TokenClass now = isAsciiDigit(c) ? kDigits : kNoDigits;
+        const TokenClass now = static_cast<TokenClass>(role);
+        anyNoDigits = anyNoDigits || now == kNoDigits;
         if (now != tc.tokenClass && tc.tokenOpen()) {
             splitToken(rd, tc);
             tc.tokenStart = tc.cursor;
         }
         tc.tokenClass = now;
+        // The characters behind that only lengthen the token are taken at once.
         ++tc.cursor;
+        while (tc.cursor < length && roles.of(text[tc.cursor]) == role) ++tc.cursor;
     }
-    if (tc.tokenStart < rd.textLength && rd.n < kMaxTokens)
-        storeToken(rd, tc.tokenStart, rd.textLength, tc.tokenClass);
+    if (tc.tokenStart < length && tc.n < kMaxTokens) storeToken(rd, tc, tc.tokenStart, length, tc.tokenClass);
+    rd.n = tc.n;
+    rd.anyNoDigits = anyNoDigits;
 }
 
 // ---- AM and PM ----------------------------------------------------------------
@@ -347,6 +445,7 @@ struct AmPm {
 // counts in every locale, and a later one overrides it.
 AmPm findAmPm(Reader &rd) {
     AmPm found;
+    if (!rd.anyNoDigits) return found;
     const LocaleItem *marks[2] = {&rd.block->items[kItemAm], &rd.block->items[kItemPm]};
     for (int32_t t = 0; t < rd.n; ++t) {
         if (rd.tokens[t].cls != kNoDigits) continue;
@@ -385,17 +484,17 @@ struct Walk {
     int32_t offset = 0;
 };
 
-// Takes up to `most` digits of the run, or the rest of it when no more
-// than `most` are left.
-void takeDigits(const Reader &rd, const TextToken &tok, int32_t most, Walk &w, int64_t *field) {
-    const int32_t rest = tok.length - w.offset;
+// Takes up to `most` digits of the run from `offset` on, or the rest of it
+// when no more than `most` are left; answers the offset behind them, 0 when
+// the run is used up.
+int32_t takeDigits(const ZvChar *text, const TextToken &tok, int32_t most, int32_t offset, int64_t *field) {
+    const int32_t rest = tok.length - offset;
     if (rest > most) {
-        addDigits(rd.text, tok, w.offset, most, field);
-        w.offset += most;
-    } else {
-        addDigits(rd.text, tok, w.offset, rest, field);
-        w.offset = 0;
+        addDigits(text, tok, offset, most, field);
+        return offset + most;
     }
+    addDigits(text, tok, offset, rest, field);
+    return 0;
 }
 
 constexpr int32_t kFullYearDigits = 4;
@@ -406,7 +505,7 @@ constexpr int32_t kMonthDayDigits = 2;
 // full one.
 bool readYear(const Reader &rd, const TextToken &tok, ZvChar letter, bool orderMatches, Walk &w, Fields &f) {
     if (tok.cls != kDigits) return false;
-    takeDigits(rd, tok, letter == u'y' ? kShortYearDigits : kFullYearDigits, w, &f.year);
+    w.offset = takeDigits(rd.text, tok, letter == u'y' ? kShortYearDigits : kFullYearDigits, w.offset, &f.year);
     if (!orderMatches) {
         if (letter == u'y' && !(f.year < 100)) return false;
         if (letter == u'Y' && !(f.year >= 1000)) return false;
@@ -417,7 +516,7 @@ bool readYear(const Reader &rd, const TextToken &tok, ZvChar letter, bool orderM
 // A month as digits or as a name of either list; "0" and "00" go to the
 // lists too, and fail there.
 bool readMonth(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
-    if (tok.cls == kDigits) takeDigits(rd, tok, kMonthDayDigits, w, &f.month);
+    if (tok.cls == kDigits) w.offset = takeDigits(rd.text, tok, kMonthDayDigits, w.offset, &f.month);
     if (f.month == 0) {
         f.month = rd.lookup(&w.t, kItemMonthAbbr, kMonthNames);
         if (f.month == 0 && tok.length >= 3) f.month = rd.lookup(&w.t, kItemMonthFull, kMonthNames);
@@ -427,7 +526,7 @@ bool readMonth(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
 
 bool readDay(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
     if (tok.cls != kDigits) return false;
-    takeDigits(rd, tok, kMonthDayDigits, w, &f.day);
+    w.offset = takeDigits(rd.text, tok, kMonthDayDigits, w.offset, &f.day);
     return f.day >= 1 && f.day <= 31;
 }
 
@@ -477,7 +576,6 @@ bool walkFields(const Reader &rd, const ZvChar *pattern, const PatternCut &cut, 
     Walk w;
     for (int32_t k = 0; k < cut.count; ++k) {
         const PatternToken &pt = cut.tokens[k];
-        if (pt.kind == kLiteral) continue;
         bool failed = false;
         if (!nextToken(rd, w, &failed)) {
             if (failed) return false;
@@ -517,12 +615,20 @@ int32_t storeResult(Fields f, const AmPm &amPm, double *outDate, double *outTime
     if (!dateComplete && !timeSeen) return kLocaleFormRead;
     if (timeSeen) {
         if (amPm.seen && f.hour == 12) f.hour = 0;
-        f.minute += f.second / 60;
-        f.second %= 60;
-        f.hour += f.minute / 60 + (amPm.isPm ? 12 : 0);
-        f.minute %= 60;
-        f.day += f.hour / 24;
-        f.hour %= 24;
+        // The fields hold no sign; most need no carry.
+        if (f.second >= 60) {
+            f.minute += f.second / 60;
+            f.second %= 60;
+        }
+        if (amPm.isPm) f.hour += 12;
+        if (f.minute >= 60) {
+            f.hour += f.minute / 60;
+            f.minute %= 60;
+        }
+        if (f.hour >= 24) {
+            f.day += f.hour / 24;
+            f.hour %= 24;
+        }
         const double time = static_cast<double>(f.second + 60 * (f.minute + 60 * f.hour));
         *outTime = dateComplete ? time : time + static_cast<double>(f.day) * kSecondsPerDay;
     }
@@ -553,7 +659,8 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
     const bool orderMatches = orderMatchesLocale(block, cut);
 
     Reader rd(block, text, textLength);
-    cutText(rd, pattern, cut, orderMatches && !isHebrew(block));
+    CharRoles made;
+    cutText(rd, pattern, cut, rolesFor(cut, orderMatches && !isHebrew(block), made));
     const AmPm amPm = findAmPm(rd);
 
     Fields fields;

@@ -48,7 +48,8 @@ TEST_F(Block, EscapesDecodeAgainstTheHostEncoding) {
         {"a<U00A0>b", "ISO-8859-1", u"a\u00a0b"}, {"<U20AC>", "ISO-8859-1", u"&#8364;"},
         {"<U00A4>", "UTF-8", u"\u0001"}, {"<U00A4>", "US-ASCII", u"\u0001"}, {"caf\xe9", "US-ASCII", u"caf\u00e9"},
         {"<U0440><U002E>", "UTF-8", u"\u0440."}, {stars, "ISO-8859-1", refs + u"***"},
-        {std::string(160, 'x'), "UTF-8", std::u16string(159, u'x')}}; // the last unit holds the zero
+        {std::string(160, 'x'), "UTF-8", std::u16string(159, u'x')}, // the last unit holds the zero
+        {std::string(151, 'x') + "<UFFE5>", "ISO-8859-1", std::u16string(151, u'x') + u"&#65509;"}}; // just fits
     for (const auto &k : cases) {
         LocaleItem &i = build({{29, k.raw}}, k.encoding)->items[29];
         EXPECT_EQ(text(i), k.expected) << k.raw << " " << k.encoding;

@@ -183,6 +183,9 @@ TEST_F(Forms, NameRowsPickFormAndCase) {
             std::string t = text(rows[k].first, rows[k].second, 20, d, items);
             EXPECT_EQ(t.erase(t.find_last_not_of(' ') + 1), want[k][d]) << rows[k].first << "." << d;
         }
+    // One past the last name, like one before the first, shows no name.
+    for (auto [row, past] : {std::pair{"NLSTRMON", 13.0}, {"NLSTRWK", 8.0}, {"NLSTRQTR", 5.0}})
+        EXPECT_EQ(text(row, past, 20, 0, items) + text(row, 0, 20, 0, items), std::string(40, ' ')) << row;
 }
 
 TEST_F(Forms, EdgesOfTheWalks) {

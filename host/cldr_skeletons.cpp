@@ -183,7 +183,8 @@ bool SkeletonReader::fromKey(std::string_view skeleton, std::u16string &out) {
     const std::string key(skeleton);
     const icu::ResourceBundle entry = formats_->getWithFallback(key.c_str(), status);
     if (U_FAILURE(status) || entry.getType() != URES_STRING) return false;
-    const char *from = entry.getLocale(ULOC_ACTUAL_LOCALE, status).getName();
+    const icu::Locale owner = entry.getLocale(ULOC_ACTUAL_LOCALE, status); // getName points into it
+    const char *from = owner.getName();
     if (U_FAILURE(status) || from[0] == '\0' || std::string_view(from) == "root") return false;
     const std::u16string text = u16(entry.getString(status));
     if (U_FAILURE(status) || hasField(text, u'b') || hasField(text, u'B')) return false;

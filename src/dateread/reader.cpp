@@ -8,6 +8,7 @@
 #include "dateread/dateread.hpp"
 #include "frame/frame.hpp"
 #include "locale/block.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -387,7 +388,7 @@ const CharRoles &rolesFor(const PatternCut &cut, bool separatorsSplit, CharRoles
         const ZvChar f = cut.literals[k].first;
         if (f >= 128) continue;
         roles.ascii[f] |= kRoleLiteral;
-        if (f >= u'A' && f <= u'Z') roles.ascii[f + (u'a' - u'A')] |= kRoleLiteral;
+        if (isAsciiLetter(f)) roles.ascii[f | 0x20] |= kRoleLiteral; // its lower case
     }
     return roles;
 }
@@ -429,7 +430,7 @@ void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const Cha
         ++tc.cursor;
         while (tc.cursor < length && roles.of(text[tc.cursor]) == role) ++tc.cursor;
     }
-    if (tc.tokenStart < length && tc.n < kMaxTokens) storeToken(rd, tc, tc.tokenStart, length, tc.tokenClass);
+    if (tc.tokenStart < length) storeToken(rd, tc, tc.tokenStart, length, tc.tokenClass);
     rd.n = tc.n;
     rd.anyNoDigits = anyNoDigits;
 }

@@ -62,8 +62,7 @@ int64_t presentYear() {
 }
 
 int32_t readWeekEntry(FormatCall *call, WeekMode mode) {
-    int64_t length = call->inputLength;
-    if (call->fieldLimit < length) length = call->fieldLimit;
+    int64_t length = std::min(call->inputLength, call->fieldLimit);
     const ZvChar *text = static_cast<const ZvChar *>(call->input);
     length = text ? std::max<int64_t>(length, 0) : 0;
     length = lengthWithoutTrailingBlanks(text, length);

@@ -22,9 +22,7 @@ struct ReadText {
     int64_t n = 0;
 
     void take(const FormatCall *call, int64_t length) {
-        if (length > call->width) length = call->width;
-        if (length > kReadUnits) length = kReadUnits;
-        length = call->input ? std::max<int64_t>(length, 0) : 0;
+        length = call->input ? std::max<int64_t>(std::min<int64_t>({length, call->width, kReadUnits}), 0) : 0;
         n = length;
         if (n > 0) std::memcpy(c, call->input, size_t(n) * sizeof(ZvChar));
     }

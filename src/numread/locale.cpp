@@ -37,11 +37,12 @@ struct ReadText {
         ++n;
     }
     void removeAll(ZvChar u) { n = removeCharacters(c, n, &u, 1); }
+    // A mark of at least one unit at either end.
     bool startsWith(const ZvChar *mark, int64_t length) const {
-        return length > 0 && n >= length && std::memcmp(c, mark, size_t(length) * sizeof(ZvChar)) == 0;
+        return n >= length && std::memcmp(c, mark, size_t(length) * sizeof(ZvChar)) == 0;
     }
     bool endsWith(const ZvChar *mark, int64_t length) const {
-        return length > 0 && n >= length &&
+        return n >= length &&
                std::memcmp(c + n - length, mark, size_t(length) * sizeof(ZvChar)) == 0;
     }
 };

@@ -195,7 +195,7 @@ TEST_F(LocaleReader, Cases) {
         {u"MDY", u"%d%%%m %Y", u"5%3 2024", 0, mar5}, {u"DMY", u"%d %m %Y%", u"5 3 2024%", 0, mar5},
         {u"DMY", u"%d %m %T %Y", u"5 3 %T 2024", 0, mar5}, {u"DMY", u"%d %b %Y", u"1 de gen. 2024", 0, jan1},
         {u"DMY", u"%d %b %Y", u"1 de gen 2024", -1}, {u"DMY", u"%d %B %Y", u"1 del gener 2024", 0, jan1},
-        {u"DMY", u"%d %B %Y", u"1 del generx 2024", -1}, {u"DMY", u"%d %b %Y", u"5 Ma 2024", 0, dayCount(2024, 4, 5)},
+        {u"DMY", u"%d %B %Y", u"1 del generx 2024", -1}, {u"DMY", u"%d %Y %B", u"1 2024 del gener", 0, jan1}, {u"DMY", u"%d %b %Y", u"5 Ma 2024", 0, dayCount(2024, 4, 5)},
         {u"DMY", u"%d %b %Y", u"5 Mab 2024", 0, dayCount(2024, 7, 5)},
         {u"MDY", u"%I:%M:%S %p", u"1:00:00 p. m.", 0, kMiss, 46800},
         {u"MDY", u"%I:%M:%S %p", u"12:00:00 a. m.", 0, kMiss, 0},

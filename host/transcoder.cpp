@@ -10,6 +10,7 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
+#include <bit>
 #include <cctype>
 #include <cstring>
 #include <mutex>
@@ -171,7 +172,10 @@ bool decode(TranscoderImpl *t, const uint8_t *src, int64_t bytes, UChar *mid, si
     switch (t->base.sourceEncodingId) {
     case ZV_ENCODING_UTF16: {
         const size_t units = size_t(bytes / 2);
-        for (size_t i = 0; i < units; ++i) mid[i] = UChar(src[2 * i] | (src[2 * i + 1] << 8));
+        if constexpr (std::endian::native == std::endian::little)
+            std::memcpy(mid, src, units * sizeof(UChar));
+        else
+            for (size_t i = 0; i < units; ++i) mid[i] = UChar(src[2 * i] | (src[2 * i + 1] << 8));
         length = units;
         return bytes % 2 == 0;
     }
@@ -202,6 +206,18 @@ struct Encoded {
 Encoded encodeSimple(uint32_t to, const UChar *mid, size_t length, uint8_t *target, size_t capacity) {
     Encoded e;
     size_t i = 0;
+    if (to == ZV_ENCODING_UTF16 && std::endian::native == std::endian::little) {
+        // The units before the first surrogate go as they are.
+        size_t plain = 0;
+        while (plain < length && !U16_IS_SURROGATE(mid[plain])) ++plain;
+        i = std::min(plain, capacity / 2);
+        std::memcpy(target, mid, i * sizeof(UChar));
+        e.written = i * sizeof(UChar);
+        if (i < plain) {
+            e.full = true;
+            return e;
+        }
+    }
     while (i < length) {
         const UChar u = mid[i];
         size_t units = 1;
@@ -241,6 +257,14 @@ Encoded encodeSimple(uint32_t to, const UChar *mid, size_t length, uint8_t *targ
 Encoded encodeUtf8(const UChar *mid, size_t length, uint8_t *target, size_t capacity) {
     Encoded e;
     for (size_t i = 0; i < length;) {
+        if (mid[i] < 0x80) { // ASCII: one byte each
+            if (e.written == capacity) {
+                e.full = true;
+                break;
+            }
+            target[e.written++] = uint8_t(mid[i++]);
+            continue;
+        }
         UChar32 c = mid[i];
         size_t units = 1;
         if (U16_IS_LEAD(c) && i + 1 < length && U16_IS_TRAIL(mid[i + 1])) {

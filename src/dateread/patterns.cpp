@@ -361,21 +361,18 @@ void valueOf(RowTry &r, const DatePatternRow &row, const ZvChar *name, int64_t n
     }
     if (f[kQuarter] != -1) f[kMonth] = f[kQuarter] * 3 - 2;
 
-    bool hasDate = false;
     double date = missingValue();
     if (f[kYear] != -1 && f[kYearDay] != -1) {
         double code = ymdToYearDay(static_cast<double>(f[kYear]), 1, 1);
         if (!isMissing(code)) code += static_cast<double>(f[kYearDay] - 1);
-        hasDate = true;
         date = isMissing(code) ? code : yearDayToDayCount(code);
     } else if (f[kYear] != -1 || f[kMonth] != -1 || f[kDay] != -1) {
         const int64_t day = f[kDay] == -1 ? 1 : f[kDay];
         const double code = ymdToYearDay(static_cast<double>(f[kYear]), static_cast<double>(f[kMonth]),
                                          static_cast<double>(day));
-        hasDate = true;
         date = isMissing(code) ? code : yearDayToDayCount(code);
     }
-    if (hasDate && isMissing(date)) hasDate = false;
+    const bool hasDate = !isMissing(date); // fields that make no day count give no date
 
     bool hasTime = false;
     double time = 0.0;

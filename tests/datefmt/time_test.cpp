@@ -58,7 +58,8 @@ TEST_F(Times, ClockOfDatetimeOnItsOwn) {
     for (C c : {C{50829, 1, 0, ZV_FLAG_CHECK_LIMITS, ZV_WIDTH_TOO_SMALL, ""}, C{50829, 41, 0, ZV_FLAG_CHECK_LIMITS, 3, ""},
                 C{50829, 8, -1, ZV_FLAG_CHECK_LIMITS, 4, ""}, C{50829, 8, 40, ZV_FLAG_CHECK_LIMITS, 5, ""},
                 C{50829, 41, 0, 0, 0, "14:07:09"}, C{zv::missingValue(), 8, 0, 0, 0, "."},
-                C{1e12, 4, 0, 0, 1, "****"}, C{-86400.0 + 50829, 8, 0, 0, 0, "14:07:09"}}) {
+                C{1e12, 4, 0, 0, 1, "****"}, C{-86400.0 + 50829, 8, 0, 0, 0, "14:07:09"},
+                C{50829, 2, 0, ZV_FLAG_CHECK_LIMITS, 0, "14"}, C{50829, 40, 39, ZV_FLAG_CHECK_LIMITS, 0, "14:07:09.0000000000000000000000000000000"}}) {
         const auto [status, text] = run(zv::writeClockOfDatetime, c.value, c.width, c.decimals, c.flags);
         EXPECT_EQ(status, c.status) << c.width << "." << c.decimals;
         if (*c.text) { EXPECT_TRUE(text.size() == size_t(c.width) && text.ends_with(c.text)) << c.value << ": " << text; }

@@ -58,13 +58,10 @@ int32_t runByteEntry(ZvWideEntry wide, Justify mark, FormatCall *call, FormatCal
 
     int32_t status = wide(&copy, opaque);
     if (!wroteNothing(status, copy.outputLength)) {
-        int64_t units = copy.outputLength;
-        units = std::max<int64_t>(units, 0);
-        if (units > bufferUnits) units = bufferUnits;
+        const int64_t units = std::clamp<int64_t>(copy.outputLength, 0, bufferUnits);
 
         // The field is `width` bytes, and never more than the target holds.
-        int64_t field = std::min(source->width, source->outputCapacity);
-        field = std::max<int64_t>(field, 0);
+        const int64_t field = std::max<int64_t>(std::min(source->width, source->outputCapacity), 0);
         auto *target = static_cast<unsigned char *>(source->output);
 
         int64_t produced = 0;
@@ -76,15 +73,14 @@ int32_t runByteEntry(ZvWideEntry wide, Justify mark, FormatCall *call, FormatCal
         if (status == ZV_TARGET_TOO_SMALL) {
             if (mark == Justify::Left) {
                 status = 0; // cut at what fitted
-            } else if (source->width >= 1) {
+            } else {
                 const int64_t look = std::min<int64_t>(units, source->width);
                 int64_t lead = 0;
                 while (lead < look && buffer[lead] == u' ') ++lead;
                 if (lead > 0) {
                     status = transcodeInto(call->transcoder, buffer + lead, units - lead, target,
                                            field, &produced);
-                    produced = std::max<int64_t>(produced, 0);
-                    if (produced > field) produced = field;
+                    produced = std::clamp<int64_t>(produced, 0, field);
                     std::memmove(target + (field - produced), target, size_t(produced));
                     std::memset(target, ' ', size_t(field - produced));
                     source->outputLength = static_cast<int32_t>(field);

@@ -38,7 +38,7 @@ protected:
         if (spec.locale == "en_US") spec.items = baseItems(changes);
         spec.width = width, spec.decimals = decimals;
         const zvhost::FormatResult r = zvhost::runFormat(host, *zvhost::findRow(host.instance()->formatTable, row), spec, value);
-        EXPECT_EQ(r.error + std::to_string(r.status) + (r.overran ? " and wrote past its target" : ""), "0") << row;
+        EXPECT_EQ(r.error + std::to_string(r.status) + (r.overran ? " and wrote outside its target" : ""), "0") << row;
         return r.utf8;
     }
 

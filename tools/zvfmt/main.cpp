@@ -654,7 +654,7 @@ struct Converter {
         const zvhost::RoutineResult r = zvhost::runRoutine(session.host(), *routine, spec, field);
         if (!r.error.empty()) return bad(field, r.error);
         if (r.status != 0) return badStatus(field, r.status);
-        if (r.overran) return bad(field, "the routine wrote past its target");
+        if (r.overran) return bad(field, "the routine wrote outside its target");
         switch (routine->answer) {
         case zvhost::RoutineAnswer::Number:
             return goodMade(r.untouched ? std::string("untouched") : showDouble(zvfmt::fromBits(r.bits)));

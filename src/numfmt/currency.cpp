@@ -115,6 +115,8 @@ struct AmountWriter {
     int64_t measure = 0; // of the last dressed amount
 
     Work digits, number, result;
+    PatternFrame<kWork> frame;
+    DressedPieces dress;
 
     // The pattern and sign of the value's sign, and the currency's text.
     void prepare(const CurrencyRow &row, CurrencyForm form) {
@@ -126,6 +128,7 @@ struct AmountWriter {
         sign = negative ? money.negativeSign : money.positiveSign;
         signLength = textLength(sign);
         symbolLength = currencyMark(call, row, form, symbol);
+        spellFrame();
     }
 
     HostAsk asked;
@@ -182,28 +185,31 @@ struct AmountWriter {
     // The number in the sign pattern, without outer blanks; a positive amount
     // under parentheses for negatives keeps one blank behind it.
     void dressNumber() {
-        result.clear();
-        putPattern(result, pattern,
-                   PatternParts{negative, number.c, number.n, symbol, symbolShown ? symbolLength : 0,
-                                sign, signLength});
-        result.trimBoth();
-        if (value > 0.0 && money.negativeSignPosition == 0) result.put(u' ');
+        dressPieces(dress, frame, number.c, number.n, value > 0.0 && money.negativeSignPosition == 0);
+    }
+
+    // The pattern around the number, with the currency's text while it is
+    // shown.
+    void spellFrame() {
+        frame.spell(pattern, PatternParts{negative, symbol, symbolShown ? symbolLength : 0, sign, signLength});
     }
 
     // The dressed amount measured, in bytes while measureBytes is set, and
-    // set at the end of the field. False when it doesn't fit.
+    // set at the end of the field. False when it doesn't fit. A dress wider
+    // than the field by its units is never built.
     bool placeIfFits() {
-        const bool overflow = number.overflow || result.overflow;
-        const int64_t length = result.n;
+        const bool overflow = number.overflow || dress.overflow;
+        const int64_t length = dress.units;
         measure = overflow ? int64_t(kWork) + 1 : length;
         int32_t measured = 0;
         if (!overflow && length <= width && call->measureBytes) {
+            placeRight(result.c, kWork, length, dress);
             int64_t bytes = 0;
             measured = hostMeasure(call, result.c, length, kScratchBytes, &bytes);
             measure = bytes;
         }
         if (measure > width || measured != 0) return false;
-        placeRight(out, call->outputCapacity, width, result.c, length);
+        placeRight(out, call->outputCapacity, width, dress);
         call->outputLength = width;
         return true;
     }
@@ -216,6 +222,7 @@ struct AmountWriter {
             grouping = false;
         } else if (symbolShown) {
             symbolShown = false;
+            spellFrame();
         } else if (narrowing == 0 && measure > width) {
             // Never ask the host for a field narrower than one place.
             const int64_t excess = measure - width;

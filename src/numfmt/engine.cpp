@@ -52,10 +52,6 @@ struct Engine {
     int sepUnits = 0;
     int sepMeasure = 0; // in bytes while measureBytes is set
     bool negative = false;
-    const ZvChar *pattern = nullptr;
-    const ZvChar *sign = nullptr;
-    int signUnits = 0;
-    int64_t symbolLength = 0;
 
     // What the retreats have given up so far.
     bool grouping = true, groupsUsed = false, zeroPoint = false;
@@ -64,6 +60,8 @@ struct Engine {
     bool eFormWide = false; // this pass: E-notation with a two-place separator
 
     WorkText digits, number, result;
+    PatternFrame<kWork> frame;
+    DressedPieces dress;
 
     int32_t stars() {
         auto *field = static_cast<ZvChar *>(call->output);
@@ -79,7 +77,10 @@ struct Engine {
 
     // The host's digits in `digits`; false: stars.
     bool hostDigits(int32_t hostWidth) {
-        if (!asked.repeats(hostWidth, call->decimals)) askedAnswer = askHost(hostWidth, digits);
+        if (!asked.repeats(hostWidth, call->decimals)) {
+            askedAnswer = askHost(hostWidth, digits);
+            findMarks();
+        }
         return askedAnswer;
     }
 
@@ -120,13 +121,12 @@ struct Engine {
         if (sepUnits == 0) call->decimals = 0;
 
         negative = value < 0.0;
-        pattern = negative ? signPattern(ctx->negativeSymbolPrecedes, ctx->negativeSymbolSpaced,
+        const ZvChar *pattern = negative ? signPattern(ctx->negativeSymbolPrecedes, ctx->negativeSymbolSpaced,
                                          ctx->negativeSignPosition)
                            : signPattern(ctx->positiveSymbolPrecedes, ctx->positiveSymbolSpaced,
                                          ctx->positiveSignPosition);
-        sign = negative ? ctx->negativeSign : ctx->positiveSign;
-        signUnits = markUnits(negative ? ctx->negativeSign : ctx->positiveSign);
-        symbolLength = symbolUnits(*ctx);
+        const ZvChar *sign = negative ? ctx->negativeSign : ctx->positiveSign;
+        frame.spell(pattern, PatternParts{negative, ctx->symbol, symbolUnits(*ctx), sign, markUnits(sign)});
         return true;
     }
 
@@ -141,12 +141,11 @@ struct Engine {
         if (digits.n < 1) return false;
         if (call->decimals > 0 && digits.n >= 2 && digits.c[0] == u'0' && digits.c[1] == u'.')
             zeroPoint = true;
-        findMarks();
         return true;
     }
 
     // Where the digits hold their first star, E and point (-1: none), from
-    // one look at them.
+    // one look at each answer of the host.
     int64_t starAt = -1, eAt = -1, pointAt = -1;
     void findMarks() {
         starAt = eAt = pointAt = -1;
@@ -211,28 +210,26 @@ struct Engine {
     // or more than the work area when something overflowed.
     int64_t dressNumber() {
         if (number.overflow) return kWork + 1;
-        result.clear();
-        putPattern(result, pattern,
-                   PatternParts{negative, number.c, lengthWithoutTrailingBlanks(number.c, number.n),
-                                ctx->symbol, symbolLength, sign, signUnits});
-        result.trimBoth();
-        if (value > 0.0 && ctx->negativeSignPosition == 0) result.put(u' ');
-        return result.overflow ? kWork + 1 : result.n;
+        dressPieces(dress, frame, number.c, lengthWithoutTrailingBlanks(number.c, number.n),
+                    value > 0.0 && ctx->negativeSignPosition == 0);
+        return dress.overflow ? kWork + 1 : dress.units;
     }
 
     // The dressed number measured, in bytes while measureBytes is set, and
-    // set at the end of the field when it fits.
+    // set at the end of the field when it fits. A dress wider than the field
+    // by its units is never built.
     Placement place(int64_t length) {
         measure = length;
-        int32_t measured = 0;
-        if (length <= width && call->measureBytes) {
+        if (length > width) return Placement::TooWide;
+        if (call->measureBytes) {
+            placeRight(result.c, kWork, length, dress);
             int64_t bytes = 0;
-            measured = hostMeasure(call, result.c, length, kScratchBytes, &bytes);
+            const int32_t measured = hostMeasure(call, result.c, length, kScratchBytes, &bytes);
             measure = bytes;
+            if (measure > width) return Placement::TooWide;
+            if (measured != 0) return Placement::Stars;
         }
-        if (measure > width) return Placement::TooWide;
-        if (measured != 0) return Placement::Stars;
-        placeRight(out, call->outputCapacity, width, result.c, length);
+        placeRight(out, call->outputCapacity, width, dress);
         call->outputLength = width;
         call->decimals = savedDecimals;
         return Placement::Done;

@@ -94,17 +94,6 @@ inline void fillBounded(ZvChar *out, int64_t capacity, ZvChar u, int64_t count) 
     for (int64_t i = 0; i < count; ++i) out[i] = u;
 }
 
-// The field of `width` places: blanks, then the text so that it ends at the
-// last place. Places at or beyond `capacity` stay unwritten.
-inline void placeRight(ZvChar *out, int64_t capacity, int64_t width, const ZvChar *text,
-                       int64_t length) {
-    if (!out) return;
-    const int64_t start = width - length;
-    fillBounded(out, capacity, u' ', start);
-    for (int64_t i = std::max<int64_t>(0, -start); i < length && start + i < capacity; ++i)
-        out[start + i] = text[i];
-}
-
 // The width and decimals of the host's answer that a work area holds: a pass
 // that asks the same again (after giving up the groups) takes it as it stands.
 struct HostAsk {
@@ -138,45 +127,151 @@ inline bool putGrouped(WorkArea<Capacity> &out, const ZvChar *digits, int64_t le
         return false;
     }
     // Unit by unit: the runs are too short for a copy to pay.
+    ZvChar *p = out.c + out.n;
+    ZvChar *const end = out.c + Capacity;
+    auto emit = [&](ZvChar u) {
+        if (p < end) *p++ = u;
+        else out.overflow = true;
+    };
     int64_t untilSeparator = length % size;
     if (untilSeparator == 0) untilSeparator = size;
     for (int64_t i = 0; i < length; ++i, --untilSeparator) {
         if (untilSeparator == 0) {
-            out.put(separator, separatorLength);
+            for (int64_t k = 0; k < separatorLength; ++k) emit(separator[k]);
             untilSeparator = size;
         }
-        out.put(digits[i]);
+        emit(digits[i]);
     }
+    out.n = p - out.c;
     return true;
 }
 
-// What the commands of a sign-placement pattern stand for.
+// What the commands of a sign-placement pattern stand for, but the number.
 struct PatternParts {
     bool negative;
-    const ZvChar *number;
-    int64_t numberLength;
     const ZvChar *symbol;
     int64_t symbolLength;
     const ZvChar *sign;
     int64_t signLength;
 };
 
-// The pattern spelled out: '(' and ')' only for a negative value, a blank,
-// 'V' the number, '$' the symbol, '-' the sign; other characters add nothing.
+// A sign pattern spelled out on both sides of its number ('V'), once for a
+// value: '(' and ')' only for a negative value, a blank, '$' the symbol, '-'
+// the sign; other characters add nothing.
 template <int Capacity>
-inline void putPattern(WorkArea<Capacity> &out, const ZvChar *pattern, const PatternParts &parts) {
-    for (const ZvChar *p = pattern; *p; ++p) {
-        switch (*p) {
-        case u'(':
-        case u')':
-            if (parts.negative) out.put(*p);
-            break;
-        case u' ': out.put(u' '); break;
-        case u'V': out.put(parts.number, parts.numberLength); break;
-        case u'$': out.put(parts.symbol, parts.symbolLength); break;
-        case u'-': out.put(parts.sign, parts.signLength); break;
-        default: break;
+struct PatternFrame {
+    WorkArea<Capacity> before, after;
+
+    void spell(const ZvChar *pattern, const PatternParts &parts) {
+        before.clear();
+        after.clear();
+        WorkArea<Capacity> *side = &before;
+        for (const ZvChar *p = pattern; *p; ++p) {
+            switch (*p) {
+            case u'(':
+            case u')':
+                if (parts.negative) side->put(*p);
+                break;
+            case u' ': side->put(u' '); break;
+            case u'V': side = &after; break;
+            case u'$': side->put(parts.symbol, parts.symbolLength); break;
+            case u'-': side->put(parts.sign, parts.signLength); break;
+            default: break;
+            }
         }
+    }
+};
+
+// A dressed number as pieces of its frame and number, with the blanks at
+// both ends dropped, without copying a unit: a dress too wide for the field
+// is measured and given up without being built. Built, the text would hold
+// no more than the frame's capacity; the pieces keep just as many units.
+struct DressedPieces {
+    static constexpr int kMost = 4; // before, number, after, a blank behind
+    const ZvChar *text[kMost];
+    int64_t length[kMost];
+    int count = 0;
+    int64_t units = 0;     // in all the pieces
+    bool overflow = false; // the built text would have passed the capacity
+
+    void add(const ZvChar *t, int64_t n) {
+        if (n <= 0 || count == kMost) return;
+        text[count] = t;
+        length[count++] = n;
+    }
+    // Keeps the first `capacity` units.
+    void cut(int64_t capacity) {
+        int64_t room = capacity;
+        for (int i = 0; i < count; ++i) {
+            if (length[i] <= room) {
+                room -= length[i];
+                continue;
+            }
+            length[i] = room;
+            count = i + 1;
+            overflow = true;
+            return;
+        }
+    }
+    void trimBoth() {
+        int from = 0;
+        for (; from < count; ++from) {
+            while (length[from] > 0 && text[from][0] == u' ') {
+                ++text[from];
+                --length[from];
+            }
+            if (length[from] > 0) break;
+        }
+        while (count > from) {
+            while (length[count - 1] > 0 && text[count - 1][length[count - 1] - 1] == u' ') --length[count - 1];
+            if (length[count - 1] > 0) break;
+            --count;
+        }
+        int kept = 0;
+        units = 0;
+        for (int i = from; i < count; ++i) {
+            text[kept] = text[i];
+            length[kept] = length[i];
+            units += length[kept++];
+        }
+        count = kept;
+    }
+};
+
+// The number in its frame, without outer blanks; `blankBehind` then puts one
+// blank at the end.
+template <int Capacity>
+inline void dressPieces(DressedPieces &d, const PatternFrame<Capacity> &frame, const ZvChar *number,
+                        int64_t numberLength, bool blankBehind) {
+    static constexpr ZvChar kBlank[1] = {u' '};
+    d.count = 0;
+    d.overflow = frame.before.overflow || frame.after.overflow;
+    d.add(frame.before.c, frame.before.n);
+    d.add(number, numberLength);
+    d.add(frame.after.c, frame.after.n);
+    d.cut(Capacity);
+    d.trimBoth();
+    if (!blankBehind) return;
+    if (d.units < Capacity) {
+        d.add(kBlank, 1);
+        ++d.units;
+    } else {
+        d.overflow = true;
+    }
+}
+
+// The field of `width` places: blanks, then the pieces so that they end at
+// the last place. Places at or beyond `capacity` stay unwritten.
+inline void placeRight(ZvChar *out, int64_t capacity, int64_t width, const DressedPieces &d) {
+    if (!out) return;
+    int64_t at = width - d.units;
+    fillBounded(out, capacity, u' ', at);
+    const int64_t end = std::min<int64_t>(width, capacity);
+    for (int i = 0; i < d.count; ++i) {
+        const ZvChar *text = d.text[i];
+        for (int64_t p = std::max<int64_t>(at, 0), to = std::min(at + d.length[i], end); p < to; ++p)
+            out[p] = text[p - at];
+        at += d.length[i];
     }
 }
 

@@ -172,14 +172,11 @@ struct AmountWriter {
                 fraction = len - point - 1;
             }
         }
-        number.clear();
         int64_t g = money.grouping && money.grouping[0] ? int64_t(money.grouping[0]) - u'0' : 0;
         if (!grouping || e > 0) g = 0;
-        putGrouped(number, d, intLength, g, money.groupSeparator, textLength(money.groupSeparator));
-        if (fraction > 0) {
-            number.put(money.decimalSeparator, textLength(money.decimalSeparator));
-            number.put(d + intLength + 1, fraction);
-        }
+        putNumber(number, GroupedNumber{d, intLength, g, money.groupSeparator, textLength(money.groupSeparator),
+                                        money.decimalSeparator, textLength(money.decimalSeparator),
+                                        d + intLength + 1, fraction});
     }
 
     // The number in the sign pattern, without outer blanks; a positive amount

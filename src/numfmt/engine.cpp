@@ -60,6 +60,7 @@ struct Engine {
     bool eFormWide = false; // this pass: E-notation with a two-place separator
 
     WorkText digits, number, result;
+    GroupedNumber shape; // this pass's number, before it is built
     PatternFrame<kWork> frame;
     DressedPieces dress;
 
@@ -193,25 +194,29 @@ struct Engine {
             grouping = false;
         }
 
-        number.clear();
         int32_t g = ctx->groupSizes[0];
         if (!grouping || e > 0 || plainInteger) g = 0;
-        if (putGrouped(number, d, intLength, g, ctx->groupSeparator, markUnits(ctx->groupSeparator)))
-            groupsUsed = true;
-        if (fractionLength > 0) {
-            number.put(ctx->decimalSeparator, sepUnits);
-            number.put(fraction, fractionLength);
-            if (e >= 0 && sepMeasure == 2) eFormWide = true;
-        }
+        shape = GroupedNumber{d, intLength, g, ctx->groupSeparator, markUnits(ctx->groupSeparator),
+                              ctx->decimalSeparator, sepUnits, fraction, fractionLength};
+        if (shape.grouped()) groupsUsed = true;
+        if (fractionLength > 0 && e >= 0 && sepMeasure == 2) eFormWide = true;
     }
 
     // The number in the sign pattern, without outer blanks; a positive value
     // under parentheses for negatives keeps one blank behind it. Its length,
     // or more than the work area when something overflowed.
     int64_t dressNumber() {
-        if (number.overflow) return kWork + 1;
-        dressPieces(dress, frame, number.c, lengthWithoutTrailingBlanks(number.c, number.n),
-                    value > 0.0 && ctx->negativeSignPosition == 0);
+        const int64_t length = shape.length();
+        if (length > kWork) return kWork + 1;
+        const bool blankBehind = value > 0.0 && ctx->negativeSignPosition == 0;
+        const bool solid = shape.solid();
+        // Measured before it is built: a pass too wide for the field builds
+        // nothing.
+        if (const int64_t measure = solid ? frame.measureAround(length, blankBehind) : -1; measure > width)
+            return measure;
+        putNumber(number, shape);
+        dressPieces(dress, frame, number.c, solid ? length : lengthWithoutTrailingBlanks(number.c, number.n),
+                    blankBehind);
         return dress.overflow ? kWork + 1 : dress.units;
     }
 

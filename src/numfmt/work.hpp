@@ -64,7 +64,8 @@ struct WorkArea {
     void put(const ZvChar *text, int64_t length) {
         if (length <= 0) return;
         const int64_t fits = length < Capacity - n ? length : Capacity - n;
-        std::memcpy(c + n, text, size_t(fits) * sizeof(ZvChar));
+        // Unit by unit: the texts are too short for a copy to pay.
+        for (int64_t i = 0; i < fits; ++i) c[n + i] = text[i];
         n += fits;
         if (fits < length) overflow = true;
     }
@@ -116,34 +117,75 @@ inline void dropMinus(const ZvChar *&digits, int64_t &length) {
     }
 }
 
-// The integer digits with `separator` in front of each further `size`
-// digits; the first group takes what is left over. A size of 0 or less, or
-// digits no longer than one group, go whole. True when a separator went in.
-template <int Capacity>
-inline bool putGrouped(WorkArea<Capacity> &out, const ZvChar *digits, int64_t length, int64_t size,
-                       const ZvChar *separator, int64_t separatorLength) {
-    if (size <= 0 || length <= size) {
-        out.put(digits, length);
-        return false;
+// A number rebuilt from the host's digits, known by its parts before a unit
+// is written: the integer digits with `separator` in front of each further
+// `size` digits (the first group takes what is left over; a size of 0 or
+// less, or digits no longer than one group, go whole), then `point` and the
+// fraction when there is one.
+struct GroupedNumber {
+    const ZvChar *digits = nullptr;
+    int64_t intLength = 0, size = 0;
+    const ZvChar *separator = nullptr;
+    int64_t separatorLength = 0;
+    const ZvChar *point = nullptr;
+    int64_t pointLength = 0;
+    const ZvChar *fraction = nullptr;
+    int64_t fractionLength = 0;
+
+    // True when a separator goes in.
+    bool grouped() const { return size > 0 && intLength > size; }
+    int64_t length() const {
+        const int64_t separators = grouped() ? (intLength - 1) / size : 0;
+        return intLength + separators * separatorLength + (fractionLength > 0 ? pointLength + fractionLength : 0);
     }
+    // True when neither end is a blank, so that the number stops the trimming
+    // of a dress on both sides.
+    bool solid() const {
+        if (length() <= 0) return false;
+        const ZvChar first = intLength > 0 ? digits[0] : pointLength > 0 ? point[0] : fraction[0];
+        const ZvChar last = fractionLength > 0 ? fraction[fractionLength - 1] : digits[intLength - 1];
+        return first != u' ' && last != u' ';
+    }
+
+    // The number into `out`, no more than `room` units; the units written.
+    int64_t write(ZvChar *out, int64_t room) const {
+        return room >= length() ? writeUnits<false>(out, room) : writeUnits<true>(out, room);
+    }
+
+  private:
     // Unit by unit: the runs are too short for a copy to pay.
-    ZvChar *p = out.c + out.n;
-    ZvChar *const end = out.c + Capacity;
-    auto emit = [&](ZvChar u) {
-        if (p < end) *p++ = u;
-        else out.overflow = true;
-    };
-    int64_t untilSeparator = length % size;
-    if (untilSeparator == 0) untilSeparator = size;
-    for (int64_t i = 0; i < length; ++i, --untilSeparator) {
-        if (untilSeparator == 0) {
-            for (int64_t k = 0; k < separatorLength; ++k) emit(separator[k]);
-            untilSeparator = size;
+    template <bool Bounded>
+    int64_t writeUnits(ZvChar *out, int64_t room) const {
+        ZvChar *p = out;
+        ZvChar *const end = out + room;
+        auto emit = [&](const ZvChar *text, int64_t n) {
+            for (int64_t k = 0; k < n; ++k)
+                if (!Bounded || p < end) *p++ = text[k];
+        };
+        if (!grouped()) {
+            emit(digits, intLength);
+        } else {
+            int64_t run = intLength % size;
+            if (run == 0) run = size;
+            for (int64_t i = 0; i < intLength; i += run, run = size) {
+                if (i > 0) emit(separator, separatorLength);
+                emit(digits + i, run);
+            }
         }
-        emit(digits[i]);
+        if (fractionLength > 0) {
+            emit(point, pointLength);
+            emit(fraction, fractionLength);
+        }
+        return p - out;
     }
-    out.n = p - out.c;
-    return true;
+};
+
+// The number into a work area from its start; `overflow` tells of units that
+// found no room.
+template <int Capacity>
+inline void putNumber(WorkArea<Capacity> &out, const GroupedNumber &number) {
+    out.n = number.write(out.c, Capacity);
+    out.overflow = out.n < number.length();
 }
 
 // What the commands of a sign-placement pattern stand for, but the number.
@@ -161,6 +203,7 @@ struct PatternParts {
 template <int Capacity>
 struct PatternFrame {
     WorkArea<Capacity> before, after;
+    int64_t lead = 0, trail = 0; // blanks in front of `before`, behind `after`
 
     void spell(const ZvChar *pattern, const PatternParts &parts) {
         before.clear();
@@ -179,6 +222,21 @@ struct PatternFrame {
             default: break;
             }
         }
+        lead = 0;
+        while (lead < before.n && before.c[lead] == u' ') ++lead;
+        trail = 0;
+        while (trail < after.n && after.c[after.n - 1 - trail] == u' ') ++trail;
+    }
+
+    // The units of a number of n units in the frame, neither of whose ends is
+    // a blank: the outer blanks dropped and `blankBehind` added; more than
+    // the capacity when the built text would pass it. -1 when the frame and
+    // number pass the capacity before the trimming.
+    int64_t measureAround(int64_t n, bool blankBehind) const {
+        if (before.overflow || after.overflow || before.n + n + after.n > Capacity) return -1;
+        const int64_t units = before.n - lead + n + after.n - trail;
+        if (!blankBehind) return units;
+        return units < Capacity ? units + 1 : Capacity + 1;
     }
 };
 
@@ -245,6 +303,18 @@ inline void dressPieces(DressedPieces &d, const PatternFrame<Capacity> &frame, c
                         int64_t numberLength, bool blankBehind) {
     static constexpr ZvChar kBlank[1] = {u' '};
     d.count = 0;
+    d.overflow = false;
+    const bool solid = numberLength > 0 && number[0] != u' ' && number[numberLength - 1] != u' ';
+    const int64_t measure = solid ? frame.measureAround(numberLength, blankBehind) : -1;
+    if (measure >= 0 && measure <= Capacity) {
+        // The number's own ends stop the trimming.
+        d.add(frame.before.c + frame.lead, frame.before.n - frame.lead);
+        d.add(number, numberLength);
+        d.add(frame.after.c, frame.after.n - frame.trail);
+        if (blankBehind) d.add(kBlank, 1);
+        d.units = measure;
+        return;
+    }
     d.overflow = frame.before.overflow || frame.after.overflow;
     d.add(frame.before.c, frame.before.n);
     d.add(number, numberLength);

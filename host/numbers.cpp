@@ -355,8 +355,10 @@ int32_t bestFitForm(double v, int width, Text &t) {
 int32_t place(const Text &t, int32_t width, ZvChar *target, int64_t capacity, int64_t *produced) {
     const int64_t written = capacity < width ? (capacity > 0 ? capacity : 0) : width;
     const int64_t lead = width - t.n;
-    for (int64_t i = 0; i < written; ++i)
-        target[i] = i < lead ? u' ' : static_cast<ZvChar>(static_cast<unsigned char>(t.c[i - lead]));
+    const int64_t blanks = lead < written ? lead : written;
+    int64_t i = 0;
+    for (; i < blanks; ++i) target[i] = u' ';
+    for (; i < written; ++i) target[i] = static_cast<ZvChar>(static_cast<unsigned char>(t.c[i - lead]));
     if (produced) *produced = written;
     return written < width ? ZV_TARGET_TOO_SMALL : 0;
 }

@@ -103,6 +103,8 @@ struct AmountWriter {
         : call(c), money(m), en(locale), value(v), out(field), width(w), hostWidth(std::min(w, kWork)) {}
 
     bool negative = false;
+    bool blankBehind = false; // a positive amount under parentheses for negatives
+    bool wholeField = false;  // the field takes every unit of a dress by units
     const ZvChar *pattern = nullptr;
     const ZvChar *sign = nullptr;
     int64_t signLength = 0;
@@ -115,12 +117,16 @@ struct AmountWriter {
     int64_t measure = 0; // of the last dressed amount
 
     Work digits, number, result;
+    GroupedNumber shape;       // this pass's number, before it is built
+    int64_t solidMeasure = -1; // the dress of `shape` by its parts, or -1: built in `dress`
     PatternFrame<kWork> frame;
     DressedPieces dress;
 
     // The pattern and sign of the value's sign, and the currency's text.
     void prepare(const CurrencyRow &row, CurrencyForm form) {
         negative = value < 0.0;
+        blankBehind = value > 0.0 && money.negativeSignPosition == 0;
+        wholeField = out && !call->measureBytes && width <= call->outputCapacity;
         pattern = negative ? signPattern(money.negativeSymbolPrecedes, money.negativeSymbolSpaced,
                                          money.negativeSignPosition)
                            : signPattern(money.positiveSymbolPrecedes, money.positiveSymbolSpaced,
@@ -174,15 +180,24 @@ struct AmountWriter {
         }
         int64_t g = money.grouping && money.grouping[0] ? int64_t(money.grouping[0]) - u'0' : 0;
         if (!grouping || e > 0) g = 0;
-        putNumber(number, GroupedNumber{d, intLength, g, money.groupSeparator, textLength(money.groupSeparator),
-                                        money.decimalSeparator, textLength(money.decimalSeparator),
-                                        d + intLength + 1, fraction});
+        shape = GroupedNumber{d, intLength, g, money.groupSeparator, textLength(money.groupSeparator),
+                              money.decimalSeparator, textLength(money.decimalSeparator), d + intLength + 1,
+                              fraction};
     }
 
     // The number in the sign pattern, without outer blanks; a positive amount
-    // under parentheses for negatives keeps one blank behind it.
+    // under parentheses for negatives keeps one blank behind it. A number
+    // whose ends are not blanks is measured from its parts: a pass too wide
+    // for the field builds nothing, and one that fits a whole field is built
+    // there. A text that passes the work area is built, cut as it shows.
     void dressNumber() {
-        dressPieces(dress, frame, number.c, number.n, value > 0.0 && money.negativeSignPosition == 0);
+        const int64_t length = shape.length();
+        solidMeasure = length <= kWork && shape.solid() ? frame.measureAround(length, blankBehind) : -1;
+        if (solidMeasure > kWork) solidMeasure = -1;
+        if (solidMeasure > width || (solidMeasure >= 0 && wholeField)) return;
+        solidMeasure = -1;
+        putNumber(number, shape);
+        dressPieces(dress, frame, number.c, number.n, blankBehind);
     }
 
     // The pattern around the number, with the currency's text while it is
@@ -195,6 +210,13 @@ struct AmountWriter {
     // set at the end of the field. False when it doesn't fit. A dress wider
     // than the field by its units is never built.
     bool placeIfFits() {
+        if (solidMeasure >= 0) {
+            measure = solidMeasure;
+            if (measure > width) return false;
+            frame.placeAround(out, width, measure, shape, blankBehind);
+            call->outputLength = width;
+            return true;
+        }
         const bool overflow = number.overflow || dress.overflow;
         const int64_t length = dress.units;
         measure = overflow ? int64_t(kWork) + 1 : length;

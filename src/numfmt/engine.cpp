@@ -52,6 +52,8 @@ struct Engine {
     int sepUnits = 0;
     int sepMeasure = 0; // in bytes while measureBytes is set
     bool negative = false;
+    bool blankBehind = false; // a positive value under parentheses for negatives
+    bool wholeField = false;  // the field takes every unit of a dress by units
 
     // What the retreats have given up so far.
     bool grouping = true, groupsUsed = false, zeroPoint = false;
@@ -61,6 +63,7 @@ struct Engine {
 
     WorkText digits, number, result;
     GroupedNumber shape; // this pass's number, before it is built
+    int64_t solidMeasure = -1; // the dress of `shape` by its parts, or -1: built in `dress`
     PatternFrame<kWork> frame;
     DressedPieces dress;
 
@@ -122,6 +125,8 @@ struct Engine {
         if (sepUnits == 0) call->decimals = 0;
 
         negative = value < 0.0;
+        blankBehind = value > 0.0 && ctx->negativeSignPosition == 0;
+        wholeField = out && !call->measureBytes && width <= call->outputCapacity;
         const ZvChar *pattern = negative ? signPattern(ctx->negativeSymbolPrecedes, ctx->negativeSymbolSpaced,
                                          ctx->negativeSignPosition)
                            : signPattern(ctx->positiveSymbolPrecedes, ctx->positiveSymbolSpaced,
@@ -208,15 +213,14 @@ struct Engine {
     int64_t dressNumber() {
         const int64_t length = shape.length();
         if (length > kWork) return kWork + 1;
-        const bool blankBehind = value > 0.0 && ctx->negativeSignPosition == 0;
-        const bool solid = shape.solid();
-        // Measured before it is built: a pass too wide for the field builds
-        // nothing.
-        if (const int64_t measure = solid ? frame.measureAround(length, blankBehind) : -1; measure > width)
-            return measure;
+        // A number whose ends are not blanks is measured from its parts: a
+        // pass too wide for the field builds nothing, and one that fits a
+        // whole field is built there.
+        solidMeasure = shape.solid() ? frame.measureAround(length, blankBehind) : -1;
+        if (solidMeasure > width || (solidMeasure >= 0 && wholeField)) return solidMeasure;
+        solidMeasure = -1;
         putNumber(number, shape);
-        dressPieces(dress, frame, number.c, solid ? length : lengthWithoutTrailingBlanks(number.c, number.n),
-                    blankBehind);
+        dressPieces(dress, frame, number.c, lengthWithoutTrailingBlanks(number.c, number.n), blankBehind);
         return dress.overflow ? kWork + 1 : dress.units;
     }
 
@@ -226,15 +230,19 @@ struct Engine {
     Placement place(int64_t length) {
         measure = length;
         if (length > width) return Placement::TooWide;
-        if (call->measureBytes) {
-            placeRight(result.c, kWork, length, dress);
-            int64_t bytes = 0;
-            const int32_t measured = hostMeasure(call, result.c, length, kScratchBytes, &bytes);
-            measure = bytes;
-            if (measure > width) return Placement::TooWide;
-            if (measured != 0) return Placement::Stars;
+        if (solidMeasure >= 0) {
+            frame.placeAround(out, width, length, shape, blankBehind);
+        } else {
+            if (call->measureBytes) {
+                placeRight(result.c, kWork, length, dress);
+                int64_t bytes = 0;
+                const int32_t measured = hostMeasure(call, result.c, length, kScratchBytes, &bytes);
+                measure = bytes;
+                if (measure > width) return Placement::TooWide;
+                if (measured != 0) return Placement::Stars;
+            }
+            placeRight(out, call->outputCapacity, width, dress);
         }
-        placeRight(out, call->outputCapacity, width, dress);
         call->outputLength = width;
         call->decimals = savedDecimals;
         return Placement::Done;

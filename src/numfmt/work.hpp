@@ -153,14 +153,17 @@ struct GroupedNumber {
     }
 
   private:
-    // Unit by unit: the runs are too short for a copy to pay.
     template <bool Bounded>
     int64_t writeUnits(ZvChar *out, int64_t room) const {
         ZvChar *p = out;
         ZvChar *const end = out + room;
         auto emit = [&](const ZvChar *text, int64_t n) {
-            for (int64_t k = 0; k < n; ++k)
-                if (!Bounded || p < end) *p++ = text[k];
+            if (!Bounded) {
+                std::memcpy(p, text, size_t(n) * sizeof(ZvChar));
+                p += n;
+                return;
+            }
+            for (int64_t k = 0; k < n && p < end; ++k) *p++ = text[k];
         };
         if (!grouped()) {
             emit(digits, intLength);
@@ -238,6 +241,18 @@ struct PatternFrame {
         if (!blankBehind) return units;
         return units < Capacity ? units + 1 : Capacity + 1;
     }
+
+    // The dress of a number of `measure` units by measureAround, written
+    // straight into the whole of a field of `width` places: blanks first.
+    void placeAround(ZvChar *out, int64_t width, int64_t measure, const GroupedNumber &number,
+                     bool blankBehind) const {
+        ZvChar *p = out;
+        for (int64_t i = measure; i < width; ++i) *p++ = u' ';
+        for (int64_t i = lead; i < before.n; ++i) *p++ = before.c[i];
+        p += number.write(p, out + width - p);
+        for (int64_t i = 0; i < after.n - trail; ++i) *p++ = after.c[i];
+        if (blankBehind) *p = u' ';
+    }
 };
 
 // A dressed number as pieces of its frame and number, with the blanks at
@@ -303,18 +318,6 @@ inline void dressPieces(DressedPieces &d, const PatternFrame<Capacity> &frame, c
                         int64_t numberLength, bool blankBehind) {
     static constexpr ZvChar kBlank[1] = {u' '};
     d.count = 0;
-    d.overflow = false;
-    const bool solid = numberLength > 0 && number[0] != u' ' && number[numberLength - 1] != u' ';
-    const int64_t measure = solid ? frame.measureAround(numberLength, blankBehind) : -1;
-    if (measure >= 0 && measure <= Capacity) {
-        // The number's own ends stop the trimming.
-        d.add(frame.before.c + frame.lead, frame.before.n - frame.lead);
-        d.add(number, numberLength);
-        d.add(frame.after.c, frame.after.n - frame.trail);
-        if (blankBehind) d.add(kBlank, 1);
-        d.units = measure;
-        return;
-    }
     d.overflow = frame.before.overflow || frame.after.overflow;
     d.add(frame.before.c, frame.before.n);
     d.add(number, numberLength);

@@ -132,16 +132,21 @@ struct GroupedNumber {
     const ZvChar *fraction = nullptr;
     int64_t fractionLength = 0;
 
+    GroupedNumber() = default;
+    GroupedNumber(const ZvChar *d, int64_t intUnits, int64_t groupSize, const ZvChar *sep, int64_t sepUnits,
+                  const ZvChar *pointText, int64_t pointUnits, const ZvChar *fractionText, int64_t fractionUnits)
+        : digits(d), intLength(intUnits), size(groupSize), separator(sep), separatorLength(sepUnits),
+          point(pointText), pointLength(pointUnits), fraction(fractionText), fractionLength(fractionUnits),
+          units(intLength + (grouped() ? (intLength - 1) / size * separatorLength : 0) +
+                (fractionLength > 0 ? pointLength + fractionLength : 0)) {}
+
     // True when a separator goes in.
     bool grouped() const { return size > 0 && intLength > size; }
-    int64_t length() const {
-        const int64_t separators = grouped() ? (intLength - 1) / size : 0;
-        return intLength + separators * separatorLength + (fractionLength > 0 ? pointLength + fractionLength : 0);
-    }
+    int64_t length() const { return units; }
     // True when neither end is a blank, so that the number stops the trimming
     // of a dress on both sides.
     bool solid() const {
-        if (length() <= 0) return false;
+        if (units <= 0) return false;
         const ZvChar first = intLength > 0 ? digits[0] : pointLength > 0 ? point[0] : fraction[0];
         const ZvChar last = fractionLength > 0 ? fraction[fractionLength - 1] : digits[intLength - 1];
         return first != u' ' && last != u' ';
@@ -149,21 +154,19 @@ struct GroupedNumber {
 
     // The number into `out`, no more than `room` units; the units written.
     int64_t write(ZvChar *out, int64_t room) const {
-        return room >= length() ? writeUnits<false>(out, room) : writeUnits<true>(out, room);
+        return room >= units ? writeUnits<false>(out, room) : writeUnits<true>(out, room);
     }
 
   private:
+    int64_t units = 0;
+
+    // Unit by unit: the runs are too short for a copy to pay.
     template <bool Bounded>
     int64_t writeUnits(ZvChar *out, int64_t room) const {
         ZvChar *p = out;
         ZvChar *const end = out + room;
         auto emit = [&](const ZvChar *text, int64_t n) {
-            if (!Bounded) {
-                std::memcpy(p, text, size_t(n) * sizeof(ZvChar));
-                p += n;
-                return;
-            }
-            for (int64_t k = 0; k < n && p < end; ++k) *p++ = text[k];
+            for (int64_t k = 0; k < n && (!Bounded || p < end); ++k) *p++ = text[k];
         };
         if (!grouped()) {
             emit(digits, intLength);

@@ -124,17 +124,20 @@ bool shortFixedDigits(double a, int places, char *out, int *length) {
     char digits[24];
     char *p = digits + sizeof digits;
     uint64_t q = uint64_t(x);
-    for (; q >= 100; q /= 100) std::memcpy(p -= 2, kPairs + 2 * (q % 100), 2);
-    if (q >= 10) std::memcpy(p -= 2, kPairs + 2 * q, 2);
-    else *--p = char('0' + q);
+    for (; q > UINT32_MAX; q /= 100) std::memcpy(p -= 2, kPairs + 2 * (q % 100), 2);
+    // The rest in 32 bits, whose division is the cheaper.
+    auto r = static_cast<uint32_t>(q);
+    for (; r >= 100; r /= 100) std::memcpy(p -= 2, kPairs + 2 * (r % 100), 2);
+    if (r >= 10) std::memcpy(p -= 2, kPairs + 2 * r, 2);
+    else *--p = char('0' + r);
     while (digits + sizeof digits - p <= places) *--p = '0';
     const int whole = int(digits + sizeof digits - p) - places;
-    std::memcpy(out, p, size_t(whole));
-    int k = whole;
+    // Char by char: a dozen at most go either side of the point.
+    int k = 0;
+    for (; k < whole; ++k) out[k] = p[k];
     if (places > 0) {
         out[k++] = '.';
-        std::memcpy(out + k, p + whole, size_t(places));
-        k += places;
+        for (int i = 0; i < places; ++i) out[k++] = p[whole + i];
     }
     *length = k;
     return true;

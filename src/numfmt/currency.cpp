@@ -170,13 +170,11 @@ struct AmountWriter {
         int64_t len = digits.n;
         dropMinus(d, len);
         int64_t intLength = len, fraction = 0;
-        const int64_t e = findChar(d, len, u'E');
-        if (e > 0 || call->decimals != 0) {
-            const int64_t point = findChar(d, len, u'.');
-            if (point >= 0) {
-                intLength = point;
-                fraction = len - point - 1;
-            }
+        const DigitMarks marks = findMarks(d, len);
+        const int64_t e = marks.e;
+        if ((e > 0 || call->decimals != 0) && marks.point >= 0) {
+            intLength = marks.point;
+            fraction = len - marks.point - 1;
         }
         int64_t g = money.grouping && money.grouping[0] ? int64_t(money.grouping[0]) - u'0' : 0;
         if (!grouping || e > 0) g = 0;

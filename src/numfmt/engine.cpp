@@ -8,7 +8,6 @@
 #include "locale/block.hpp"
 #include "numfmt/numfmt.hpp"
 #include "numfmt/work.hpp"
-#include "wide/ascii.hpp"
 
 namespace zv {
 
@@ -83,7 +82,7 @@ struct Engine {
     bool hostDigits(int32_t hostWidth) {
         if (!asked.repeats(hostWidth, call->decimals)) {
             askedAnswer = askHost(hostWidth, digits);
-            findMarks();
+            marks = findMarks(digits.c, digits.n);
         }
         return askedAnswer;
     }
@@ -150,25 +149,11 @@ struct Engine {
         return true;
     }
 
-    // Where the digits hold their first star, E and point (-1: none), from
-    // one look at each answer of the host.
-    int64_t starAt = -1, eAt = -1, pointAt = -1;
-    void findMarks() {
-        starAt = eAt = pointAt = -1;
-        for (int64_t i = digits.n - 1; i >= 0; --i) {
-            if (isAsciiDigit(digits.c[i])) continue;
-            switch (digits.c[i]) {
-            case u'*': starAt = i; break;
-            case u'E': eAt = i; break;
-            case u'.': pointAt = i; break;
-            default: break;
-            }
-        }
-    }
+    DigitMarks marks; // of each answer of the host
 
     // Text that the host starred or wrote too wide is never dressed.
     bool digitsWorthDressing() const {
-        return digits.n <= width && starAt < 0;
+        return digits.n <= width && marks.star < 0;
     }
 
     // The digits without their sign, grouped by the context, with its
@@ -178,8 +163,8 @@ struct Engine {
         int64_t len = digits.n;
         dropMinus(d, len);
         const int64_t shift = digits.n - len; // the minus dropped
-        const int64_t e = eAt < 0 ? -1 : eAt - shift;
-        const int64_t point = pointAt < 0 ? -1 : pointAt - shift;
+        const int64_t e = marks.e < 0 ? -1 : marks.e - shift;
+        const int64_t point = marks.point < 0 ? -1 : marks.point - shift;
         int64_t intLength = len;
         const ZvChar *fraction = nullptr;
         int64_t fractionLength = 0;

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "frame/frame.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
@@ -115,6 +116,26 @@ inline void dropMinus(const ZvChar *&digits, int64_t &length) {
         ++digits;
         --length;
     }
+}
+
+// Where the host's digits hold their first star, E and point (-1: none).
+struct DigitMarks {
+    int64_t star = -1, e = -1, point = -1;
+};
+
+// The marks from one look at the digits.
+inline DigitMarks findMarks(const ZvChar *digits, int64_t length) {
+    DigitMarks marks;
+    for (int64_t i = length - 1; i >= 0; --i) {
+        if (isAsciiDigit(digits[i])) continue;
+        switch (digits[i]) {
+        case u'*': marks.star = i; break;
+        case u'E': marks.e = i; break;
+        case u'.': marks.point = i; break;
+        default: break;
+        }
+    }
+    return marks;
 }
 
 // A number rebuilt from the host's digits, known by its parts before a unit

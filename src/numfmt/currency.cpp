@@ -15,6 +15,8 @@ namespace {
 constexpr int kWork = 64;
 constexpr int kScratchBytes = 64;
 constexpr ZvChar kEmpty[1] = {0};
+// The digits of an amount that the host can't fit.
+constexpr ZvChar kLoneStar[1] = {u'*'};
 
 using Work = WorkArea<kWork>;
 
@@ -116,7 +118,8 @@ struct AmountWriter {
     int32_t narrowing = 0;
     int64_t measure = 0; // of the last dressed amount
 
-    Work digits, number, result;
+    HostText<kWork> digits;
+    Work number, result;
     GroupedNumber shape;       // this pass's number, before it is built
     int64_t solidMeasure = -1; // the dress of `shape` by its parts, or -1: built in `dress`
     PatternFrame<kWork> frame;
@@ -147,7 +150,7 @@ struct AmountWriter {
             en->ops->formatNumber(en, value, w, call->decimals, ZV_NUMBER_PLAIN, digits.c, kWork, &produced);
         else
             produced = 0;
-        digits.takeWritten(produced);
+        digits.take(produced);
     }
 
     // The digits for this pass; a text that fills the field is asked for
@@ -157,8 +160,7 @@ struct AmountWriter {
         if (digits.n < width) return;
         askHost(hostWidth - narrowing);
         if (digits.n <= width) return;
-        digits.clear();
-        digits.put(u'*');
+        digits.replace(kLoneStar, 1);
         asked.forget();
     }
 
@@ -166,7 +168,7 @@ struct AmountWriter {
     // decimal separator before the fraction. E-notation is never grouped; a
     // lone star stays as it is.
     void rebuildNumber() {
-        const ZvChar *d = digits.c;
+        const ZvChar *d = digits.text;
         int64_t len = digits.n;
         dropMinus(d, len);
         int64_t intLength = len, fraction = 0;

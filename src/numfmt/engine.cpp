@@ -48,7 +48,7 @@ struct Engine {
     // Fixed for the call once the separator is measured and the pattern chosen.
     ZvChar *out = nullptr;
     int32_t width = 0;
-    int sepUnits = 0;
+    int sepUnits = 0, groupUnits = 0;
     int sepMeasure = 0; // in bytes while measureBytes is set
     bool negative = false;
     bool blankBehind = false; // a positive value under parentheses for negatives
@@ -60,7 +60,8 @@ struct Engine {
     int64_t measure = -1; // of the last dressed number; -1 before the first
     bool eFormWide = false; // this pass: E-notation with a two-place separator
 
-    WorkText digits, number, result;
+    HostText<kWork> digits;
+    WorkText number, result;
     GroupedNumber shape; // this pass's number, before it is built
     int64_t solidMeasure = -1; // the dress of `shape` by its parts, or -1: built in `dress`
     PatternFrame<kWork> frame;
@@ -82,25 +83,25 @@ struct Engine {
     bool hostDigits(int32_t hostWidth) {
         if (!asked.repeats(hostWidth, call->decimals)) {
             askedAnswer = askHost(hostWidth, digits);
-            marks = findMarks(digits.c, digits.n);
+            marks = findMarks(digits.text, digits.n);
         }
         return askedAnswer;
     }
 
     // One call of the host's plain form; the left-justified text without
     // trailing blanks in `text`. False: stars.
-    bool askHost(int32_t hostWidth, WorkText &text) {
+    bool askHost(int32_t hostWidth, HostText<kWork> &text) {
         HostLocale *en = instance->defaultLocale;
-        text.clear();
+        text.take(0);
         if (!en || !en->ops || !en->ops->formatNumber || hostWidth < 1) return false;
         int64_t produced = call->outputCapacity;
         const int32_t status = en->ops->formatNumber(en, value, hostWidth, call->decimals,
                                                      ZV_NUMBER_PLAIN, text.c, kWork, &produced);
-        text.takeWritten(produced);
+        text.take(produced);
         if (status == kHostNotPlain) {
             if (call->outputCapacity < text.n) return false;
             const int64_t look = std::min<int64_t>(text.n, call->outputLength);
-            if (findChar(text.c, look, u'*') >= 0) return false;
+            if (findChar(text.text, look, u'*') >= 0) return false;
         } else if (status != 0) {
             return false;
         }
@@ -114,6 +115,7 @@ struct Engine {
         width = call->width;
 
         sepUnits = markUnits(ctx->decimalSeparator);
+        groupUnits = markUnits(ctx->groupSeparator);
         sepMeasure = sepUnits;
         if (call->measureBytes && sepUnits > 0) {
             int64_t bytes = 0;
@@ -144,7 +146,7 @@ struct Engine {
             if (!hostDigits(width - narrowing)) return false;
         }
         if (digits.n < 1) return false;
-        if (call->decimals > 0 && digits.n >= 2 && digits.c[0] == u'0' && digits.c[1] == u'.')
+        if (call->decimals > 0 && digits.n >= 2 && digits.text[0] == u'0' && digits.text[1] == u'.')
             zeroPoint = true;
         return true;
     }
@@ -159,7 +161,7 @@ struct Engine {
     // The digits without their sign, grouped by the context, with its
     // decimal separator. E-notation keeps its integer part whole.
     void rebuildNumber() {
-        const ZvChar *d = digits.c;
+        const ZvChar *d = digits.text;
         int64_t len = digits.n;
         dropMinus(d, len);
         const int64_t shift = digits.n - len; // the minus dropped
@@ -186,7 +188,7 @@ struct Engine {
 
         int32_t g = ctx->groupSizes[0];
         if (!grouping || e > 0 || plainInteger) g = 0;
-        shape = GroupedNumber{d, intLength, g, ctx->groupSeparator, markUnits(ctx->groupSeparator),
+        shape = GroupedNumber{d, intLength, g, ctx->groupSeparator, groupUnits,
                               ctx->decimalSeparator, sepUnits, fraction, fractionLength};
         if (shape.grouped()) groupsUsed = true;
         if (fractionLength > 0 && e >= 0 && sepMeasure == 2) eFormWide = true;

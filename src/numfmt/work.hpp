@@ -70,24 +70,33 @@ struct WorkArea {
         n += fits;
         if (fits < length) overflow = true;
     }
-    // The host's text written straight into `c`: its `produced` units,
-    // without leading and trailing blanks.
-    void takeWritten(int64_t produced) {
-        overflow = false;
-        n = std::clamp<int64_t>(produced, 0, Capacity);
-        trimBoth();
-    }
-    void trimBoth() {
-        int64_t begin = 0;
-        while (begin < n && c[begin] == u' ') ++begin;
-        int64_t end = n;
-        while (end > begin && c[end - 1] == u' ') --end;
-        if (begin > 0) std::memmove(c, c + begin, size_t(end - begin) * sizeof(ZvChar));
-        n = end - begin;
-    }
 };
 
 using WorkText = WorkArea<256>;
+
+// The host's text where the host wrote it into `c`: `text` and `n` are its
+// units without leading and trailing blanks.
+template <int Capacity>
+struct HostText {
+    ZvChar c[Capacity];
+    const ZvChar *text = c;
+    int64_t n = 0;
+
+    // The `produced` units written into `c`.
+    void take(int64_t produced) {
+        int64_t end = std::clamp<int64_t>(produced, 0, Capacity);
+        int64_t begin = 0;
+        while (begin < end && c[begin] == u' ') ++begin;
+        while (end > begin && c[end - 1] == u' ') --end;
+        text = c + begin;
+        n = end - begin;
+    }
+    // A text of the caller's in place of the host's.
+    void replace(const ZvChar *other, int64_t length) {
+        text = other;
+        n = length;
+    }
+};
 
 // `count` copies of u, no further than `capacity` units.
 inline void fillBounded(ZvChar *out, int64_t capacity, ZvChar u, int64_t count) {

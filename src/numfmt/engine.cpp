@@ -81,10 +81,7 @@ struct Engine {
 
     // The host's digits in `digits`; false: stars.
     bool hostDigits(int32_t hostWidth) {
-        if (!asked.repeats(hostWidth, call->decimals)) {
-            askedAnswer = askHost(hostWidth, digits);
-            marks = findMarks(digits.text, digits.n);
-        }
+        if (!asked.repeats(hostWidth, call->decimals)) askedAnswer = askHost(hostWidth, digits);
         return askedAnswer;
     }
 
@@ -93,11 +90,13 @@ struct Engine {
     bool askHost(int32_t hostWidth, HostText<kWork> &text) {
         HostLocale *en = instance->defaultLocale;
         text.take(0);
+        marks = DigitMarks{};
         if (!en || !en->ops || !en->ops->formatNumber || hostWidth < 1) return false;
         int64_t produced = call->outputCapacity;
         const int32_t status = en->ops->formatNumber(en, value, hostWidth, call->decimals,
                                                      ZV_NUMBER_PLAIN, text.c, kWork, &produced);
         text.take(produced);
+        marks = findMarks(text.text, text.n);
         if (status == kHostNotPlain) {
             if (call->outputCapacity < text.n) return false;
             const int64_t look = std::min<int64_t>(text.n, call->outputLength);

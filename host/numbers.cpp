@@ -111,9 +111,9 @@ bool shortFixedDigits(double a, int places, char *out, int *length) {
     } else if (-shift > 100) {
         x = 0; // below a half of the last place
     } else {
-        const unsigned __int128 half = static_cast<unsigned __int128>(1) << (-shift - 1);
-        const bool up = (x & ((half << 1) - 1)) >= half; // a tie goes away from zero
-        x = (x >> -shift) + (up ? 1 : 0);
+        // Half a unit of the last place added carries into it when what the
+        // shift drops is at least that half: a tie goes away from zero.
+        x = (x + (static_cast<unsigned __int128>(1) << (-shift - 1))) >> -shift;
     }
     if (x >= kShortLimit) return false;
     // The digits from the right, two at a time, then zeros up to one in

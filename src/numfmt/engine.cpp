@@ -85,8 +85,8 @@ struct Engine {
         return askedAnswer;
     }
 
-    // One call of the host's plain form; the left-justified text without
-    // trailing blanks in `text`. False: stars.
+    // One call of the host's plain form; its text without outer blanks in
+    // `text`, and the marks of it. False: stars.
     bool askHost(int32_t hostWidth, HostText<kWork> &text) {
         HostLocale *en = instance->defaultLocale;
         text.take(0);
@@ -127,10 +127,9 @@ struct Engine {
         negative = value < 0.0;
         blankBehind = value > 0.0 && ctx->negativeSignPosition == 0;
         wholeField = out && !call->measureBytes && width <= call->outputCapacity;
-        const ZvChar *pattern = negative ? signPattern(ctx->negativeSymbolPrecedes, ctx->negativeSymbolSpaced,
-                                         ctx->negativeSignPosition)
-                           : signPattern(ctx->positiveSymbolPrecedes, ctx->positiveSymbolSpaced,
-                                         ctx->positiveSignPosition);
+        const ZvChar *pattern =
+            negative ? signPattern(ctx->negativeSymbolPrecedes, ctx->negativeSymbolSpaced, ctx->negativeSignPosition)
+                     : signPattern(ctx->positiveSymbolPrecedes, ctx->positiveSymbolSpaced, ctx->positiveSignPosition);
         const ZvChar *sign = negative ? ctx->negativeSign : ctx->positiveSign;
         frame.spell(pattern, PatternParts{negative, ctx->symbol, symbolUnits(*ctx), sign, markUnits(sign)});
         return true;

@@ -184,7 +184,15 @@ struct GroupedNumber {
 
     // The number into `out`, no more than `room` units; the units written.
     int64_t write(ZvChar *out, int64_t room) const {
-        return room >= units ? writeUnits<false>(out, room) : writeUnits<true>(out, room);
+        if (room < units) return writeUnits<true>(out, room);
+        if (!grouped() && fractionLength > 0 && pointLength == 1 && fraction == digits + intLength + 1) {
+            // The digits as the host wrote them, in one run, with the point
+            // put in.
+            for (int64_t k = 0; k < units; ++k) out[k] = digits[k];
+            out[intLength] = point[0];
+            return units;
+        }
+        return writeUnits<false>(out, room);
     }
 
   private:

@@ -111,9 +111,9 @@ bool shortFixedDigits(double a, int places, char *out, int *length) {
     } else if (-shift > 100) {
         x = 0; // below a half of the last place
     } else {
-        const unsigned __int128 half = static_cast<unsigned __int128>(1) << (-shift - 1);
-        const bool up = (x & ((half << 1) - 1)) >= half; // a tie goes away from zero
-        x = (x >> -shift) + (up ? 1 : 0);
+        // Half a unit of the last place added carries into it when what the
+        // shift drops is at least that half: a tie goes away from zero.
+        x = (x + (static_cast<unsigned __int128>(1) << (-shift - 1))) >> -shift;
     }
     if (x >= kShortLimit) return false;
     // The digits from the right, two at a time, then zeros up to one in
@@ -124,17 +124,20 @@ bool shortFixedDigits(double a, int places, char *out, int *length) {
     char digits[24];
     char *p = digits + sizeof digits;
     uint64_t q = uint64_t(x);
-    for (; q >= 100; q /= 100) std::memcpy(p -= 2, kPairs + 2 * (q % 100), 2);
-    if (q >= 10) std::memcpy(p -= 2, kPairs + 2 * q, 2);
-    else *--p = char('0' + q);
+    for (; q > UINT32_MAX; q /= 100) std::memcpy(p -= 2, kPairs + 2 * (q % 100), 2);
+    // The rest in 32 bits, whose division is the cheaper.
+    auto r = static_cast<uint32_t>(q);
+    for (; r >= 100; r /= 100) std::memcpy(p -= 2, kPairs + 2 * (r % 100), 2);
+    if (r >= 10) std::memcpy(p -= 2, kPairs + 2 * r, 2);
+    else *--p = char('0' + r);
     while (digits + sizeof digits - p <= places) *--p = '0';
     const int whole = int(digits + sizeof digits - p) - places;
-    std::memcpy(out, p, size_t(whole));
-    int k = whole;
+    // Char by char: a dozen at most go either side of the point.
+    int k = 0;
+    for (; k < whole; ++k) out[k] = p[k];
     if (places > 0) {
         out[k++] = '.';
-        std::memcpy(out + k, p + whole, size_t(places));
-        k += places;
+        for (int i = 0; i < places; ++i) out[k++] = p[whole + i];
     }
     *length = k;
     return true;
@@ -355,8 +358,10 @@ int32_t bestFitForm(double v, int width, Text &t) {
 int32_t place(const Text &t, int32_t width, ZvChar *target, int64_t capacity, int64_t *produced) {
     const int64_t written = capacity < width ? (capacity > 0 ? capacity : 0) : width;
     const int64_t lead = width - t.n;
-    for (int64_t i = 0; i < written; ++i)
-        target[i] = i < lead ? u' ' : static_cast<ZvChar>(static_cast<unsigned char>(t.c[i - lead]));
+    const int64_t blanks = lead < written ? lead : written;
+    int64_t i = 0;
+    for (; i < blanks; ++i) target[i] = u' ';
+    for (; i < written; ++i) target[i] = static_cast<ZvChar>(static_cast<unsigned char>(t.c[i - lead]));
     if (produced) *produced = written;
     return written < width ? ZV_TARGET_TOO_SMALL : 0;
 }

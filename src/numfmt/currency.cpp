@@ -15,6 +15,8 @@ namespace {
 constexpr int kWork = 64;
 constexpr int kScratchBytes = 64;
 constexpr ZvChar kEmpty[1] = {0};
+// The digits of an amount that the host can't fit.
+constexpr ZvChar kLoneStar[1] = {u'*'};
 
 using Work = WorkArea<kWork>;
 
@@ -103,6 +105,8 @@ struct AmountWriter {
         : call(c), money(m), en(locale), value(v), out(field), width(w), hostWidth(std::min(w, kWork)) {}
 
     bool negative = false;
+    bool blankBehind = false; // a positive amount under parentheses for negatives
+    bool wholeField = false;  // the field takes every unit of a dress by units
     const ZvChar *pattern = nullptr;
     const ZvChar *sign = nullptr;
     int64_t signLength = 0;
@@ -114,11 +118,18 @@ struct AmountWriter {
     int32_t narrowing = 0;
     int64_t measure = 0; // of the last dressed amount
 
-    Work digits, number, result;
+    HostText<kWork> digits;
+    Work number, result;
+    GroupedNumber shape;       // this pass's number, before it is built
+    int64_t solidMeasure = -1; // the dress of `shape` by its parts, or -1: built in `dress`
+    PatternFrame<kWork> frame;
+    DressedPieces dress;
 
     // The pattern and sign of the value's sign, and the currency's text.
     void prepare(const CurrencyRow &row, CurrencyForm form) {
         negative = value < 0.0;
+        blankBehind = value > 0.0 && money.negativeSignPosition == 0;
+        wholeField = out && !call->measureBytes && width <= call->outputCapacity;
         pattern = negative ? signPattern(money.negativeSymbolPrecedes, money.negativeSymbolSpaced,
                                          money.negativeSignPosition)
                            : signPattern(money.positiveSymbolPrecedes, money.positiveSymbolSpaced,
@@ -126,6 +137,7 @@ struct AmountWriter {
         sign = negative ? money.negativeSign : money.positiveSign;
         signLength = textLength(sign);
         symbolLength = currencyMark(call, row, form, symbol);
+        spellFrame();
     }
 
     HostAsk asked;
@@ -138,7 +150,7 @@ struct AmountWriter {
             en->ops->formatNumber(en, value, w, call->decimals, ZV_NUMBER_PLAIN, digits.c, kWork, &produced);
         else
             produced = 0;
-        digits.takeWritten(produced);
+        digits.take(produced);
     }
 
     // The digits for this pass; a text that fills the field is asked for
@@ -148,8 +160,7 @@ struct AmountWriter {
         if (digits.n < width) return;
         askHost(hostWidth - narrowing);
         if (digits.n <= width) return;
-        digits.clear();
-        digits.put(u'*');
+        digits.replace(kLoneStar, 1);
         asked.forget();
     }
 
@@ -157,53 +168,67 @@ struct AmountWriter {
     // decimal separator before the fraction. E-notation is never grouped; a
     // lone star stays as it is.
     void rebuildNumber() {
-        const ZvChar *d = digits.c;
+        const ZvChar *d = digits.text;
         int64_t len = digits.n;
         dropMinus(d, len);
         int64_t intLength = len, fraction = 0;
-        const int64_t e = findChar(d, len, u'E');
-        if (e > 0 || call->decimals != 0) {
-            const int64_t point = findChar(d, len, u'.');
-            if (point >= 0) {
-                intLength = point;
-                fraction = len - point - 1;
-            }
+        const DigitMarks marks = findMarks(d, len);
+        const int64_t e = marks.e;
+        if ((e > 0 || call->decimals != 0) && marks.point >= 0) {
+            intLength = marks.point;
+            fraction = len - marks.point - 1;
         }
-        number.clear();
         int64_t g = money.grouping && money.grouping[0] ? int64_t(money.grouping[0]) - u'0' : 0;
         if (!grouping || e > 0) g = 0;
-        putGrouped(number, d, intLength, g, money.groupSeparator, textLength(money.groupSeparator));
-        if (fraction > 0) {
-            number.put(money.decimalSeparator, textLength(money.decimalSeparator));
-            number.put(d + intLength + 1, fraction);
-        }
+        shape = GroupedNumber{d, intLength, g, money.groupSeparator, textLength(money.groupSeparator),
+                              money.decimalSeparator, textLength(money.decimalSeparator), d + intLength + 1,
+                              fraction};
     }
 
     // The number in the sign pattern, without outer blanks; a positive amount
-    // under parentheses for negatives keeps one blank behind it.
+    // under parentheses for negatives keeps one blank behind it. A number
+    // whose ends are not blanks is measured from its parts: a pass too wide
+    // for the field builds nothing, and one that fits a whole field is built
+    // there. A text that passes the work area is built, cut as it shows.
     void dressNumber() {
-        result.clear();
-        putPattern(result, pattern,
-                   PatternParts{negative, number.c, number.n, symbol, symbolShown ? symbolLength : 0,
-                                sign, signLength});
-        result.trimBoth();
-        if (value > 0.0 && money.negativeSignPosition == 0) result.put(u' ');
+        const int64_t length = shape.length();
+        solidMeasure = length <= kWork && shape.solid() ? frame.measureAround(length, blankBehind) : -1;
+        if (solidMeasure > kWork) solidMeasure = -1;
+        if (solidMeasure > width || (solidMeasure >= 0 && wholeField)) return;
+        solidMeasure = -1;
+        putNumber(number, shape);
+        dressPieces(dress, frame, number.c, number.n, blankBehind);
+    }
+
+    // The pattern around the number, with the currency's text while it is
+    // shown.
+    void spellFrame() {
+        frame.spell(pattern, PatternParts{negative, symbol, symbolShown ? symbolLength : 0, sign, signLength});
     }
 
     // The dressed amount measured, in bytes while measureBytes is set, and
-    // set at the end of the field. False when it doesn't fit.
+    // set at the end of the field. False when it doesn't fit. A dress wider
+    // than the field by its units is never built.
     bool placeIfFits() {
-        const bool overflow = number.overflow || result.overflow;
-        const int64_t length = result.n;
+        if (solidMeasure >= 0) {
+            measure = solidMeasure;
+            if (measure > width) return false;
+            frame.placeAround(out, width, measure, shape, blankBehind);
+            call->outputLength = width;
+            return true;
+        }
+        const bool overflow = number.overflow || dress.overflow;
+        const int64_t length = dress.units;
         measure = overflow ? int64_t(kWork) + 1 : length;
         int32_t measured = 0;
         if (!overflow && length <= width && call->measureBytes) {
+            placeRight(result.c, kWork, length, dress);
             int64_t bytes = 0;
             measured = hostMeasure(call, result.c, length, kScratchBytes, &bytes);
             measure = bytes;
         }
         if (measure > width || measured != 0) return false;
-        placeRight(out, call->outputCapacity, width, result.c, length);
+        placeRight(out, call->outputCapacity, width, dress);
         call->outputLength = width;
         return true;
     }
@@ -216,6 +241,7 @@ struct AmountWriter {
             grouping = false;
         } else if (symbolShown) {
             symbolShown = false;
+            spellFrame();
         } else if (narrowing == 0 && measure > width) {
             // Never ask the host for a field narrower than one place.
             const int64_t excess = measure - width;

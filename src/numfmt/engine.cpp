@@ -8,7 +8,6 @@
 #include "locale/block.hpp"
 #include "numfmt/numfmt.hpp"
 #include "numfmt/work.hpp"
-#include "wide/ascii.hpp"
 
 namespace zv {
 
@@ -49,13 +48,11 @@ struct Engine {
     // Fixed for the call once the separator is measured and the pattern chosen.
     ZvChar *out = nullptr;
     int32_t width = 0;
-    int sepUnits = 0;
+    int sepUnits = 0, groupUnits = 0;
     int sepMeasure = 0; // in bytes while measureBytes is set
     bool negative = false;
-    const ZvChar *pattern = nullptr;
-    const ZvChar *sign = nullptr;
-    int signUnits = 0;
-    int64_t symbolLength = 0;
+    bool blankBehind = false; // a positive value under parentheses for negatives
+    bool wholeField = false;  // the field takes every unit of a dress by units
 
     // What the retreats have given up so far.
     bool grouping = true, groupsUsed = false, zeroPoint = false;
@@ -63,7 +60,12 @@ struct Engine {
     int64_t measure = -1; // of the last dressed number; -1 before the first
     bool eFormWide = false; // this pass: E-notation with a two-place separator
 
-    WorkText digits, number, result;
+    HostText<kWork> digits;
+    WorkText number, result;
+    GroupedNumber shape; // this pass's number, before it is built
+    int64_t solidMeasure = -1; // the dress of `shape` by its parts, or -1: built in `dress`
+    PatternFrame<kWork> frame;
+    DressedPieces dress;
 
     int32_t stars() {
         auto *field = static_cast<ZvChar *>(call->output);
@@ -83,20 +85,22 @@ struct Engine {
         return askedAnswer;
     }
 
-    // One call of the host's plain form; the left-justified text without
-    // trailing blanks in `text`. False: stars.
-    bool askHost(int32_t hostWidth, WorkText &text) {
+    // One call of the host's plain form; its text without outer blanks in
+    // `text`, and the marks of it. False: stars.
+    bool askHost(int32_t hostWidth, HostText<kWork> &text) {
         HostLocale *en = instance->defaultLocale;
-        text.clear();
+        text.take(0);
+        marks = DigitMarks{};
         if (!en || !en->ops || !en->ops->formatNumber || hostWidth < 1) return false;
         int64_t produced = call->outputCapacity;
         const int32_t status = en->ops->formatNumber(en, value, hostWidth, call->decimals,
                                                      ZV_NUMBER_PLAIN, text.c, kWork, &produced);
-        text.takeWritten(produced);
+        text.take(produced);
+        marks = findMarks(text.text, text.n);
         if (status == kHostNotPlain) {
             if (call->outputCapacity < text.n) return false;
             const int64_t look = std::min<int64_t>(text.n, call->outputLength);
-            if (findChar(text.c, look, u'*') >= 0) return false;
+            if (findChar(text.text, look, u'*') >= 0) return false;
         } else if (status != 0) {
             return false;
         }
@@ -110,6 +114,7 @@ struct Engine {
         width = call->width;
 
         sepUnits = markUnits(ctx->decimalSeparator);
+        groupUnits = markUnits(ctx->groupSeparator);
         sepMeasure = sepUnits;
         if (call->measureBytes && sepUnits > 0) {
             int64_t bytes = 0;
@@ -120,13 +125,13 @@ struct Engine {
         if (sepUnits == 0) call->decimals = 0;
 
         negative = value < 0.0;
-        pattern = negative ? signPattern(ctx->negativeSymbolPrecedes, ctx->negativeSymbolSpaced,
-                                         ctx->negativeSignPosition)
-                           : signPattern(ctx->positiveSymbolPrecedes, ctx->positiveSymbolSpaced,
-                                         ctx->positiveSignPosition);
-        sign = negative ? ctx->negativeSign : ctx->positiveSign;
-        signUnits = markUnits(negative ? ctx->negativeSign : ctx->positiveSign);
-        symbolLength = symbolUnits(*ctx);
+        blankBehind = value > 0.0 && ctx->negativeSignPosition == 0;
+        wholeField = out && !call->measureBytes && width <= call->outputCapacity;
+        const ZvChar *pattern =
+            negative ? signPattern(ctx->negativeSymbolPrecedes, ctx->negativeSymbolSpaced, ctx->negativeSignPosition)
+                     : signPattern(ctx->positiveSymbolPrecedes, ctx->positiveSymbolSpaced, ctx->positiveSignPosition);
+        const ZvChar *sign = negative ? ctx->negativeSign : ctx->positiveSign;
+        frame.spell(pattern, PatternParts{negative, ctx->symbol, symbolUnits(*ctx), sign, markUnits(sign)});
         return true;
     }
 
@@ -139,42 +144,27 @@ struct Engine {
             if (!hostDigits(width - narrowing)) return false;
         }
         if (digits.n < 1) return false;
-        if (call->decimals > 0 && digits.n >= 2 && digits.c[0] == u'0' && digits.c[1] == u'.')
+        if (call->decimals > 0 && digits.n >= 2 && digits.text[0] == u'0' && digits.text[1] == u'.')
             zeroPoint = true;
-        findMarks();
         return true;
     }
 
-    // Where the digits hold their first star, E and point (-1: none), from
-    // one look at them.
-    int64_t starAt = -1, eAt = -1, pointAt = -1;
-    void findMarks() {
-        starAt = eAt = pointAt = -1;
-        for (int64_t i = digits.n - 1; i >= 0; --i) {
-            if (isAsciiDigit(digits.c[i])) continue;
-            switch (digits.c[i]) {
-            case u'*': starAt = i; break;
-            case u'E': eAt = i; break;
-            case u'.': pointAt = i; break;
-            default: break;
-            }
-        }
-    }
+    DigitMarks marks; // of each answer of the host
 
     // Text that the host starred or wrote too wide is never dressed.
     bool digitsWorthDressing() const {
-        return digits.n <= width && starAt < 0;
+        return digits.n <= width && marks.star < 0;
     }
 
     // The digits without their sign, grouped by the context, with its
     // decimal separator. E-notation keeps its integer part whole.
     void rebuildNumber() {
-        const ZvChar *d = digits.c;
+        const ZvChar *d = digits.text;
         int64_t len = digits.n;
         dropMinus(d, len);
         const int64_t shift = digits.n - len; // the minus dropped
-        const int64_t e = eAt < 0 ? -1 : eAt - shift;
-        const int64_t point = pointAt < 0 ? -1 : pointAt - shift;
+        const int64_t e = marks.e < 0 ? -1 : marks.e - shift;
+        const int64_t point = marks.point < 0 ? -1 : marks.point - shift;
         int64_t intLength = len;
         const ZvChar *fraction = nullptr;
         int64_t fractionLength = 0;
@@ -194,45 +184,50 @@ struct Engine {
             grouping = false;
         }
 
-        number.clear();
         int32_t g = ctx->groupSizes[0];
         if (!grouping || e > 0 || plainInteger) g = 0;
-        if (putGrouped(number, d, intLength, g, ctx->groupSeparator, markUnits(ctx->groupSeparator)))
-            groupsUsed = true;
-        if (fractionLength > 0) {
-            number.put(ctx->decimalSeparator, sepUnits);
-            number.put(fraction, fractionLength);
-            if (e >= 0 && sepMeasure == 2) eFormWide = true;
-        }
+        shape = GroupedNumber{d, intLength, g, ctx->groupSeparator, groupUnits,
+                              ctx->decimalSeparator, sepUnits, fraction, fractionLength};
+        if (shape.grouped()) groupsUsed = true;
+        if (fractionLength > 0 && e >= 0 && sepMeasure == 2) eFormWide = true;
     }
 
     // The number in the sign pattern, without outer blanks; a positive value
     // under parentheses for negatives keeps one blank behind it. Its length,
     // or more than the work area when something overflowed.
     int64_t dressNumber() {
-        if (number.overflow) return kWork + 1;
-        result.clear();
-        putPattern(result, pattern,
-                   PatternParts{negative, number.c, lengthWithoutTrailingBlanks(number.c, number.n),
-                                ctx->symbol, symbolLength, sign, signUnits});
-        result.trimBoth();
-        if (value > 0.0 && ctx->negativeSignPosition == 0) result.put(u' ');
-        return result.overflow ? kWork + 1 : result.n;
+        const int64_t length = shape.length();
+        if (length > kWork) return kWork + 1;
+        // A number whose ends are not blanks is measured from its parts: a
+        // pass too wide for the field builds nothing, and one that fits a
+        // whole field is built there.
+        solidMeasure = shape.solid() ? frame.measureAround(length, blankBehind) : -1;
+        if (solidMeasure > width || (solidMeasure >= 0 && wholeField)) return solidMeasure;
+        solidMeasure = -1;
+        putNumber(number, shape);
+        dressPieces(dress, frame, number.c, lengthWithoutTrailingBlanks(number.c, number.n), blankBehind);
+        return dress.overflow ? kWork + 1 : dress.units;
     }
 
     // The dressed number measured, in bytes while measureBytes is set, and
-    // set at the end of the field when it fits.
+    // set at the end of the field when it fits. A dress wider than the field
+    // by its units is never built.
     Placement place(int64_t length) {
         measure = length;
-        int32_t measured = 0;
-        if (length <= width && call->measureBytes) {
-            int64_t bytes = 0;
-            measured = hostMeasure(call, result.c, length, kScratchBytes, &bytes);
-            measure = bytes;
+        if (length > width) return Placement::TooWide;
+        if (solidMeasure >= 0) {
+            frame.placeAround(out, width, length, shape, blankBehind);
+        } else {
+            if (call->measureBytes) {
+                placeRight(result.c, kWork, length, dress);
+                int64_t bytes = 0;
+                const int32_t measured = hostMeasure(call, result.c, length, kScratchBytes, &bytes);
+                measure = bytes;
+                if (measure > width) return Placement::TooWide;
+                if (measured != 0) return Placement::Stars;
+            }
+            placeRight(out, call->outputCapacity, width, dress);
         }
-        if (measure > width) return Placement::TooWide;
-        if (measured != 0) return Placement::Stars;
-        placeRight(out, call->outputCapacity, width, result.c, length);
         call->outputLength = width;
         call->decimals = savedDecimals;
         return Placement::Done;

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "frame/frame.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
@@ -64,45 +65,44 @@ struct WorkArea {
     void put(const ZvChar *text, int64_t length) {
         if (length <= 0) return;
         const int64_t fits = length < Capacity - n ? length : Capacity - n;
-        std::memcpy(c + n, text, size_t(fits) * sizeof(ZvChar));
+        // Unit by unit: the texts are too short for a copy to pay.
+        for (int64_t i = 0; i < fits; ++i) c[n + i] = text[i];
         n += fits;
         if (fits < length) overflow = true;
-    }
-    // The host's text written straight into `c`: its `produced` units,
-    // without leading and trailing blanks.
-    void takeWritten(int64_t produced) {
-        overflow = false;
-        n = std::clamp<int64_t>(produced, 0, Capacity);
-        trimBoth();
-    }
-    void trimBoth() {
-        int64_t begin = 0;
-        while (begin < n && c[begin] == u' ') ++begin;
-        int64_t end = n;
-        while (end > begin && c[end - 1] == u' ') --end;
-        if (begin > 0) std::memmove(c, c + begin, size_t(end - begin) * sizeof(ZvChar));
-        n = end - begin;
     }
 };
 
 using WorkText = WorkArea<256>;
+
+// The host's text where the host wrote it into `c`: `text` and `n` are its
+// units without leading and trailing blanks.
+template <int Capacity>
+struct HostText {
+    ZvChar c[Capacity];
+    const ZvChar *text = c;
+    int64_t n = 0;
+
+    // The `produced` units written into `c`.
+    void take(int64_t produced) {
+        int64_t end = std::clamp<int64_t>(produced, 0, Capacity);
+        int64_t begin = 0;
+        while (begin < end && c[begin] == u' ') ++begin;
+        while (end > begin && c[end - 1] == u' ') --end;
+        text = c + begin;
+        n = end - begin;
+    }
+    // A text of the caller's in place of the host's.
+    void replace(const ZvChar *other, int64_t length) {
+        text = other;
+        n = length;
+    }
+};
 
 // `count` copies of u, no further than `capacity` units.
 inline void fillBounded(ZvChar *out, int64_t capacity, ZvChar u, int64_t count) {
     if (!out) return;
     if (count > capacity) count = capacity;
     for (int64_t i = 0; i < count; ++i) out[i] = u;
-}
-
-// The field of `width` places: blanks, then the text so that it ends at the
-// last place. Places at or beyond `capacity` stay unwritten.
-inline void placeRight(ZvChar *out, int64_t capacity, int64_t width, const ZvChar *text,
-                       int64_t length) {
-    if (!out) return;
-    const int64_t start = width - length;
-    fillBounded(out, capacity, u' ', start);
-    for (int64_t i = std::max<int64_t>(0, -start); i < length && start + i < capacity; ++i)
-        out[start + i] = text[i];
 }
 
 // The width and decimals of the host's answer that a work area holds: a pass
@@ -127,56 +127,265 @@ inline void dropMinus(const ZvChar *&digits, int64_t &length) {
     }
 }
 
-// The integer digits with `separator` in front of each further `size`
-// digits; the first group takes what is left over. A size of 0 or less, or
-// digits no longer than one group, go whole. True when a separator went in.
-template <int Capacity>
-inline bool putGrouped(WorkArea<Capacity> &out, const ZvChar *digits, int64_t length, int64_t size,
-                       const ZvChar *separator, int64_t separatorLength) {
-    if (size <= 0 || length <= size) {
-        out.put(digits, length);
-        return false;
-    }
-    // Unit by unit: the runs are too short for a copy to pay.
-    int64_t untilSeparator = length % size;
-    if (untilSeparator == 0) untilSeparator = size;
-    for (int64_t i = 0; i < length; ++i, --untilSeparator) {
-        if (untilSeparator == 0) {
-            out.put(separator, separatorLength);
-            untilSeparator = size;
+// Where the host's digits hold their first star, E and point (-1: none).
+struct DigitMarks {
+    int64_t star = -1, e = -1, point = -1;
+};
+
+// The marks from one look at the digits.
+inline DigitMarks findMarks(const ZvChar *digits, int64_t length) {
+    DigitMarks marks;
+    for (int64_t i = length - 1; i >= 0; --i) {
+        if (isAsciiDigit(digits[i])) continue;
+        switch (digits[i]) {
+        case u'*': marks.star = i; break;
+        case u'E': marks.e = i; break;
+        case u'.': marks.point = i; break;
+        default: break;
         }
-        out.put(digits[i]);
     }
-    return true;
+    return marks;
 }
 
-// What the commands of a sign-placement pattern stand for.
+// A number rebuilt from the host's digits, known by its parts before a unit
+// is written: the integer digits with `separator` in front of each further
+// `size` digits (the first group takes what is left over; a size of 0 or
+// less, or digits no longer than one group, go whole), then `point` and the
+// fraction when there is one.
+struct GroupedNumber {
+    const ZvChar *digits = nullptr;
+    int64_t intLength = 0, size = 0;
+    const ZvChar *separator = nullptr;
+    int64_t separatorLength = 0;
+    const ZvChar *point = nullptr;
+    int64_t pointLength = 0;
+    const ZvChar *fraction = nullptr;
+    int64_t fractionLength = 0;
+
+    GroupedNumber() = default;
+    GroupedNumber(const ZvChar *d, int64_t intUnits, int64_t groupSize, const ZvChar *sep, int64_t sepUnits,
+                  const ZvChar *pointText, int64_t pointUnits, const ZvChar *fractionText, int64_t fractionUnits)
+        : digits(d), intLength(intUnits), size(groupSize), separator(sep), separatorLength(sepUnits),
+          point(pointText), pointLength(pointUnits), fraction(fractionText), fractionLength(fractionUnits),
+          units(intLength + (grouped() ? (intLength - 1) / size * separatorLength : 0) +
+                (fractionLength > 0 ? pointLength + fractionLength : 0)) {}
+
+    // True when a separator goes in.
+    bool grouped() const { return size > 0 && intLength > size; }
+    int64_t length() const { return units; }
+    // True when neither end is a blank, so that the number stops the trimming
+    // of a dress on both sides.
+    bool solid() const {
+        if (units <= 0) return false;
+        const ZvChar first = intLength > 0 ? digits[0] : pointLength > 0 ? point[0] : fraction[0];
+        const ZvChar last = fractionLength > 0 ? fraction[fractionLength - 1] : digits[intLength - 1];
+        return first != u' ' && last != u' ';
+    }
+
+    // The number into `out`, no more than `room` units; the units written.
+    int64_t write(ZvChar *out, int64_t room) const {
+        if (room < units) return writeUnits<true>(out, room);
+        if (!grouped() && fractionLength > 0 && pointLength == 1 && fraction == digits + intLength + 1) {
+            // The digits as the host wrote them, in one run, with the point
+            // put in.
+            for (int64_t k = 0; k < units; ++k) out[k] = digits[k];
+            out[intLength] = point[0];
+            return units;
+        }
+        return writeUnits<false>(out, room);
+    }
+
+  private:
+    int64_t units = 0;
+
+    // Unit by unit: the runs are too short for a copy to pay.
+    template <bool Bounded>
+    int64_t writeUnits(ZvChar *out, int64_t room) const {
+        ZvChar *p = out;
+        ZvChar *const end = out + room;
+        auto emit = [&](const ZvChar *text, int64_t n) {
+            for (int64_t k = 0; k < n && (!Bounded || p < end); ++k) *p++ = text[k];
+        };
+        if (!grouped()) {
+            emit(digits, intLength);
+        } else {
+            int64_t run = intLength % size;
+            if (run == 0) run = size;
+            for (int64_t i = 0; i < intLength; i += run, run = size) {
+                if (i > 0) emit(separator, separatorLength);
+                emit(digits + i, run);
+            }
+        }
+        if (fractionLength > 0) {
+            emit(point, pointLength);
+            emit(fraction, fractionLength);
+        }
+        return p - out;
+    }
+};
+
+// The number into a work area from its start; `overflow` tells of units that
+// found no room.
+template <int Capacity>
+inline void putNumber(WorkArea<Capacity> &out, const GroupedNumber &number) {
+    out.n = number.write(out.c, Capacity);
+    out.overflow = out.n < number.length();
+}
+
+// What the commands of a sign-placement pattern stand for, but the number.
 struct PatternParts {
     bool negative;
-    const ZvChar *number;
-    int64_t numberLength;
     const ZvChar *symbol;
     int64_t symbolLength;
     const ZvChar *sign;
     int64_t signLength;
 };
 
-// The pattern spelled out: '(' and ')' only for a negative value, a blank,
-// 'V' the number, '$' the symbol, '-' the sign; other characters add nothing.
+// A sign pattern spelled out on both sides of its number ('V'), once for a
+// value: '(' and ')' only for a negative value, a blank, '$' the symbol, '-'
+// the sign; other characters add nothing.
 template <int Capacity>
-inline void putPattern(WorkArea<Capacity> &out, const ZvChar *pattern, const PatternParts &parts) {
-    for (const ZvChar *p = pattern; *p; ++p) {
-        switch (*p) {
-        case u'(':
-        case u')':
-            if (parts.negative) out.put(*p);
-            break;
-        case u' ': out.put(u' '); break;
-        case u'V': out.put(parts.number, parts.numberLength); break;
-        case u'$': out.put(parts.symbol, parts.symbolLength); break;
-        case u'-': out.put(parts.sign, parts.signLength); break;
-        default: break;
+struct PatternFrame {
+    WorkArea<Capacity> before, after;
+    int64_t lead = 0, trail = 0; // blanks in front of `before`, behind `after`
+
+    void spell(const ZvChar *pattern, const PatternParts &parts) {
+        before.clear();
+        after.clear();
+        WorkArea<Capacity> *side = &before;
+        for (const ZvChar *p = pattern; *p; ++p) {
+            switch (*p) {
+            case u'(':
+            case u')':
+                if (parts.negative) side->put(*p);
+                break;
+            case u' ': side->put(u' '); break;
+            case u'V': side = &after; break;
+            case u'$': side->put(parts.symbol, parts.symbolLength); break;
+            case u'-': side->put(parts.sign, parts.signLength); break;
+            default: break;
+            }
         }
+        lead = 0;
+        while (lead < before.n && before.c[lead] == u' ') ++lead;
+        trail = 0;
+        while (trail < after.n && after.c[after.n - 1 - trail] == u' ') ++trail;
+    }
+
+    // The units of a number of n units in the frame, neither of whose ends is
+    // a blank: the outer blanks dropped and `blankBehind` added; more than
+    // the capacity when the built text would pass it. -1 when the frame and
+    // number pass the capacity before the trimming.
+    int64_t measureAround(int64_t n, bool blankBehind) const {
+        if (before.overflow || after.overflow || before.n + n + after.n > Capacity) return -1;
+        const int64_t units = before.n - lead + n + after.n - trail;
+        if (!blankBehind) return units;
+        return units < Capacity ? units + 1 : Capacity + 1;
+    }
+
+    // The dress of a number of `measure` units by measureAround, written
+    // straight into the whole of a field of `width` places: blanks first.
+    void placeAround(ZvChar *out, int64_t width, int64_t measure, const GroupedNumber &number,
+                     bool blankBehind) const {
+        ZvChar *p = out;
+        for (int64_t i = measure; i < width; ++i) *p++ = u' ';
+        for (int64_t i = lead; i < before.n; ++i) *p++ = before.c[i];
+        p += number.write(p, out + width - p);
+        for (int64_t i = 0; i < after.n - trail; ++i) *p++ = after.c[i];
+        if (blankBehind) *p = u' ';
+    }
+};
+
+// A dressed number as pieces of its frame and number, with the blanks at
+// both ends dropped, without copying a unit: a dress too wide for the field
+// is measured and given up without being built. Built, the text would hold
+// no more than the frame's capacity; the pieces keep just as many units.
+struct DressedPieces {
+    static constexpr int kMost = 4; // before, number, after, a blank behind
+    const ZvChar *text[kMost];
+    int64_t length[kMost];
+    int count = 0;
+    int64_t units = 0;     // in all the pieces
+    bool overflow = false; // the built text would have passed the capacity
+
+    void add(const ZvChar *t, int64_t n) {
+        if (n <= 0 || count == kMost) return;
+        text[count] = t;
+        length[count++] = n;
+    }
+    // Keeps the first `capacity` units.
+    void cut(int64_t capacity) {
+        int64_t room = capacity;
+        for (int i = 0; i < count; ++i) {
+            if (length[i] <= room) {
+                room -= length[i];
+                continue;
+            }
+            length[i] = room;
+            count = i + 1;
+            overflow = true;
+            return;
+        }
+    }
+    void trimBoth() {
+        int from = 0;
+        for (; from < count; ++from) {
+            while (length[from] > 0 && text[from][0] == u' ') {
+                ++text[from];
+                --length[from];
+            }
+            if (length[from] > 0) break;
+        }
+        while (count > from) {
+            while (length[count - 1] > 0 && text[count - 1][length[count - 1] - 1] == u' ') --length[count - 1];
+            if (length[count - 1] > 0) break;
+            --count;
+        }
+        int kept = 0;
+        units = 0;
+        for (int i = from; i < count; ++i) {
+            text[kept] = text[i];
+            length[kept] = length[i];
+            units += length[kept++];
+        }
+        count = kept;
+    }
+};
+
+// The number in its frame, without outer blanks; `blankBehind` then puts one
+// blank at the end.
+template <int Capacity>
+inline void dressPieces(DressedPieces &d, const PatternFrame<Capacity> &frame, const ZvChar *number,
+                        int64_t numberLength, bool blankBehind) {
+    static constexpr ZvChar kBlank[1] = {u' '};
+    d.count = 0;
+    d.overflow = frame.before.overflow || frame.after.overflow;
+    d.add(frame.before.c, frame.before.n);
+    d.add(number, numberLength);
+    d.add(frame.after.c, frame.after.n);
+    d.cut(Capacity);
+    d.trimBoth();
+    if (!blankBehind) return;
+    if (d.units < Capacity) {
+        d.add(kBlank, 1);
+        ++d.units;
+    } else {
+        d.overflow = true;
+    }
+}
+
+// The field of `width` places: blanks, then the pieces so that they end at
+// the last place. Places at or beyond `capacity` stay unwritten.
+inline void placeRight(ZvChar *out, int64_t capacity, int64_t width, const DressedPieces &d) {
+    if (!out) return;
+    int64_t at = width - d.units;
+    fillBounded(out, capacity, u' ', at);
+    const int64_t end = std::min<int64_t>(width, capacity);
+    for (int i = 0; i < d.count; ++i) {
+        const ZvChar *text = d.text[i];
+        for (int64_t p = std::max<int64_t>(at, 0), to = std::min(at + d.length[i], end); p < to; ++p)
+            out[p] = text[p - at];
+        at += d.length[i];
     }
 }
 

@@ -86,4 +86,21 @@ TEST_F(Numbers, EngineExamples) {
     EXPECT_EQ(run("NLMNY", -1234567.891, 15, 2, {}, de), "-1.234.567,89 \u20ac");
 }
 
+// A target narrower than the field holds the field's first places: the dress
+// built in a work area and cut agrees with the one built in the whole field.
+TEST_F(Numbers, NarrowTargetHoldsTheFirstPlaces) {
+    zvhost::CallSpec spec;
+    spec.locale = "de_DE", spec.decimals = 2;
+    for (const char *row : {"NLNUM", "NLMNY", "NLMNIEUR", "NLMNLUSD"})
+        for (double v : {-1234567.891, 0.5, 98765.4321})
+            for (spec.width = 11; spec.width <= 20; ++spec.width) {
+                const FormatTableRow &r = *zvhost::findRow(host.instance()->formatTable, row);
+                spec.outputCapacity = -1;
+                const std::u16string whole = zvhost::runFormat(host, r, spec, v).wide;
+                spec.outputCapacity = spec.width - 3;
+                EXPECT_EQ(zvhost::utf8(zvhost::runFormat(host, r, spec, v).wide), zvhost::utf8(whole.substr(0, spec.width - 3)))
+                    << row << " " << v << " w" << spec.width;
+            }
+}
+
 } // namespace

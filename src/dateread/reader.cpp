@@ -355,7 +355,7 @@ constexpr CharRoles plainRoles(bool separatorsSplit) {
     for (int i = 0; i < 128; ++i) {
         const ZvChar c = static_cast<ZvChar>(i);
         roles.ascii[i] = c == u' '                           ? kRoleBlank
-                         : c >= u'0' && c <= u'9'            ? kRoleDigit
+                         : isAsciiDigit(c)                   ? kRoleDigit
                          : separatorsSplit && isSeparator(c) ? kRoleSeparator
                                                              : kRoleOther;
     }

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "frame/frame.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -118,7 +119,7 @@ int32_t decimalValue(const LocaleItem &item) {
     int32_t v = 0;
     for (int64_t i = 0; i < item.length; ++i) {
         const ZvChar c = item.text[i];
-        if (c < u'0' || c > u'9') break;
+        if (!isAsciiDigit(c)) break;
         if (v < 100000000) v = v * 10 + (c - u'0');
     }
     return v;

@@ -6,7 +6,7 @@
 
 namespace zv {
 
-inline bool isAsciiDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
-inline bool isAsciiLetter(ZvChar c) { return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'); }
+constexpr bool isAsciiDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
+constexpr bool isAsciiLetter(ZvChar c) { return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'); }
 
 } // namespace zv

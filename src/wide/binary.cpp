@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "frame/frame.hpp"
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -179,7 +180,7 @@ int32_t readSizeNumber(FormatCall *call, void *) {
     if (const int32_t refused = checkLimits(call, kSizeLimits)) return refused;
     const Span s = withoutOuterBlanks(readSpan(call));
     int64_t digitsEnd = s.length;
-    while (digitsEnd > 0 && !(s.text[digitsEnd - 1] >= u'0' && s.text[digitsEnd - 1] <= u'9')) --digitsEnd;
+    while (digitsEnd > 0 && !isAsciiDigit(s.text[digitsEnd - 1])) --digitsEnd;
     if (call->flags & ZV_FLAG_CHECK_LIMITS) {
         if (digitsEnd < 1) return ZV_WIDTH_TOO_SMALL;
         if (digitsEnd > kSizeDigitsMost) return ZV_WIDTH_TOO_LARGE;

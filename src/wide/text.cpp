@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -228,7 +229,7 @@ int32_t readDigits(const ZvChar **cursor, int64_t *remaining, int64_t *value, in
     if (cursor && *cursor && remaining) {
         const ZvChar *p = *cursor;
         int64_t left = *remaining;
-        while (left > 0 && *p >= u'0' && *p <= u'9') {
+        while (left > 0 && isAsciiDigit(*p)) {
             if (read < 19) v = v * 10 + static_cast<uint64_t>(*p - u'0');
             ++read;
             ++p;

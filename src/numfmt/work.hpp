@@ -50,8 +50,8 @@ inline bool beginNumberValue(FormatCall *call, double *value) {
 template <int Capacity>
 struct WorkArea {
     ZvChar c[Capacity + 1];
-    int64_t n = 0;
-    bool overflow = false;
+    int64_t n{};
+    bool overflow{};
 
     void clear() {
         n = 0;
@@ -63,8 +63,7 @@ struct WorkArea {
         else overflow = true;
     }
     void put(const ZvChar *text, int64_t length) {
-        if (length <= 0) return;
-        const int64_t fits = length < Capacity - n ? length : Capacity - n;
+        const int64_t fits = std::clamp<int64_t>(length, 0, Capacity - n);
         // Unit by unit: the texts are too short for a copy to pay.
         for (int64_t i = 0; i < fits; ++i) c[n + i] = text[i];
         n += fits;

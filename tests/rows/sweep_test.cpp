@@ -97,7 +97,9 @@ TEST_F(Sweep, MissingValuesShowTheirMarkInTheLastPlace) {
             for (Entry entry : {Entry::Wide, Entry::Byte}) {
                 CallSpec spec;
                 spec.entry = entry;
-                spec.width = widthFor(*r, f);
+                // A field of one place holds the mark alone.
+                const bool onePlace = mark == 'Z' && f != Fam::Best && f != Fam::Percent && f != Fam::YyWeek;
+                spec.width = onePlace ? 1 : widthFor(*r, f);
                 spec.decimals = std::min(2, int(r->maxDecimals));
                 spec.outputCapacity = spec.width + 4 * (entry == Entry::Wide);
                 const auto res = zvhost::runFormat(host, *r, spec, zvhost::missingValue(mark));

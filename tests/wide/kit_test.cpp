@@ -55,6 +55,8 @@ TEST(Kit, FindingAndTrimmingAgreeWithStdString) {
     EXPECT_EQ(zv::wideLength(nullptr) + zv::findChar(nullptr, 3, u'a') + zv::findSubstring(nullptr, 4, u"a", 1), -2);
     EXPECT_EQ(zv::findSubstring(nullptr, 0, nullptr, 0) + zv::findSubstring(u"", 0, nullptr, -1), 0);
     EXPECT_TRUE(zv::allEqual(u'a', nullptr, 3) && zv::firstOther(nullptr, 3, u'a') == 0);
+    for (int mode : {0, 1, 2}) // no text, or a negative length, has nothing to trim
+        EXPECT_EQ(zv::trailingTrimLength(nullptr, 4, mode) + zv::trailingTrimLength(u"ab  ", -2, mode), 0) << mode;
 }
 
 TEST(Kit, FillCopyAndJustifyAgreeWithStdString) {

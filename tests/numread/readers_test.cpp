@@ -63,6 +63,8 @@ TEST_F(Readers, PlainReadersAgreeWithStrtod) {
     int32_t status = 0;
     plain(zv::readPlainPercent, "(%)", 0, &status);
     EXPECT_EQ(status, 999);
+    // Parentheses round one digit.
+    EXPECT_EQ(plain(zv::readPlainPercent, "(5)", 0, &status) + plain(zv::readPlainNumber, "(5)", 0, &status), -10);
     // A lone period is a missing value, read as such.
     EXPECT_EQ(std::bit_cast<uint64_t>(plain(zv::readPlainPercent, ".%", 0, &status)), ZV_MISSING_BITS);
     EXPECT_EQ(status, 0);

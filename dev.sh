@@ -2,7 +2,7 @@
 # Sets up a Debian machine for zvlocfmt, builds it and runs one job:
 #   ./dev.sh demo    release build, then a tour of zvfmt
 #   ./dev.sh test    debug, ASan+UBSan and TSan builds, the whole test suite, short fuzz runs
-#   ./dev.sh bench   release build, then the benchmarks (C++, then Python beside Babel and pandas)
+#   ./dev.sh bench   release build, then the benchmarks (C++ three times each, ratios of the best runs; then Python beside Babel and pandas)
 #   ./dev.sh fuzz [SECONDS]  every fuzz target for SECONDS each (default 60), from its seed corpus
 #   ./dev.sh coverage  clang source-based coverage of the suite: lines and branches of src/ and host/
 #   ./dev.sh stats   lines of product and of tests (non-blank, non-comment) and their ratio
@@ -106,7 +106,8 @@ case "$job" in
         ;;
     bench)
         build release --target zvbench --target zvpython
-        ./build/release/zvbench "${@:2}"
+        # Three runs of each; the ratios take each side's best.
+        ./build/release/zvbench --benchmark_repetitions=3 "${@:2}"
         echo "== the Python module beside Babel and pandas"
         PYTHONPATH="$PWD/build/release/python" /usr/bin/python3 bench/python_bench.py
         ;;

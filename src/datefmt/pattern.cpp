@@ -546,13 +546,9 @@ int32_t writeDatePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern,
 
 namespace {
 double roundedToDecimals(double value, int decimals) {
-    // The powers of ten that a double holds exactly, as pow gives them.
-    static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11,
-                                              1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-    constexpr int kExactPowers = sizeof kPowersOfTen / sizeof kPowersOfTen[0];
     double rounded = value;
     const int d = std::max(decimals, 0);
-    roundToUnit(value, 1.0 / (d < kExactPowers ? kPowersOfTen[d] : std::pow(10.0, d)), &rounded);
+    roundToUnit(value, 1.0 / (d <= kLastExactPowerOfTen ? kPowersOfTen[d] : std::pow(10.0, d)), &rounded);
     return rounded;
 }
 } // namespace

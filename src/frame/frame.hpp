@@ -37,6 +37,14 @@ inline double doubleOf(uint64_t b) {
     std::memcpy(&v, &b, sizeof v);
     return v;
 }
+// 10^0 to 10^31 as the compiler reads them. Up to 10^22 a double holds them
+// exactly, and they are what std::pow(10, d) gives.
+constexpr double kPowersOfTen[] = {
+    1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e24, 1e25, 1e26, 1e27, 1e28, 1e29, 1e30, 1e31,
+};
+constexpr int kLastExactPowerOfTen = 22;
+
 inline bool isMissing(double v) { return (bitsOf(v) >> 48) == 0xFFFFu; }
 inline double missingValue() { return doubleOf(ZV_MISSING_BITS); }
 

@@ -3,6 +3,7 @@
 // may carry are taken out.
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "frame/frame.hpp"
 #include "numread/numread.hpp"
@@ -22,10 +23,7 @@ constexpr int32_t kNoParser = ZV_UNREADABLE;
 
 constexpr uint64_t kSignBit = 0x8000000000000000ull;
 
-constexpr double kPowersOfTen[kNumberMostDecimals + 1] = {
-    1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e24, 1e25, 1e26, 1e27, 1e28, 1e29, 1e30, 1e31,
-};
+static_assert(std::size(kPowersOfTen) > kNumberMostDecimals, "a power of ten for every decimal count");
 
 class PlainText {
 public:

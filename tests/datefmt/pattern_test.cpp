@@ -116,7 +116,7 @@ TEST(Pattern, CalendarOfItem5) {
     for (Cal c : {Cal{"JP", 14610, u"0012 12"}, Cal{"JP", 10600, u"0001 01"}, Cal{"JP", 10599, u"0064 64"},
                   Cal{"JP", -17321, u"0001 01"}, Cal{"JP", -33506, u"0001 01"}, Cal{"JP", -33507, u"1868 68"},
                   Cal{"TW", 14610, u"0089 89"}, Cal{"TW", -21914, u"0012 12"}, Cal{"TW", -17897, u"0001 01"}, Cal{"TH", 14610, u"2543 43"},
-                  Cal{"THX", 14610, u"2000 00"}}) {
+                  Cal{"THX", 14610, u"2000 00"}, Cal{"JX", 14610, u"2000 00"}, Cal{"XP", 14610, u"2000 00"}}) {
         setItem(*b, 5, c.code);
         EXPECT_EQ(expand(u"%+Y", c.day * 86400, 0, 200, b.get()) + u" " + expand(u"%+y", c.day * 86400, 0, 200, b.get()),
                   c.expected) << c.code << " " << c.day;
@@ -130,7 +130,8 @@ TEST(Pattern, TimesLongerThanADayAndMissingFields) {
     zvhost::Host host;
     zvextent(host.anchor());
     ZvChar out[64];
-    for (auto [seconds, expected] : {std::pair{86700.0, u"24:05|1|**|**|**|**|**"}, std::pair{360000.0, u"100:00|4|**|**|**|**|**"}}) {
+    for (auto [seconds, expected] : {std::pair{86700.0, u"24:05|1|**|**|**|**|**"}, std::pair{360000.0, u"100:00|4|**|**|**|**|**"},
+                                   std::pair{8640000.0, u"2400:00|100|**|**|**|**|**"}}) {
         int w = 60;
         ASSERT_EQ(zv::writeTimePattern(out, &w, u"%H:%M|%n|%A|%a|%F|%f|%d", 23, seconds, 0, &block()), 0);
         EXPECT_EQ(std::u16string(out, size_t(w)), expected);

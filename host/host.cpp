@@ -49,6 +49,40 @@ std::string narrow(const ZvChar *text, int64_t length) {
     return utf8(w);
 }
 
+// The most entries the events log keeps.
+constexpr size_t kMostEvents = size_t(1) << 16;
+
+// What was released and torn down, in order, up to kMostEvents entries: tests
+// look at the start, and a long run must not grow it without end. A
+// transcoder's release comes once a call on some roads, so it is kept as its
+// pair of encodings and spelt out only when the log is read.
+class EventLog {
+public:
+    void add(std::string text) {
+        if (entries_.size() < kMostEvents) entries_.push_back({std::move(text), 0, 0});
+    }
+    void addTranscoderRelease(uint32_t from, uint32_t to) {
+        if (entries_.size() < kMostEvents) entries_.push_back({{}, from, to});
+    }
+    const std::vector<std::string> &texts() const {
+        texts_.resize(entries_.size());
+        for (size_t i = 0; i < entries_.size(); ++i) {
+            const Entry &e = entries_[i];
+            texts_[i] = e.text.empty() ? "transcoderRelease " + std::to_string(e.from) + ">" + std::to_string(e.to)
+                                       : e.text;
+        }
+        return texts_;
+    }
+
+private:
+    struct Entry {
+        std::string text; // empty for a transcoder's release
+        uint32_t from, to;
+    };
+    std::vector<Entry> entries_;
+    mutable std::vector<std::string> texts_;
+};
+
 // ---------------------------------------------------------------------------
 // Pools
 
@@ -71,7 +105,7 @@ public:
     std::string name() const override { return name_; }
     bool destroyed() const override { return destroyed_; }
     // Where frees and the destroy are told, in order; null: nowhere.
-    void logTo(std::vector<std::string> *events) { events_ = events; }
+    void logTo(EventLog *events) { events_ = events; }
     int64_t serial() const override { return serial_; }
     int64_t releaseSince(int64_t mark) override {
         std::vector<void *> late;
@@ -93,7 +127,7 @@ private:
     }
     static void free(HostPool *p, void *block) {
         if (PoolImpl *self = of(p)) {
-            if (self->events_) self->events_->push_back("poolFree " + self->name_);
+            if (self->events_) self->events_->add("poolFree " + self->name_);
             self->release(block);
         }
     }
@@ -139,7 +173,7 @@ private:
         stats_.freedByDestroy += int64_t(blocks_.size());
         freeAll();
         destroyed_ = true;
-        if (events_) events_->push_back("poolDestroy " + name_);
+        if (events_) events_->add("poolDestroy " + name_);
         if (onDestroy_) onDestroy_();
     }
 
@@ -160,7 +194,7 @@ private:
     Wrapper wrapper_{};
     std::string name_;
     std::function<void()> onDestroy_;
-    std::vector<std::string> *events_ = nullptr;
+    EventLog *events_ = nullptr;
     PoolStats stats_;
     struct Block {
         uint64_t bytes;
@@ -180,7 +214,7 @@ const HostPoolOps PoolImpl::kOps = {PoolImpl::alloc, PoolImpl::free, PoolImpl::d
 struct JournalImpl {
     HostJournal base;
     JournalRecord record;
-    std::vector<std::string> *events = nullptr;
+    EventLog *events = nullptr;
 };
 
 void journalLog(HostJournal *j, int32_t level, int32_t status, const int64_t *values, int32_t count) {
@@ -195,7 +229,7 @@ void journalEvent(HostJournal *j, const char *what) {
     auto *impl = reinterpret_cast<JournalImpl *>(j);
     std::string name;
     for (char16_t c : impl->record.name) name.push_back(c < 0x80 ? char(c) : '?');
-    if (impl->events) impl->events->push_back(std::string(what) + " " + name);
+    if (impl->events) impl->events->add(std::string(what) + " " + name);
 }
 void journalClose(HostJournal *j) {
     if (!j) return;
@@ -275,9 +309,6 @@ const HostTimeZoneOps kZoneOps = {zoneOffset};
 
 char chrtabHandle = 0;
 
-// The most entries the events log keeps.
-constexpr size_t kMostEvents = size_t(1) << 16;
-
 // Counters are bumped from whatever thread runs a call; a column on one thread
 // and a column on another may both ask for character classes at once.
 void bump(int64_t &counter) { std::atomic_ref<int64_t>(counter).fetch_add(1, std::memory_order_relaxed); }
@@ -325,7 +356,7 @@ struct Host::Impl {
     Faults faults;
     int64_t factoryCalls = 0; // createPool, createJournal, openLocale: only their faults count them
     HostCounters counters;
-    std::vector<std::string> events; // releases and teardowns, in order
+    EventLog events;
 
     // Guards the caches (locales, transcoders) and the events: the module may
     // open a locale or a transcoder in the middle of a call on any thread.
@@ -426,10 +457,7 @@ struct Host::Impl {
         if (!lease->lent) return;
         h.unlink(lease);
         ++h.counters.transcodersReleased;
-        // Calls that make a transcoder each would grow the log without end; tests look at the start.
-        if (h.events.size() < kMostEvents)
-            h.events.push_back("transcoderRelease " + std::to_string(t->sourceEncodingId) + ">" +
-                               std::to_string(t->encodingId));
+        h.events.addTranscoderRelease(t->sourceEncodingId, t->encodingId);
         auto &idle = *lease->idle;
         if (h.dying || idle.size() >= kIdleTranscoders) {
             lease->inner->ops->transcoderRelease(lease->inner);
@@ -567,7 +595,7 @@ struct Host::Impl {
             std::lock_guard<std::mutex> guard(localeOf(l)->host->cacheLock);
             if (localeOf(l)->holds > 0) --localeOf(l)->holds;
             ++localeOf(l)->host->counters.localesReleased;
-            localeOf(l)->host->events.push_back("localeRelease " + localeOf(l)->name);
+            localeOf(l)->host->events.add("localeRelease " + localeOf(l)->name);
         }
     }
 
@@ -821,7 +849,7 @@ HostTimeZone *Host::timeZone(const std::string &iana) {
 
 Faults &Host::faults() { return impl_->faults; }
 const HostCounters &Host::counters() const { return impl_->counters; }
-const std::vector<std::string> &Host::events() const { return impl_->events; }
+const std::vector<std::string> &Host::events() const { return impl_->events.texts(); }
 
 std::vector<Pool *> Host::createdPools() {
     std::vector<Pool *> all;

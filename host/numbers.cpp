@@ -414,6 +414,17 @@ bool isDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
 
 } // namespace
 
+// Digits that an integer holds exactly as a double (below 2^53), and the
+// powers of ten that a double holds exactly.
+constexpr int kExactDigits = 15;
+constexpr int kLastExactPowerOfTen = 22;
+constexpr auto kExactPowersOfTen = [] {
+    std::array<double, kLastExactPowerOfTen + 1> p{};
+    p[0] = 1;
+    for (size_t i = 1; i < p.size(); ++i) p[i] = p[i - 1] * 10;
+    return p;
+}();
+
 int32_t parseDoubleText(const ZvChar *text, int64_t length, double *value, int64_t *used) {
     if (used) *used = 0;
     if (!text || length < 0 || !value) return kNumberUnreadable;
@@ -425,12 +436,18 @@ int32_t parseDoubleText(const ZvChar *text, int64_t length, double *value, int64
         if (text[i] == u'-') ascii[n++] = '-';
         ++i;
     }
-    int digits = 0;
+    int digits = 0, decimals = 0;
+    uint64_t whole = 0; // the digits as one integer, while there are few enough
     bool point = false;
     while (i < length && (isDigit(text[i]) || (text[i] == u'.' && !point))) {
         if (n >= kTextRoom - 16) return kNumberUnreadable;
-        if (text[i] == u'.') point = true;
-        else ++digits;
+        if (text[i] == u'.') {
+            point = true;
+        } else {
+            ++digits;
+            decimals += point;
+            if (digits <= kExactDigits) whole = whole * 10 + uint64_t(text[i] - u'0');
+        }
         ascii[n++] = static_cast<char>(text[i++]);
     }
     if (digits == 0) {
@@ -443,7 +460,8 @@ int32_t parseDoubleText(const ZvChar *text, int64_t length, double *value, int64
         }
         return kNumberUnreadable;
     }
-    if (i < length && (text[i] == u'E' || text[i] == u'e')) {
+    const bool exponent = i < length && (text[i] == u'E' || text[i] == u'e');
+    if (exponent) {
         int64_t j = i + 1;
         int m = n;
         ascii[m++] = 'e';
@@ -459,8 +477,15 @@ int32_t parseDoubleText(const ZvChar *text, int64_t length, double *value, int64
     }
     if (skipBlanks(text, i, length) != length) return kNumberUnreadable;
     double v = 0;
-    auto r = std::from_chars(ascii, ascii + n, v, std::chars_format::general);
-    if (r.ec != std::errc() || r.ptr != ascii + n || !std::isfinite(v)) return kNumberUnreadable;
+    if (!exponent && digits <= kExactDigits && decimals <= kLastExactPowerOfTen) {
+        // The digits and the power of ten are both exact doubles, so the one
+        // division rounds as from_chars would.
+        v = double(whole) / kExactPowersOfTen[size_t(decimals)];
+        if (ascii[0] == '-') v = -v;
+    } else {
+        auto r = std::from_chars(ascii, ascii + n, v, std::chars_format::general);
+        if (r.ec != std::errc() || r.ptr != ascii + n || !std::isfinite(v)) return kNumberUnreadable;
+    }
     *value = v;
     if (used) *used = length;
     return 0;

@@ -84,11 +84,13 @@ constexpr int kNegativeSignPosition = 5;
 // or 2.
 inline int markUnits(const ZvChar *mark) { return mark[0] == 0 ? 0 : (mark[1] == 0 ? 1 : 2); }
 
+// Room for a context's symbol, in units.
+constexpr int64_t kSymbolRoom = sizeof NumberContext::symbol / sizeof(ZvChar);
+
 // Units in use of a context's symbol.
 inline int64_t symbolUnits(const NumberContext &context) {
-    constexpr int64_t kRoom = sizeof context.symbol / sizeof(ZvChar);
     int64_t n = 0;
-    while (n < kRoom && context.symbol[n]) ++n;
+    while (n < kSymbolRoom && context.symbol[n]) ++n;
     return n;
 }
 

@@ -281,8 +281,13 @@ int32_t readLocaleMoney(int64_t length, LocaleBlock *block, int item, FormatCall
         for (int64_t i = 0; i <= e; ++i) hashesBefore += text.c[i] == u'#';
         text.c[e + 1] = u'#';
     }
-    text.n = removeCharacters(text.c, text.n, own.symbol, symbolUnits(own));
-    text.n = removeCharacters(text.c, text.n, other.symbol, symbolUnits(other));
+    // Every unit of either symbol goes, in one pass.
+    ZvChar symbols[2 * kSymbolRoom];
+    const int64_t ownUnits = symbolUnits(own);
+    std::copy_n(own.symbol, ownUnits, symbols);
+    const int64_t bothUnits = ownUnits + symbolUnits(other);
+    std::copy(other.symbol, other.symbol + (bothUnits - ownUnits), symbols + ownUnits);
+    text.n = removeCharacters(text.c, text.n, symbols, bothUnits);
     if (hashesBefore >= 0) {
         for (int64_t i = 0, seen = 0; i < text.n; ++i) {
             if (text.c[i] != u'#') continue;

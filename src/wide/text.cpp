@@ -178,9 +178,15 @@ int64_t removeCharacters(ZvChar *text, int64_t length, const ZvChar *set, int64_
     if (length == 0) return 0;
     if (setLength < 0) setLength = wideLength(set);
     if (!set || setLength == 0) return length;
+    // A unit outside the range of the set stays without a search of it.
+    const auto [least, most] = std::minmax_element(set, set + setLength);
+    const ZvChar low = *least;
+    const ZvChar span = ZvChar(*most - low);
     int64_t kept = 0;
-    for (int64_t i = 0; i < length; ++i)
-        if (!inSet(text[i], set, setLength)) text[kept++] = text[i];
+    for (int64_t i = 0; i < length; ++i) {
+        const ZvChar u = text[i];
+        if (ZvChar(u - low) > span || !inSet(u, set, setLength)) text[kept++] = u;
+    }
     if (zeroEnded)
         text[kept] = 0;
     else

@@ -191,6 +191,17 @@ TEST(ParseNumber, AgreesWithTheCLibrary) {
             EXPECT_EQ(si, zvhost::kNumberUnreadable) << text;
         }
     }
+    // Long runs of digits round the edges of the exact short road (15 digits,
+    // 22 decimals); zeros keep their sign.
+    for (int i = 0; i < 4000; ++i) {
+        std::string text = i % 2 ? "-" : "";
+        const int digits = 1 + int(rng() % 24), point = int(rng() % (digits + 1));
+        for (int k = 0; k < digits; ++k) text += (k == point ? "." : "") + std::to_string(rng() % (i % 3 ? 10 : 2));
+        const std::u16string wide(text.begin(), text.end());
+        double value = 0;
+        ASSERT_EQ(zvhost::parseDoubleText(wide.data(), int64_t(wide.size()), &value, nullptr), 0) << text;
+        EXPECT_EQ(std::bit_cast<uint64_t>(value), std::bit_cast<uint64_t>(std::strtod(text.c_str(), nullptr))) << text;
+    }
     for (const char16_t *big : {u"1e999", u"-1e400", u"9223372036854775808"}) {
         double v = 0;
         int64_t used = 0, n = 0;

@@ -49,6 +49,19 @@ std::string narrow(const ZvChar *text, int64_t length) {
     return utf8(w);
 }
 
+// A lock for the few instructions of a list's update, taken once or twice a
+// call: cheaper than a mutex when nobody else holds it, which is nearly always.
+class SpinLock {
+public:
+    void lock() {
+        while (held_.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
+    }
+    void unlock() { held_.clear(std::memory_order_release); }
+
+private:
+    std::atomic_flag held_;
+};
+
 // The most entries the events log keeps.
 constexpr size_t kMostEvents = size_t(1) << 16;
 
@@ -59,12 +72,15 @@ constexpr size_t kMostEvents = size_t(1) << 16;
 class EventLog {
 public:
     void add(std::string text) {
+        std::lock_guard<SpinLock> guard(lock_);
         if (entries_.size() < kMostEvents) entries_.push_back({std::move(text), 0, 0});
     }
     void addTranscoderRelease(uint32_t from, uint32_t to) {
+        std::lock_guard<SpinLock> guard(lock_);
         if (entries_.size() < kMostEvents) entries_.push_back({{}, from, to});
     }
     const std::vector<std::string> &texts() const {
+        std::lock_guard<SpinLock> guard(lock_);
         texts_.resize(entries_.size());
         for (size_t i = 0; i < entries_.size(); ++i) {
             const Entry &e = entries_[i];
@@ -79,6 +95,7 @@ private:
         std::string text; // empty for a transcoder's release
         uint32_t from, to;
     };
+    mutable SpinLock lock_; // pools and journals log from the thread that frees or closes
     std::vector<Entry> entries_;
     mutable std::vector<std::string> texts_;
 };
@@ -342,10 +359,11 @@ struct Host::Impl {
     std::map<std::string, HostTranscoder *> namedTranscoders;
     TranscoderLease *lentTranscoders = nullptr; // handed to the module and not yet released
     std::map<std::pair<uint32_t, uint32_t>, std::vector<TranscoderLease *>> idleTranscoders;
+    SpinLock leaseLock; // guards the lent and idle transcoders and their counters
     bool dying = false;
 
     std::map<std::pair<std::string, std::map<int, std::string>>, std::unique_ptr<LocaleImpl>> locales;
-    LocaleImpl *current = nullptr; // currentLocale's answer, while it is in `locales`
+    std::atomic<LocaleImpl *> current{nullptr}; // currentLocale's answer, while it is in `locales`
     uint64_t useClock = 0;
     std::unique_ptr<LocaleImpl> numberFormatter;
     std::map<std::string, std::unique_ptr<TimeZoneImpl>> zones;
@@ -358,8 +376,8 @@ struct Host::Impl {
     HostCounters counters;
     EventLog events;
 
-    // Guards the caches (locales, transcoders) and the events: the module may
-    // open a locale or a transcoder in the middle of a call on any thread.
+    // Guards the caches of locales and named transcoders: the module may
+    // open a locale in the middle of a call on any thread.
     std::mutex cacheLock;
     // Guards what the module's instance shares between calls, for callers on
     // several threads; and who last filled the instance's item snapshot.
@@ -453,7 +471,7 @@ struct Host::Impl {
     static void leaseRelease(HostTranscoder *t) {
         auto *lease = reinterpret_cast<TranscoderLease *>(t);
         Impl &h = *lease->host;
-        std::lock_guard<std::mutex> guard(h.cacheLock);
+        std::lock_guard<SpinLock> guard(h.leaseLock);
         if (!lease->lent) return;
         h.unlink(lease);
         ++h.counters.transcodersReleased;
@@ -470,7 +488,7 @@ struct Host::Impl {
     static constexpr size_t kIdleTranscoders = 8; // for each pair of encodings
 
     HostTranscoder *newTranscoder(uint32_t from, uint32_t to) {
-        std::lock_guard<std::mutex> guard(cacheLock);
+        std::lock_guard<SpinLock> guard(leaseLock);
         if (strikes(faults.failCreateTranscoder, factoryCalls)) return nullptr;
         TranscoderLease *lease = nullptr;
         auto &idle = idleTranscoders[{from, to}];
@@ -518,9 +536,11 @@ struct Host::Impl {
     static HostLocale *currentLocale(NlsServices *n) {
         Impl *h = of(n);
         if (!h) return nullptr;
-        std::lock_guard<std::mutex> guard(h->cacheLock);
         if (strikes(h->faults.failCurrentLocale, h->counters.currentLocales)) return nullptr;
-        // Asked for at every read: the answer is kept while the cache keeps it.
+        // Asked for at every read: the answer is kept while the cache keeps
+        // it, and then given without the cache's lock.
+        if (LocaleImpl *kept = h->current.load(std::memory_order_acquire)) return &kept->base;
+        std::lock_guard<std::mutex> guard(h->cacheLock);
         if (!h->current) h->current = h->findLocale(h->config.currentLocale, {});
         LocaleImpl *l = h->current;
         if (l && l->holds == 0) l->holds = 1; // a call may use it at any time: it stays

@@ -412,8 +412,6 @@ int64_t skipBlanks(const ZvChar *text, int64_t i, int64_t length) {
 
 bool isDigit(ZvChar c) { return c >= u'0' && c <= u'9'; }
 
-} // namespace
-
 // Digits that an integer holds exactly as a double (below 2^53), and the
 // powers of ten that a double holds exactly.
 constexpr int kExactDigits = 15;
@@ -425,9 +423,46 @@ constexpr auto kExactPowersOfTen = [] {
     return p;
 }();
 
+// The short road: at most 15 digits, at most 22 of them behind the point,
+// no exponent. The digits as an integer and the power of ten are both exact
+// doubles, so the one division rounds as from_chars would. False for any
+// other text, which takes the long road.
+bool readShortDecimal(const ZvChar *text, int64_t length, double *value) {
+    int64_t i = skipBlanks(text, 0, length);
+    bool negative = false;
+    if (i < length && (text[i] == u'+' || text[i] == u'-')) negative = text[i++] == u'-';
+    uint64_t whole = 0;
+    int digits = 0, decimals = 0;
+    bool point = false;
+    for (; i < length; ++i) {
+        const unsigned digit = unsigned(text[i]) - u'0';
+        if (digit < 10) {
+            whole = whole * 10 + digit; // wraps past 19 digits, which are refused below
+            ++digits;
+            decimals += point;
+        } else if (text[i] == u'.' && !point) {
+            point = true;
+        } else {
+            break;
+        }
+    }
+    if (digits == 0 || digits > kExactDigits || decimals > kLastExactPowerOfTen) return false;
+    if (i < length && (text[i] == u'E' || text[i] == u'e')) return false;
+    if (skipBlanks(text, i, length) != length) return false;
+    const double v = double(whole) / kExactPowersOfTen[size_t(decimals)];
+    *value = negative ? -v : v;
+    return true;
+}
+
+} // namespace
+
 int32_t parseDoubleText(const ZvChar *text, int64_t length, double *value, int64_t *used) {
     if (used) *used = 0;
     if (!text || length < 0 || !value) return kNumberUnreadable;
+    if (readShortDecimal(text, length, value)) {
+        if (used) *used = length;
+        return 0;
+    }
     int64_t i = skipBlanks(text, 0, length);
     char ascii[kTextRoom];
     int n = 0;
@@ -436,18 +471,12 @@ int32_t parseDoubleText(const ZvChar *text, int64_t length, double *value, int64
         if (text[i] == u'-') ascii[n++] = '-';
         ++i;
     }
-    int digits = 0, decimals = 0;
-    uint64_t whole = 0; // the digits as one integer, while there are few enough
+    int digits = 0;
     bool point = false;
     while (i < length && (isDigit(text[i]) || (text[i] == u'.' && !point))) {
         if (n >= kTextRoom - 16) return kNumberUnreadable;
-        if (text[i] == u'.') {
-            point = true;
-        } else {
-            ++digits;
-            decimals += point;
-            if (digits <= kExactDigits) whole = whole * 10 + uint64_t(text[i] - u'0');
-        }
+        if (text[i] == u'.') point = true;
+        else ++digits;
         ascii[n++] = static_cast<char>(text[i++]);
     }
     if (digits == 0) {
@@ -460,8 +489,7 @@ int32_t parseDoubleText(const ZvChar *text, int64_t length, double *value, int64
         }
         return kNumberUnreadable;
     }
-    const bool exponent = i < length && (text[i] == u'E' || text[i] == u'e');
-    if (exponent) {
+    if (i < length && (text[i] == u'E' || text[i] == u'e')) {
         int64_t j = i + 1;
         int m = n;
         ascii[m++] = 'e';
@@ -477,15 +505,8 @@ int32_t parseDoubleText(const ZvChar *text, int64_t length, double *value, int64
     }
     if (skipBlanks(text, i, length) != length) return kNumberUnreadable;
     double v = 0;
-    if (!exponent && digits <= kExactDigits && decimals <= kLastExactPowerOfTen) {
-        // The digits and the power of ten are both exact doubles, so the one
-        // division rounds as from_chars would.
-        v = double(whole) / kExactPowersOfTen[size_t(decimals)];
-        if (ascii[0] == '-') v = -v;
-    } else {
-        auto r = std::from_chars(ascii, ascii + n, v, std::chars_format::general);
-        if (r.ec != std::errc() || r.ptr != ascii + n || !std::isfinite(v)) return kNumberUnreadable;
-    }
+    auto r = std::from_chars(ascii, ascii + n, v, std::chars_format::general);
+    if (r.ec != std::errc() || r.ptr != ascii + n || !std::isfinite(v)) return kNumberUnreadable;
     *value = v;
     if (used) *used = length;
     return 0;

@@ -135,12 +135,9 @@ TranscoderImpl *self(HostTranscoder *t) { return reinterpret_cast<TranscoderImpl
 bool decodeWellFormedUtf8(const uint8_t *src, int64_t bytes, UChar *mid, size_t &length) {
     size_t n = 0;
     for (int64_t i = 0; i < bytes;) {
+        while (i < bytes && src[i] < 0x80) mid[n++] = src[i++]; // a run of ASCII
+        if (i == bytes) break;
         const uint8_t lead = src[i];
-        if (lead < 0x80) {
-            mid[n++] = lead;
-            ++i;
-            continue;
-        }
         int follow = 0;
         UChar32 c = 0, least = 0;
         if (lead >= 0xC2 && lead <= 0xDF) follow = 1, c = lead & 0x1F, least = 0x80;
@@ -257,13 +254,15 @@ Encoded encodeSimple(uint32_t to, const UChar *mid, size_t length, uint8_t *targ
 Encoded encodeUtf8(const UChar *mid, size_t length, uint8_t *target, size_t capacity) {
     Encoded e;
     for (size_t i = 0; i < length;) {
-        if (mid[i] < 0x80) { // ASCII: one byte each
-            if (e.written == capacity) {
-                e.full = true;
-                break;
-            }
-            target[e.written++] = uint8_t(mid[i++]);
-            continue;
+        // A run of ASCII, one byte each, as far as it fits.
+        const size_t room = i + std::min(length - i, capacity - e.written);
+        size_t w = e.written;
+        while (i < room && mid[i] < 0x80) target[w++] = uint8_t(mid[i++]);
+        e.written = w;
+        if (i == length) break;
+        if (mid[i] < 0x80) { // ASCII that does not fit
+            e.full = true;
+            break;
         }
         UChar32 c = mid[i];
         size_t units = 1;
@@ -337,6 +336,34 @@ Encoded encodeIcu(UConverter *c, const UChar *mid, size_t length, uint8_t *targe
     return e;
 }
 
+// UTF-16 to UTF-8 and well-formed UTF-8 to UTF-16 that fit their target go
+// straight across, without the units in between: the two roads of a text
+// read through a UTF-8 session. False leaves the text to the general road,
+// which gives the same bytes.
+bool directUtf8(const TranscoderImpl *t, const void *source, int64_t bytes, void *target, int64_t capacity,
+                int64_t *produced) {
+    const auto aligned = [](const void *p) { return reinterpret_cast<uintptr_t>(p) % alignof(UChar) == 0; };
+    if (!source || !target || !aligned(source) || !aligned(target)) return false;
+    const uint32_t from = t->base.sourceEncodingId, to = t->base.encodingId;
+    if (from == ZV_ENCODING_UTF16 && t->utf8Target && bytes % 2 == 0) {
+        const Encoded e = encodeUtf8(static_cast<const UChar *>(source), size_t(bytes / 2),
+                                     static_cast<uint8_t *>(target), size_t(capacity));
+        if (e.full || e.bad) return false;
+        *produced = int64_t(e.written);
+        return true;
+    }
+    // Every byte of UTF-8 gives at most one unit.
+    if (t->utf8Source && to == ZV_ENCODING_UTF16 && std::endian::native == std::endian::little &&
+        capacity / 2 >= bytes) {
+        size_t length = 0;
+        if (!decodeWellFormedUtf8(static_cast<const uint8_t *>(source), bytes, static_cast<UChar *>(target), length))
+            return false;
+        *produced = int64_t(length * sizeof(UChar));
+        return true;
+    }
+    return false;
+}
+
 int32_t transcode(HostTranscoder *h, const void *source, int64_t bytes, void *target, int64_t capacity,
                   int64_t *produced, int32_t) {
     int64_t ignored = 0;
@@ -346,6 +373,7 @@ int32_t transcode(HostTranscoder *h, const void *source, int64_t bytes, void *ta
     if (!target || capacity < 0) capacity = 0;
     TranscoderImpl *t = self(h);
     if (t->fails && t->fails()) return kHostFault;
+    if (directUtf8(t, source, bytes, target, capacity, produced)) return 0;
 
     Scratch<UChar, 512> midBuf;
     // Units the source can give: one per two bytes of UTF-16, one per byte of

@@ -237,15 +237,19 @@ int32_t translateSeparators(ZvChar *text, int64_t *length, const NumberContext &
             n = translateGroupPairs(text, n, group, point[0]);
         } else {
             if (n > 0 && text[0] == u'\'' && text[n - 1] == u'\'') return -1;
+            // The marks are read once: the compiler can't tell that the text doesn't overlap them.
+            const bool commaPoint = point[0] == u',', oneUnitGroup = groupLength == 1;
+            const ZvChar groupMark = group[0];
             for (int64_t i = 0; i < n; ++i) {
-                if (point[0] == u',' && text[i] == u',') text[i] = u'.';
-                else if (groupLength == 1 && text[i] == group[0]) text[i] = u',';
+                const ZvChar u = text[i];
+                if (commaPoint && u == u',') text[i] = u'.';
+                else if (oneUnitGroup && u == groupMark) text[i] = u',';
             }
         }
     }
-    if (point[0] != 0 && point[0] != u',' && point[0] != u'.')
+    if (const ZvChar p = point[0]; p != 0 && p != u',' && p != u'.')
         for (int64_t i = 0; i < n; ++i)
-            if (text[i] == point[0]) text[i] = u'.';
+            if (text[i] == p) text[i] = u'.';
     *length = n;
     return 0;
 }

@@ -128,10 +128,11 @@ int32_t readPlainNumber(FormatCall *call) {
     if (!takeText(call, text, &status)) return status;
 
     // A leading '-' stays; blanks, '%', '-', '$' and ',' go from the rest.
+    constexpr uint64_t kDropped = 1ull << u' ' | 1ull << u'%' | 1ull << u'-' | 1ull << u'$' | 1ull << u',';
     int64_t kept = text.c[0] == u'-' ? 1 : 0;
     for (int64_t i = kept; i < text.n; ++i) {
         const ZvChar u = text.c[i];
-        if (u == u' ' || u == u'%' || u == u'-' || u == u'$' || u == u',') continue;
+        if (u < 64 && (kDropped >> u & 1)) continue;
         text.c[kept++] = u;
     }
     text.n = kept;

@@ -40,10 +40,9 @@ int64_t wideLength(const ZvChar *text) {
 }
 
 int64_t findChar(const ZvChar *text, int64_t length, ZvChar c) {
-    if (!text) return -1;
-    for (int64_t i = 0; i < length; ++i)
-        if (text[i] == c) return i;
-    return -1;
+    if (!text || length <= 0) return -1;
+    const ZvChar *at = std::find(text, text + length, c);
+    return at == text + length ? -1 : at - text;
 }
 
 // A negative patternLength means a zero-ended pattern.
@@ -183,9 +182,14 @@ int64_t removeCharacters(ZvChar *text, int64_t length, const ZvChar *set, int64_
     const ZvChar low = *least;
     const ZvChar span = ZvChar(*most - low);
     int64_t kept = 0;
-    for (int64_t i = 0; i < length; ++i) {
-        const ZvChar u = text[i];
-        if (ZvChar(u - low) > span || !inSet(u, set, setLength)) text[kept++] = u;
+    if (setLength == 1) {
+        for (int64_t i = 0; i < length; ++i)
+            if (text[i] != low) text[kept++] = text[i];
+    } else {
+        for (int64_t i = 0; i < length; ++i) {
+            const ZvChar u = text[i];
+            if (ZvChar(u - low) > span || !inSet(u, set, setLength)) text[kept++] = u;
+        }
     }
     if (zeroEnded)
         text[kept] = 0;

@@ -73,30 +73,34 @@ class EventLog {
 public:
     void add(std::string text) {
         std::lock_guard<SpinLock> guard(lock_);
-        if (entries_.size() < kMostEvents) entries_.push_back({std::move(text), 0, 0});
+        if (entries_.size() >= kMostEvents) return;
+        entries_.push_back({kText, uint32_t(spelt_.size())});
+        spelt_.push_back(std::move(text));
     }
     void addTranscoderRelease(uint32_t from, uint32_t to) {
         std::lock_guard<SpinLock> guard(lock_);
-        if (entries_.size() < kMostEvents) entries_.push_back({{}, from, to});
+        if (entries_.size() < kMostEvents) entries_.push_back({from, to});
     }
     const std::vector<std::string> &texts() const {
         std::lock_guard<SpinLock> guard(lock_);
         texts_.resize(entries_.size());
         for (size_t i = 0; i < entries_.size(); ++i) {
             const Entry &e = entries_[i];
-            texts_[i] = e.text.empty() ? "transcoderRelease " + std::to_string(e.from) + ">" + std::to_string(e.to)
-                                       : e.text;
+            texts_[i] = e.from == kText ? spelt_[e.to]
+                                        : "transcoderRelease " + std::to_string(e.from) + ">" + std::to_string(e.to);
         }
         return texts_;
     }
 
 private:
+    // A transcoder's release, or (with `from` kText) the text spelt_[to].
     struct Entry {
-        std::string text; // empty for a transcoder's release
         uint32_t from, to;
     };
+    static constexpr uint32_t kText = UINT32_MAX; // no encoding has this id
     mutable SpinLock lock_; // pools and journals log from the thread that frees or closes
     std::vector<Entry> entries_;
+    std::vector<std::string> spelt_;
     mutable std::vector<std::string> texts_;
 };
 
@@ -359,6 +363,8 @@ struct Host::Impl {
     std::map<std::string, HostTranscoder *> namedTranscoders;
     TranscoderLease *lentTranscoders = nullptr; // handed to the module and not yet released
     std::map<std::pair<uint32_t, uint32_t>, std::vector<TranscoderLease *>> idleTranscoders;
+    std::pair<uint32_t, uint32_t> lastPair;               // the pair last asked for
+    std::vector<TranscoderLease *> *lastIdle = nullptr; // and its idle list
     SpinLock leaseLock; // guards the lent and idle transcoders and their counters
     bool dying = false;
 
@@ -491,7 +497,12 @@ struct Host::Impl {
         std::lock_guard<SpinLock> guard(leaseLock);
         if (strikes(faults.failCreateTranscoder, factoryCalls)) return nullptr;
         TranscoderLease *lease = nullptr;
-        auto &idle = idleTranscoders[{from, to}];
+        // Calls ask for the same pair again and again; the map's entries stay where they are.
+        if (!lastIdle || lastPair != std::pair{from, to}) {
+            lastPair = {from, to};
+            lastIdle = &idleTranscoders[lastPair];
+        }
+        auto &idle = *lastIdle;
         if (!idle.empty()) {
             lease = idle.back();
             idle.pop_back();

@@ -364,17 +364,10 @@ bool directUtf8(const TranscoderImpl *t, const void *source, int64_t bytes, void
     return false;
 }
 
-int32_t transcode(HostTranscoder *h, const void *source, int64_t bytes, void *target, int64_t capacity,
-                  int64_t *produced, int32_t) {
-    int64_t ignored = 0;
-    if (!produced) produced = &ignored;
-    *produced = 0;
-    if (!h || bytes < 0 || (!source && bytes > 0)) return kBadRequest;
-    if (!target || capacity < 0) capacity = 0;
-    TranscoderImpl *t = self(h);
-    if (t->fails && t->fails()) return kHostFault;
-    if (directUtf8(t, source, bytes, target, capacity, produced)) return 0;
-
+// Source -> UTF-16 units in between -> target, for every pair of encodings.
+// Kept out of line: its buffer would cost the direct roads their frame.
+[[gnu::noinline]] int32_t transcodeThroughUnits(TranscoderImpl *t, const void *source, int64_t bytes,
+                                                void *target, int64_t capacity, int64_t *produced) {
     Scratch<UChar, 512> midBuf;
     // Units the source can give: one per two bytes of UTF-16, one per byte of
     // locale text, at most two per byte in every encoding ICU knows.
@@ -396,6 +389,19 @@ int32_t transcode(HostTranscoder *h, const void *source, int64_t bytes, void *ta
     if (e.full) return ZV_TARGET_TOO_SMALL;
     if (e.bad || !sourceOk) return kCannotShow;
     return 0;
+}
+
+int32_t transcode(HostTranscoder *h, const void *source, int64_t bytes, void *target, int64_t capacity,
+                  int64_t *produced, int32_t) {
+    int64_t ignored = 0;
+    if (!produced) produced = &ignored;
+    *produced = 0;
+    if (!h || bytes < 0 || (!source && bytes > 0)) return kBadRequest;
+    if (!target || capacity < 0) capacity = 0;
+    TranscoderImpl *t = self(h);
+    if (t->fails && t->fails()) return kHostFault;
+    if (directUtf8(t, source, bytes, target, capacity, produced)) return 0;
+    return transcodeThroughUnits(t, source, bytes, target, capacity, produced);
 }
 
 void release(HostTranscoder *h) {

@@ -87,10 +87,11 @@ inline constexpr size_t kRawItemCapacity = ZV_LOCALE_RECORD_SIZE - 2;
 
 // The raw table (ZV_LOCALE_TABLE_SIZE bytes) of a locale from CLDR; false with
 // a message if ICU does not know the locale. Accepts "fr", "fr_FR", "fr-FR",
-// "zh_Hant_TW" and the like. searchSkeletons: every skeleton pattern from
-// ICU's pattern generator, none read from the data (to compare the two).
+// "zh_Hant_TW" and the like. throughIcuObjects: every skeleton pattern from
+// ICU's pattern generator and every name from its DateFormatSymbols, none
+// read from the data (to compare the two).
 bool buildCldrTable(const std::string &name, std::vector<uint8_t> &table, std::string &error,
-                    bool searchSkeletons = false);
+                    bool throughIcuObjects = false);
 
 // Set one raw item in a table (raw text bytes, <Uxxxx> escapes as given; cut
 // to 160 bytes). A table shorter than ZV_LOCALE_TABLE_SIZE grows to it, zeroed.

@@ -150,24 +150,23 @@ bool resolveLocale(const std::string &name, icu::Locale &out, std::string &error
 
 class TableBuilder {
 public:
-    TableBuilder(const icu::Locale &locale, std::vector<uint8_t> &table, bool searchSkeletons)
-        : locale_(locale), table_(table), searchSkeletons_(searchSkeletons) {}
+    TableBuilder(const icu::Locale &locale, std::vector<uint8_t> &table, bool throughIcuObjects)
+        : locale_(locale), table_(table), throughIcuObjects_(throughIcuObjects) {}
 
     bool build(std::string &error) {
         table_.assign(ZV_LOCALE_TABLE_SIZE, 0);
         UErrorCode status = U_ZERO_ERROR;
         gregorian_ = locale_;
         gregorian_.setKeywordValue("calendar", "gregorian", status);
-        symbols_ = std::make_unique<icu::DateFormatSymbols>(gregorian_, status);
+        if (throughIcuObjects_) symbols_ = std::make_unique<icu::DateFormatSymbols>(gregorian_, status);
         if (U_FAILURE(status)) {
             error = std::string("ICU could not open the date data of ") + locale_.getName() + ": " +
                     u_errorName(status);
             return false;
         }
         weekRule_ = findWeekRule();
-        int32_t eraCount = 0;
-        const icu::UnicodeString *eras = symbols_->getEras(eraCount);
-        if (eraCount >= 2) era_ = u16(eras[1]);
+        const std::vector<icu::UnicodeString> eras = nameSet(NameSet::Eras, S::FORMAT, S::ABBREVIATED);
+        if (eras.size() >= 2) era_ = u16(eras[1]);
 
         identity();
         dates();
@@ -187,7 +186,7 @@ private:
     // the generator, once a table, as the search is what costs.
     const std::u16string &skeleton(const char *sk) {
         auto [it, added] = skeletons_.try_emplace(sk);
-        if (!added || (!searchSkeletons_ && skeletonReader().pattern(sk, it->second))) return it->second;
+        if (!added || (!throughIcuObjects_ && skeletonReader().pattern(sk, it->second))) return it->second;
         UErrorCode status = U_ZERO_ERROR;
         icu::DateTimePatternGenerator *search = generator();
         icu::UnicodeString pattern;
@@ -467,7 +466,7 @@ private:
         // The glue of date ({1}) and time ({0}) tells which goes first: the
         // generator's, which is the medium date's.
         std::u16string glue;
-        if ((searchSkeletons_ || !skeletonReader().glue(DateFormat::kMedium, glue)) && generator())
+        if ((throughIcuObjects_ || !skeletonReader().glue(DateFormat::kMedium, glue)) && generator())
             glue = u16(generator()->getDateTimeFormat());
         const size_t date = glue.find(u"{1}"), time = glue.find(u"{0}");
         putText(cldritem::dateTimeOrder,
@@ -492,47 +491,82 @@ private:
 
     // A list of names; a wide name too long for a record takes the
     // abbreviated name of the same place.
-    void nameList(int first, const icu::UnicodeString *names, int32_t count, int skip, int want,
-                  const icu::UnicodeString *shorter) {
+    void nameList(int first, const std::vector<icu::UnicodeString> &names, int want,
+                  const std::vector<icu::UnicodeString> *shorter) {
         for (int k = 0; k < want; ++k) {
-            int32_t at = k + skip;
-            std::u16string name = at < count ? u16(names[at]) : std::u16string();
+            const size_t at = size_t(k);
+            std::u16string name = at < names.size() ? u16(names[at]) : std::u16string();
             std::string escaped = escapeForTable(name);
-            if (escaped.size() > kRawItemCapacity && shorter != nullptr) escaped = escapeForTable(u16(shorter[at]));
+            if (escaped.size() > kRawItemCapacity && shorter != nullptr) escaped = escapeForTable(u16((*shorter)[at]));
             put(first + k, escaped);
         }
     }
 
     void names() {
-        using S = icu::DateFormatSymbols;
-        int32_t n = 0, m = 0;
-        for (auto [context, abbreviated, wide] :
-             {std::tuple{S::FORMAT, cldritem::monthsAbbreviated, cldritem::monthsWide},
-              std::tuple{S::STANDALONE, cldritem::monthsAbbreviatedOther, cldritem::monthsWideOther}}) {
-            const icu::UnicodeString *shortNames = symbols_->getMonths(n, context, S::ABBREVIATED);
-            const icu::UnicodeString *longNames = symbols_->getMonths(m, context, S::WIDE);
-            nameList(abbreviated, shortNames, n, 0, 12, nullptr);
-            nameList(wide, longNames, m, 0, 12, m == n ? shortNames : nullptr);
+        struct Pair {
+            NameSet set;
+            S::DtContextType context;
+            int abbreviated, wide, count;
+        };
+        for (const Pair &p : {Pair{NameSet::Months, S::FORMAT, cldritem::monthsAbbreviated, cldritem::monthsWide, 12},
+                              Pair{NameSet::Months, S::STANDALONE, cldritem::monthsAbbreviatedOther,
+                                   cldritem::monthsWideOther, 12},
+                              Pair{NameSet::Weekdays, S::FORMAT, cldritem::weekdaysAbbreviated,
+                                   cldritem::weekdaysWide, 7},
+                              Pair{NameSet::Weekdays, S::STANDALONE, cldritem::weekdaysAbbreviatedOther,
+                                   cldritem::weekdaysWideOther, 7},
+                              Pair{NameSet::Quarters, S::FORMAT, cldritem::quartersAbbreviated,
+                                   cldritem::quartersWide, 4},
+                              Pair{NameSet::Quarters, S::STANDALONE, cldritem::quartersAbbreviatedOther,
+                                   cldritem::quartersWideOther, 4}}) {
+            const std::vector<icu::UnicodeString> shortNames = nameSet(p.set, p.context, S::ABBREVIATED);
+            const std::vector<icu::UnicodeString> longNames = nameSet(p.set, p.context, S::WIDE);
+            nameList(p.abbreviated, shortNames, p.count, nullptr);
+            nameList(p.wide, longNames, p.count, longNames.size() == shortNames.size() ? &shortNames : nullptr);
         }
-        for (auto [context, abbreviated, wide] :
-             {std::tuple{S::FORMAT, cldritem::weekdaysAbbreviated, cldritem::weekdaysWide},
-              std::tuple{S::STANDALONE, cldritem::weekdaysAbbreviatedOther, cldritem::weekdaysWideOther}}) {
-            // ICU's weekday arrays start at index 1 with Sunday.
-            const icu::UnicodeString *shortNames = symbols_->getWeekdays(n, context, S::ABBREVIATED);
-            const icu::UnicodeString *longNames = symbols_->getWeekdays(m, context, S::WIDE);
-            nameList(abbreviated, shortNames, n, 1, 7, nullptr);
-            nameList(wide, longNames, m, 1, 7, m == n ? shortNames : nullptr);
+        nameList(cldritem::amMark, nameSet(NameSet::AmPm, S::FORMAT, S::WIDE), 2, nullptr);
+    }
+
+    // A set of the Gregorian calendar's names, Sunday first for weekdays:
+    // ICU's DateFormatSymbols holds them all, but building it costs more
+    // than reading the few the table takes from the locale's data, with
+    // CLDR's inheritance and aliases, as DateFormatSymbols reads them.
+    using S = icu::DateFormatSymbols;
+    enum class NameSet { Months, Weekdays, Quarters, AmPm, Eras };
+    std::vector<icu::UnicodeString> nameSet(NameSet set, S::DtContextType context, S::DtWidthType width) {
+        if (symbols_) {
+            int32_t count = 0;
+            const icu::UnicodeString *names = nullptr;
+            switch (set) {
+            case NameSet::Months: names = symbols_->getMonths(count, context, width); break;
+            case NameSet::Weekdays: names = symbols_->getWeekdays(count, context, width); break;
+            case NameSet::Quarters: names = symbols_->getQuarters(count, context, width); break;
+            case NameSet::AmPm: names = symbols_->getAmPmStrings(count); break;
+            case NameSet::Eras: names = symbols_->getEras(count); break;
+            }
+            const int32_t first = set == NameSet::Weekdays && count > 0 ? 1 : 0; // ICU's index 0 is empty
+            return names ? std::vector<icu::UnicodeString>(names + first, names + count)
+                         : std::vector<icu::UnicodeString>();
         }
-        for (auto [context, abbreviated, wide] :
-             {std::tuple{S::FORMAT, cldritem::quartersAbbreviated, cldritem::quartersWide},
-              std::tuple{S::STANDALONE, cldritem::quartersAbbreviatedOther, cldritem::quartersWideOther}}) {
-            const icu::UnicodeString *shortNames = symbols_->getQuarters(n, context, S::ABBREVIATED);
-            const icu::UnicodeString *longNames = symbols_->getQuarters(m, context, S::WIDE);
-            nameList(abbreviated, shortNames, n, 0, 4, nullptr);
-            nameList(wide, longNames, m, 0, 4, m == n ? shortNames : nullptr);
+        const char *contextKey = context == S::FORMAT ? "format" : "stand-alone";
+        const char *widthKey = width == S::WIDE ? "wide" : "abbreviated";
+        switch (set) {
+        case NameSet::Months: return namesAt({"monthNames", contextKey, widthKey});
+        case NameSet::Weekdays: return namesAt({"dayNames", contextKey, widthKey});
+        case NameSet::Quarters: return namesAt({"quarters", contextKey, widthKey});
+        case NameSet::AmPm: return namesAt({"AmPmMarkers"});
+        case NameSet::Eras: return namesAt({"eras", "abbreviated"});
         }
-        const icu::UnicodeString *marks = symbols_->getAmPmStrings(n);
-        nameList(cldritem::amMark, marks, n, 0, 2, nullptr);
+        return {};
+    }
+
+    std::vector<icu::UnicodeString> namesAt(std::initializer_list<const char *> path) {
+        UErrorCode status = U_ZERO_ERROR;
+        icu::ResourceBundle at = gregorianBundle();
+        for (const char *key : path) at = at.getWithFallback(key, status);
+        std::vector<icu::UnicodeString> names;
+        for (int32_t i = 0; U_SUCCESS(status) && i < at.getSize(); ++i) names.push_back(at.getStringEx(i, status));
+        return U_SUCCESS(status) ? names : std::vector<icu::UnicodeString>();
     }
 
     // -- items 155 to 186 ---------------------------------------------------
@@ -811,7 +845,7 @@ private:
     icu::Locale locale_;
     icu::Locale gregorian_;
     std::vector<uint8_t> &table_;
-    bool searchSkeletons_ = false;
+    bool throughIcuObjects_ = false;
     std::unique_ptr<icu::DateTimePatternGenerator> generator_;
     std::unique_ptr<SkeletonReader> skeletonReader_;
     std::map<std::string, std::u16string> skeletons_;
@@ -885,11 +919,11 @@ std::string rawItem(const std::vector<uint8_t> &table, int item) {
     return std::string(reinterpret_cast<const char *>(record + 2), length);
 }
 
-bool buildCldrTable(const std::string &name, std::vector<uint8_t> &table, std::string &error, bool searchSkeletons) {
+bool buildCldrTable(const std::string &name, std::vector<uint8_t> &table, std::string &error, bool throughIcuObjects) {
     icu::Locale locale;
     if (!resolveLocale(name, locale, error)) return false;
     std::vector<uint8_t> built;
-    TableBuilder builder(locale, built, searchSkeletons);
+    TableBuilder builder(locale, built, throughIcuObjects);
     if (!builder.build(error)) return false;
     table = std::move(built);
     return true;

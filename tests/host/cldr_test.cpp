@@ -184,9 +184,10 @@ int compare(zvhost::Host &host, const std::string &name, const std::vector<std::
     return compared;
 }
 
-// Patterns read from a locale's data where it holds the pattern generator's
-// answer: the same table as with every skeleton searched by the generator.
-TEST(CldrTable, PatternsReadFromDataAreTheGenerators) {
+// Patterns and names read from a locale's data: the same table as with every
+// skeleton searched by the pattern generator and every name from ICU's
+// DateFormatSymbols.
+TEST(CldrTable, ItemsReadFromDataAreWhatIcuObjectsGive) {
     for (const std::string &name : zvhost::availableLocales()) {
         std::vector<uint8_t> read, searched;
         std::string error;

@@ -99,6 +99,7 @@ TEST_F(Readers, LocaleForms) {
         {"@NLMNY", "kr.1,234.56", krona, 0, 1234.56}, {"@NLMNY", "12.5 kr.", krona, 0, 12.5},
         {"@NLMNY", "-.50 kr.", krona, 0, -50}, // a sign in front of the point: no digits are taken as decimals
         {"@NLMNY", "E$1E5", {{156, "E$"}}, 0, 1e5}, {"@NLMNY", "1E5E", {{156, "E"}}, 0, 1e5},
+        {"@NLMNY", "'12'", {{158, "'"}}, 1, untouched}, {"@NLMNY", "1..234,5- $", {{157, ","}, {158, ".."}}, 0, -1234.5},
         {"@NLPCT", "- 12.5 %", {}, 0, -0.125}, {"@NLPCT", "12,5%", german, 0, 0.125},
         {"@NLPCT", "(50%)", {{182, "0"}}, 0, -0.5}, {"@NLMNIUSD", "USD 1,234.50", {}, 0, 1234.5},
         {"@NLMNIUSD", "EUR 12.00", {}, 0, missing}, {"@NLMNIUSD", "(12.50 USD)", {{168, "0"}}, 0, 12.5},

@@ -205,7 +205,7 @@ struct PatternCut {
     int32_t literalCount = 0;
     uint64_t firsts = 0;
 
-    static uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
+    static constexpr uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
 };
 
 // Cuts the pattern: blanks separate literals and match nothing themselves;
@@ -277,81 +277,22 @@ bool isHebrew(const LocaleBlock *block) {
 
 // ---- the text's tokens ------------------------------------------------------
 
-// The cutter's place in the text. `splits` counts the tokens ended by a
-// blank, a separator or a change of class; a literal of the pattern is
-// looked for only where the tokens seen so far, give or take those, line
-// up with the fields before it. The count of tokens is kept here, apart
-// from the list, while the text is cut.
-struct TextCutter {
-    int64_t cursor = 0;
-    int64_t tokenStart = 0;
-    TokenClass tokenClass = kNoClass;
-    int32_t n = 0;
-    int32_t splits = 0;
-
-    bool tokenOpen() const { return tokenStart < cursor; }
-};
-
-void storeToken(Reader &rd, TextCutter &tc, int64_t start, int64_t end, TokenClass cls) {
-    if (tc.n < kMaxTokens)
-        rd.tokens[tc.n++] = TextToken{static_cast<int32_t>(start), static_cast<int32_t>(end - start), cls, 0};
-}
-
-// Ends the token under way, if any, as one split off by something between.
-void splitToken(Reader &rd, TextCutter &tc) {
-    if (tc.tokenOpen()) {
-        storeToken(rd, tc, tc.tokenStart, tc.cursor, tc.tokenClass);
-        ++tc.splits;
-    }
-}
-
-// The length of the pattern literal that stands in the text at the cursor,
-// or -1 when none is due there. `folded` is the character at the cursor,
-// folded; a literal whose first character differs is passed over without
-// a compare.
-int64_t literalAt(const Reader &rd, const TextCutter &tc, ZvChar folded, const ZvChar *pattern,
-                  const PatternCut &cut) {
-    const int32_t open = tc.tokenOpen() ? 1 : 0;
-    const int32_t low = tc.n + open - tc.splits, high = tc.n + open + tc.splits;
-    for (int32_t k = 0; k < cut.literalCount; ++k) {
-        const PatternCut::Literal &pt = cut.literals[k];
-        if (pt.fieldsBefore < low) continue;
-        if (pt.fieldsBefore > high) return -1;
-        if (pt.first != folded) continue;
-        const int64_t len = pt.length;
-        const int64_t rest = rd.textLength - tc.cursor;
-        const int64_t span = std::min<int64_t>({len, rest, kFoldRoom});
-        if (span <= 1 || sameFolded(rd.text + tc.cursor + 1, pattern + pt.start + 1, span - 1)) return len;
-    }
-    return -1;
-}
-
 // What a character does to the cutter: it joins a token of digits or of
-// other characters, or it ends the token as a blank or a separator does;
-// the flag says that a literal of the pattern may begin with it.
+// other characters, or it ends the token as a blank or a separator does.
 enum CharRole : uint8_t {
     kRoleDigit = kDigits,
     kRoleOther = kNoDigits,
-    kRoleBlank = 3,
+    kRoleBlank = 3, // this and the roles above it end a token
     kRoleSeparator = 4, // only where separators split
-    kRoleLiteral = 8,
 };
 
-// The roles of the ASCII characters under one pattern; the others are
-// never digits, blanks or separators, and are looked up one by one.
-struct CharRoles {
+// The roles of the ASCII characters, without and with separators that
+// split; every character beyond ASCII is of the other class.
+struct RoleTable {
     uint8_t ascii[128];
-    uint64_t firsts; // the pattern's bit set of literals' first characters
-
-    uint8_t of(ZvChar c) const {
-        if (c < 128) return ascii[c];
-        return (firsts & PatternCut::firstBit(foldUpperChar(c))) ? kRoleOther | kRoleLiteral : kRoleOther;
-    }
 };
-
-// The roles before any literal, without and with separators that split.
-constexpr CharRoles plainRoles(bool separatorsSplit) {
-    CharRoles roles{};
+constexpr RoleTable roleTable(bool separatorsSplit) {
+    RoleTable roles{};
     for (int i = 0; i < 128; ++i) {
         const ZvChar c = static_cast<ZvChar>(i);
         roles.ascii[i] = c == u' '                           ? kRoleBlank
@@ -361,8 +302,27 @@ constexpr CharRoles plainRoles(bool separatorsSplit) {
     }
     return roles;
 }
-constexpr CharRoles kPlainRoles = plainRoles(false);
-constexpr CharRoles kSplittingRoles = plainRoles(true);
+constexpr RoleTable kPlainRoles = roleTable(false);
+constexpr RoleTable kSplittingRoles = roleTable(true);
+
+// The bits of the digits in a bit set of first characters.
+constexpr uint64_t digitBits() {
+    uint64_t bits = 0;
+    for (ZvChar c = u'0'; c <= u'9'; ++c) bits |= PatternCut::firstBit(c);
+    return bits;
+}
+constexpr uint64_t kDigitBits = digitBits();
+
+// How the text is cut under one pattern: the roles, and the bit set of the
+// first characters of the literals worth a look (a character whose bit is
+// clear begins none).
+struct CutRules {
+    const uint8_t *roles;
+    uint64_t firsts;
+
+    uint8_t roleOf(ZvChar c) const { return c < 128 ? roles[c] : static_cast<uint8_t>(kRoleOther); }
+    bool mayBeginLiteral(ZvChar folded) const { return (firsts & PatternCut::firstBit(folded)) != 0; }
+};
 
 // Each literal of one separator, or none at all? (A separator folds to
 // itself.)
@@ -372,67 +332,113 @@ bool literalsAreSeparators(const PatternCut &cut) {
     return true;
 }
 
-// The roles under the pattern, made in `roles` or taken from a table.
 // Where separators split, a literal of one separator ends the token just as
 // the separator does, and the tokens come out the same; only the count of
 // splits differs, which no other literal reads when all literals are such.
-// No other character folds to a separator, so none then needs a literal's
-// look, and the table of the separators serves.
-const CharRoles &rolesFor(const PatternCut &cut, bool separatorsSplit, CharRoles &roles) {
-    if (separatorsSplit && literalsAreSeparators(cut)) return kSplittingRoles;
-    roles = separatorsSplit ? kSplittingRoles : kPlainRoles;
-    roles.firsts = cut.firsts;
-    // The ASCII characters that fold to a literal's first character are that
-    // character and, for a letter, its lower case; none folds beyond ASCII.
+// Then no character needs a literal's look.
+CutRules rulesFor(const PatternCut &cut, bool separatorsSplit) {
+    if (separatorsSplit) return {kSplittingRoles.ascii, literalsAreSeparators(cut) ? 0 : cut.firsts};
+    return {kPlainRoles.ascii, cut.firsts};
+}
+
+// The length of the pattern literal that stands in the text at `cursor`, or
+// -1 when none is due there. `folded` is the character at the cursor,
+// folded; a literal whose first character differs is passed over without
+// a compare. `splits` counts the tokens ended by a blank, a separator or a
+// change of class: a literal is looked for only where the tokens seen so
+// far, give or take those, line up with the fields before it.
+int64_t literalAt(const Reader &rd, int64_t cursor, int32_t n, int32_t splits, bool open, ZvChar folded,
+                  const ZvChar *pattern, const PatternCut &cut) {
+    const int32_t seen = n + (open ? 1 : 0);
+    const int32_t low = seen - splits, high = seen + splits;
     for (int32_t k = 0; k < cut.literalCount; ++k) {
-        const ZvChar f = cut.literals[k].first;
-        if (f >= 128) continue;
-        roles.ascii[f] |= kRoleLiteral;
-        if (isAsciiLetter(f)) roles.ascii[f | 0x20] |= kRoleLiteral; // its lower case
+        const PatternCut::Literal &pt = cut.literals[k];
+        if (pt.fieldsBefore < low) continue;
+        if (pt.fieldsBefore > high) return -1;
+        if (pt.first != folded) continue;
+        // The first characters are equal; the rest is compared over what
+        // the text has left.
+        const int64_t len = pt.length;
+        const int64_t span = std::min(std::min<int64_t>(len, rd.textLength - cursor), kFoldRoom);
+        if (span <= 1 || sameFolded(rd.text + cursor + 1, pattern + pt.start + 1, span - 1)) return len;
     }
-    return roles;
+    return -1;
+}
+
+// The end of the run of characters from `cursor` on that have `role` and
+// begin no literal.
+int64_t runEnd(const ZvChar *text, int64_t cursor, int64_t length, const CutRules &rules, uint8_t role) {
+    if (role == kRoleDigit) {
+        // A digit folds to itself.
+        if ((rules.firsts & kDigitBits) == 0) {
+            while (cursor < length && isAsciiDigit(text[cursor])) ++cursor;
+            return cursor;
+        }
+        while (cursor < length && isAsciiDigit(text[cursor]) && !rules.mayBeginLiteral(text[cursor])) ++cursor;
+        return cursor;
+    }
+    while (cursor < length) {
+        const ZvChar c = text[cursor];
+        if (rules.roleOf(c) != role || (rules.firsts && rules.mayBeginLiteral(foldUpperChar(c)))) break;
+        ++cursor;
+    }
+    return cursor;
 }
 
 // Cuts the text at blanks, at the pattern's literals, at separators (where
-// `roles` makes them split) and where digits meet other characters.
-void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const CharRoles &roles) {
-    TextCutter tc;
-    bool anyNoDigits = false;
+// the rules make them split) and where digits meet other characters.
+void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const CutRules &rules) {
     const ZvChar *text = rd.text;
     const int64_t length = rd.textLength;
+    TextToken *tokens = rd.tokens;
+    int64_t cursor = 0, start = 0;
+    int32_t n = 0, splits = 0;
+    int32_t cls = kNoClass;
+    int32_t classes = 0; // the classes of all characters met
+    // Inside the loop a token is stored only while the list has room.
+    auto store = [&](int64_t end) {
+        tokens[n++] = TextToken{static_cast<int32_t>(start), static_cast<int32_t>(end - start),
+                                static_cast<TokenClass>(cls), 0};
+    };
     // Once the list is full nothing further in the text can change the answer.
-    while (tc.cursor < length && tc.n < kMaxTokens) {
-        const ZvChar c = text[tc.cursor];
-        uint8_t role = roles.of(c);
-        if (role & kRoleLiteral) {
-            const int64_t literal = literalAt(rd, tc, foldUpperChar(c), pattern, cut);
-            if (literal >= 0) {
-                if (tc.tokenOpen()) storeToken(rd, tc, tc.tokenStart, tc.cursor, tc.tokenClass);
-                tc.cursor += literal;
-                tc.tokenStart = tc.cursor;
-                continue;
+    while (cursor < length && n < kMaxTokens) {
+        const ZvChar c = text[cursor];
+        if (rules.firsts) {
+            const ZvChar folded = foldUpperChar(c);
+            if (rules.mayBeginLiteral(folded)) {
+                const int64_t literal = literalAt(rd, cursor, n, splits, start < cursor, folded, pattern, cut);
+                if (literal >= 0) {
+                    if (start < cursor) store(cursor);
+                    cursor += literal;
+                    start = cursor;
+                    continue;
+                }
             }
-            role &= ~kRoleLiteral;
         }
-        if (role == kRoleBlank || role == kRoleSeparator) {
-            splitToken(rd, tc);
-            tc.tokenStart = ++tc.cursor;
+        const uint8_t role = rules.roleOf(c);
+        if (role >= kRoleBlank) {
+            if (start < cursor) {
+                store(cursor);
+                ++splits;
+            }
+            start = ++cursor;
             continue;
         }
-        const TokenClass now = static_cast<TokenClass>(role);
-        anyNoDigits = anyNoDigits || now == kNoDigits;
-        if (now != tc.tokenClass && tc.tokenOpen()) {
-            splitToken(rd, tc);
-            tc.tokenStart = tc.cursor;
+        if (role != cls) {
+            if (start < cursor) {
+                store(cursor);
+                ++splits;
+                start = cursor;
+            }
+            cls = role;
         }
-        tc.tokenClass = now;
+        classes |= role;
         // The characters behind that only lengthen the token are taken at once.
-        ++tc.cursor;
-        while (tc.cursor < length && roles.of(text[tc.cursor]) == role) ++tc.cursor;
+        cursor = runEnd(text, cursor + 1, length, rules, role);
     }
-    if (tc.tokenStart < length) storeToken(rd, tc, tc.tokenStart, length, tc.tokenClass);
-    rd.n = tc.n;
-    rd.anyNoDigits = anyNoDigits;
+    if (start < length && n < kMaxTokens) store(length);
+    rd.n = n;
+    rd.anyNoDigits = (classes & kNoDigits) != 0;
 }
 
 // ---- AM and PM ----------------------------------------------------------------
@@ -660,8 +666,7 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
     const bool orderMatches = orderMatchesLocale(block, cut);
 
     Reader rd(block, text, textLength);
-    CharRoles made;
-    cutText(rd, pattern, cut, rolesFor(cut, orderMatches && !isHebrew(block), made));
+    cutText(rd, pattern, cut, rulesFor(cut, orderMatches && !isHebrew(block)));
     const AmPm amPm = findAmPm(rd);
 
     Fields fields;

@@ -170,11 +170,20 @@ struct Reader {
 };
 
 // Digits of a token from `from` on, `count` of them, added into `field`.
-void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t count, int64_t *field) {
+// A field below kUncheckedBelow takes kUncheckedDigits digits and stays
+// below the ceiling, so the common short field needs no look at it.
+constexpr int32_t kUncheckedDigits = 9;
+constexpr int64_t tenTo(int32_t power) { return power == 0 ? 1 : 10 * tenTo(power - 1); }
+constexpr int64_t kUncheckedBelow = kFieldCeiling / tenTo(kUncheckedDigits);
+inline void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t count, int64_t *field) {
     const ZvChar *digits = text + tok.start + from;
     int64_t value = *field;
-    for (int32_t i = 0; i < count; ++i)
-        if (value < kFieldCeiling) value = value * 10 + (digits[i] - u'0');
+    if (value < kUncheckedBelow && count <= kUncheckedDigits) {
+        for (int32_t i = 0; i < count; ++i) value = value * 10 + (digits[i] - u'0');
+    } else {
+        for (int32_t i = 0; i < count; ++i)
+            if (value < kFieldCeiling) value = value * 10 + (digits[i] - u'0');
+    }
     *field = value;
 }
 
@@ -494,14 +503,11 @@ struct Walk {
 // Takes up to `most` digits of the run from `offset` on, or the rest of it
 // when no more than `most` are left; answers the offset behind them, 0 when
 // the run is used up.
-int32_t takeDigits(const ZvChar *text, const TextToken &tok, int32_t most, int32_t offset, int64_t *field) {
+inline int32_t takeDigits(const ZvChar *text, const TextToken &tok, int32_t most, int32_t offset, int64_t *field) {
     const int32_t rest = tok.length - offset;
-    if (rest > most) {
-        addDigits(text, tok, offset, most, field);
-        return offset + most;
-    }
-    addDigits(text, tok, offset, rest, field);
-    return 0;
+    const bool more = rest > most;
+    addDigits(text, tok, offset, more ? most : rest, field);
+    return more ? offset + most : 0;
 }
 
 constexpr int32_t kFullYearDigits = 4;

@@ -213,6 +213,7 @@ struct PatternCut {
     Literal literals[kMaxTokens];
     int32_t literalCount = 0;
     uint64_t firsts = 0;
+    uint64_t otherFirsts = 0; // of the literals other than one separator
 
     static constexpr uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
 };
@@ -223,13 +224,15 @@ struct PatternCut {
 // while the pattern is walked, and stored at the end.
 void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
     int32_t count = 0, literalCount = 0;
-    uint64_t firsts = 0;
+    uint64_t firsts = 0, otherFirsts = 0;
     auto storeLiteral = [&](int64_t start, int64_t end) {
         if (count + literalCount >= kMaxTokens) return;
         const ZvChar first = foldUpperChar(pattern[start]);
         cut.literals[literalCount++] =
             PatternCut::Literal{static_cast<int32_t>(start), static_cast<int32_t>(end - start), count, first};
         firsts |= PatternCut::firstBit(first);
+        // A separator folds to itself.
+        if (end - start != 1 || !isSeparator(first)) otherFirsts |= PatternCut::firstBit(first);
     };
     for (int64_t i = 0; i < patternLength;) {
         const ZvChar c = pattern[i];
@@ -264,6 +267,7 @@ void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
     cut.count = count;
     cut.literalCount = literalCount;
     cut.firsts = firsts;
+    cut.otherFirsts = otherFirsts;
 }
 
 // Does the pattern name its date fields in the locale's own order? A
@@ -322,6 +326,23 @@ constexpr uint64_t digitBits() {
 }
 constexpr uint64_t kDigitBits = digitBits();
 
+// The bit of each ASCII character, folded; beyond ASCII the fold is looked up.
+struct FoldedBits {
+    uint64_t ascii[128];
+};
+constexpr FoldedBits foldedBits() {
+    FoldedBits bits{};
+    for (int i = 0; i < 128; ++i) {
+        const ZvChar c = static_cast<ZvChar>(i);
+        bits.ascii[i] = PatternCut::firstBit(c >= u'a' && c <= u'z' ? static_cast<ZvChar>(c - (u'a' - u'A')) : c);
+    }
+    return bits;
+}
+constexpr FoldedBits kFoldedBits = foldedBits();
+inline uint64_t foldedBitOf(ZvChar c) {
+    return c < 128 ? kFoldedBits.ascii[c] : PatternCut::firstBit(foldUpperBeyondAscii(c));
+}
+
 // How the text is cut under one pattern: the roles, and the bit set of the
 // first characters of the literals worth a look (a character whose bit is
 // clear begins none).
@@ -330,24 +351,28 @@ struct CutRules {
     uint64_t firsts;
 
     uint8_t roleOf(ZvChar c) const { return c < 128 ? roles[c] : static_cast<uint8_t>(kRoleOther); }
-    bool mayBeginLiteral(ZvChar folded) const { return (firsts & PatternCut::firstBit(folded)) != 0; }
+    bool mayBeginLiteral(ZvChar c) const { return (firsts & foldedBitOf(c)) != 0; }
 };
 
-// Each literal of one separator, or none at all? (A separator folds to
-// itself.)
-bool literalsAreSeparators(const PatternCut &cut) {
-    for (int32_t k = 0; k < cut.literalCount; ++k)
-        if (cut.literals[k].length != 1 || !isSeparator(cut.literals[k].first)) return false;
-    return true;
+// Might a character of the text begin a literal whose first character has
+// a bit in `bits`?
+bool textMayBegin(const ZvChar *text, int64_t length, uint64_t bits) {
+    for (int64_t i = 0; i < length; ++i)
+        if (bits & foldedBitOf(text[i])) return true;
+    return false;
 }
 
-// Where separators split, a literal of one separator ends the token just as
-// the separator does, and the tokens come out the same; only the count of
-// splits differs, which no other literal reads when all literals are such.
-// Then no character needs a literal's look.
-CutRules rulesFor(const PatternCut &cut, bool separatorsSplit) {
-    if (separatorsSplit) return {kSplittingRoles.ascii, literalsAreSeparators(cut) ? 0 : cut.firsts};
-    return {kPlainRoles.ascii, cut.firsts};
+// A literal that begins with no character of the text never matches and
+// never stops the search for a later one, which is due later still: the
+// text is cut as without it. Where separators split, a literal of one
+// separator ends the token just as the separator does, and the tokens come
+// out the same; only the count of splits differs, which no other literal
+// reads when no other can match. Then no character needs a literal's look.
+CutRules rulesFor(const PatternCut &cut, bool separatorsSplit, const ZvChar *text, int64_t textLength) {
+    const uint8_t *roles = separatorsSplit ? kSplittingRoles.ascii : kPlainRoles.ascii;
+    const uint64_t worthALook = separatorsSplit ? cut.otherFirsts : cut.firsts;
+    if (worthALook == 0 || !textMayBegin(text, textLength, worthALook)) return {roles, 0};
+    return {roles, cut.firsts};
 }
 
 // The length of the pattern literal that stands in the text at `cursor`, or
@@ -376,7 +401,7 @@ int64_t literalAt(const Reader &rd, int64_t cursor, int32_t n, int32_t splits, b
 
 // The end of the run of characters from `cursor` on that have `role` and
 // begin no literal.
-int64_t runEnd(const ZvChar *text, int64_t cursor, int64_t length, const CutRules &rules, uint8_t role) {
+[[gnu::always_inline]] inline int64_t runEnd(const ZvChar *text, int64_t cursor, int64_t length, const CutRules &rules, uint8_t role) {
     if (role == kRoleDigit) {
         // A digit folds to itself.
         if ((rules.firsts & kDigitBits) == 0) {
@@ -388,15 +413,45 @@ int64_t runEnd(const ZvChar *text, int64_t cursor, int64_t length, const CutRule
     }
     while (cursor < length) {
         const ZvChar c = text[cursor];
-        if (rules.roleOf(c) != role || (rules.firsts && rules.mayBeginLiteral(foldUpperChar(c)))) break;
+        if (rules.roleOf(c) != role || (rules.firsts && rules.mayBeginLiteral(c))) break;
         ++cursor;
     }
     return cursor;
 }
 
+// The cut where no literal can match: each run of characters of one class
+// is a token, and blanks and splitting separators between them are passed
+// over. No count of splits is kept, since no literal reads it.
+void cutPlainText(Reader &rd, const CutRules &rules) {
+    const ZvChar *text = rd.text;
+    const int64_t length = rd.textLength;
+    TextToken *tokens = rd.tokens;
+    int64_t cursor = 0;
+    int32_t n = 0;
+    int32_t classes = 0; // the classes of all tokens
+    while (cursor < length && n < kMaxTokens) {
+        const uint8_t role = rules.roleOf(text[cursor]);
+        if (role >= kRoleBlank) {
+            ++cursor;
+            continue;
+        }
+        const int64_t end = runEnd(text, cursor + 1, length, rules, role);
+        tokens[n++] = TextToken{static_cast<int32_t>(cursor), static_cast<int32_t>(end - cursor),
+                                static_cast<TokenClass>(role), 0};
+        classes |= role;
+        cursor = end;
+    }
+    rd.n = n;
+    rd.anyNoDigits = (classes & kNoDigits) != 0;
+}
+
 // Cuts the text at blanks, at the pattern's literals, at separators (where
 // the rules make them split) and where digits meet other characters.
 void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const CutRules &rules) {
+    if (rules.firsts == 0) {
+        cutPlainText(rd, rules);
+        return;
+    }
     const ZvChar *text = rd.text;
     const int64_t length = rd.textLength;
     TextToken *tokens = rd.tokens;
@@ -412,16 +467,14 @@ void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const Cut
     // Once the list is full nothing further in the text can change the answer.
     while (cursor < length && n < kMaxTokens) {
         const ZvChar c = text[cursor];
-        if (rules.firsts) {
+        if (rules.mayBeginLiteral(c)) {
             const ZvChar folded = foldUpperChar(c);
-            if (rules.mayBeginLiteral(folded)) {
-                const int64_t literal = literalAt(rd, cursor, n, splits, start < cursor, folded, pattern, cut);
-                if (literal >= 0) {
-                    if (start < cursor) store(cursor);
-                    cursor += literal;
-                    start = cursor;
-                    continue;
-                }
+            const int64_t literal = literalAt(rd, cursor, n, splits, start < cursor, folded, pattern, cut);
+            if (literal >= 0) {
+                if (start < cursor) store(cursor);
+                cursor += literal;
+                start = cursor;
+                continue;
             }
         }
         const uint8_t role = rules.roleOf(c);
@@ -545,16 +598,15 @@ bool readDay(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
 
 // Hours, minutes and seconds take the whole token and carry over later. A
 // second is optional: without digits the token stays for what follows.
-bool readClockField(const Reader &rd, const TextToken &tok, int32_t kind, Walk &w, Fields &f) {
+bool readClockField(const Reader &rd, const TextToken &tok, bool optional, Walk &w, int64_t &field, bool &seen) {
     if (tok.cls != kDigits) {
-        if (kind != kSecond) return false;
+        if (!optional) return false;
         // Inside a run of digits the cursor has not moved.
         if (w.offset == 0) --w.t;
         return true;
     }
-    int64_t &field = kind == kMinute ? f.minute : kind == kSecond ? f.second : f.hour;
     addDigits(rd.text, tok, 0, tok.length, &field);
-    (kind == kMinute ? f.minuteSeen : kind == kSecond ? f.secondSeen : f.hourSeen) = true;
+    seen = true;
     return true;
 }
 
@@ -601,9 +653,9 @@ bool walkFields(const Reader &rd, const ZvChar *pattern, const PatternCut &cut, 
         case kMonth: ok = readMonth(rd, tok, w, f); break;
         case kDay: ok = readDay(rd, tok, w, f); break;
         case kHour12:
-        case kHour24:
-        case kMinute:
-        case kSecond: ok = readClockField(rd, tok, pt.kind, w, f); break;
+        case kHour24: ok = readClockField(rd, tok, false, w, f.hour, f.hourSeen); break;
+        case kMinute: ok = readClockField(rd, tok, false, w, f.minute, f.minuteSeen); break;
+        case kSecond: ok = readClockField(rd, tok, true, w, f.second, f.secondSeen); break;
         case kAmPm: // found already, wherever it stands: it eats no token
             if (w.offset == 0) --w.t;
             break;
@@ -672,7 +724,7 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
     const bool orderMatches = orderMatchesLocale(block, cut);
 
     Reader rd(block, text, textLength);
-    cutText(rd, pattern, cut, rulesFor(cut, orderMatches && !isHebrew(block)));
+    cutText(rd, pattern, cut, rulesFor(cut, orderMatches && !isHebrew(block), text, textLength));
     const AmPm amPm = findAmPm(rd);
 
     Fields fields;

@@ -278,7 +278,7 @@ bool orderMatchesLocale(const LocaleBlock *block, const PatternCut &cut) {
     if (o.length != kOrderLetters) return false;
     // The pattern's letters are upper case and blanks: they fold to themselves.
     for (int i = 0; i < kOrderLetters; ++i)
-        if (foldUpperChar(o.text[i]) != cut.order[i]) return false;
+        if (o.text[i] != cut.order[i] && foldUpperChar(o.text[i]) != cut.order[i]) return false;
     return true;
 }
 

@@ -400,8 +400,10 @@ int64_t literalAt(const Reader &rd, int64_t cursor, int32_t n, int32_t splits, b
 }
 
 // The end of the run of characters from `cursor` on that have `role` and
-// begin no literal.
-[[gnu::always_inline]] inline int64_t runEnd(const ZvChar *text, int64_t cursor, int64_t length, const CutRules &rules, uint8_t role) {
+// begin no literal. Inlined into both cutters: most runs are a character
+// or two, and a call would cost more than the run.
+[[gnu::always_inline]] inline int64_t runEnd(const ZvChar *text, int64_t cursor, int64_t length,
+                                              const CutRules &rules, uint8_t role) {
     if (role == kRoleDigit) {
         // A digit folds to itself.
         if ((rules.firsts & kDigitBits) == 0) {

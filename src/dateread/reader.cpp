@@ -343,23 +343,23 @@ inline uint64_t foldedBitOf(ZvChar c) {
     return c < 128 ? kFoldedBits.ascii[c] : PatternCut::firstBit(foldUpperBeyondAscii(c));
 }
 
-// How the text is cut under one pattern: the roles, and the bit set of the
+// How the text is cut under one pattern: the roles, the bit set of the
 // first characters of the literals worth a look (a character whose bit is
-// clear begins none).
+// clear begins none), and where in the text the looks end.
 struct CutRules {
     const uint8_t *roles;
     uint64_t firsts;
+    int64_t looksEnd;
 
     uint8_t roleOf(ZvChar c) const { return c < 128 ? roles[c] : static_cast<uint8_t>(kRoleOther); }
     bool mayBeginLiteral(ZvChar c) const { return (firsts & foldedBitOf(c)) != 0; }
 };
 
-// Might a character of the text begin a literal whose first character has
-// a bit in `bits`?
-bool textMayBegin(const ZvChar *text, int64_t length, uint64_t bits) {
-    for (int64_t i = 0; i < length; ++i)
-        if (bits & foldedBitOf(text[i])) return true;
-    return false;
+// Behind the last character of the text that might begin a literal whose
+// first character has a bit in `bits`; 0 when none might.
+int64_t endOfMayBegin(const ZvChar *text, int64_t length, uint64_t bits) {
+    while (length > 0 && !(bits & foldedBitOf(text[length - 1]))) --length;
+    return length;
 }
 
 // A literal that begins with no character of the text never matches and
@@ -367,12 +367,14 @@ bool textMayBegin(const ZvChar *text, int64_t length, uint64_t bits) {
 // text is cut as without it. Where separators split, a literal of one
 // separator ends the token just as the separator does, and the tokens come
 // out the same; only the count of splits differs, which no other literal
-// reads when no other can match. Then no character needs a literal's look.
+// reads when no other can match. So the looks end behind the last character
+// that might begin a literal worth one, and without such a character no
+// character needs a look at all.
 CutRules rulesFor(const PatternCut &cut, bool separatorsSplit, const ZvChar *text, int64_t textLength) {
     const uint8_t *roles = separatorsSplit ? kSplittingRoles.ascii : kPlainRoles.ascii;
     const uint64_t worthALook = separatorsSplit ? cut.otherFirsts : cut.firsts;
-    if (worthALook == 0 || !textMayBegin(text, textLength, worthALook)) return {roles, 0};
-    return {roles, cut.firsts};
+    const int64_t looksEnd = worthALook ? endOfMayBegin(text, textLength, worthALook) : 0;
+    return {roles, looksEnd > 0 ? cut.firsts : 0, looksEnd};
 }
 
 // The length of the pattern literal that stands in the text at `cursor`, or
@@ -449,11 +451,12 @@ void cutPlainText(Reader &rd, const CutRules &rules) {
 
 // Cuts the text at blanks, at the pattern's literals, at separators (where
 // the rules make them split) and where digits meet other characters.
-void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const CutRules &rules) {
-    if (rules.firsts == 0) {
-        cutPlainText(rd, rules);
+void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const CutRules &given) {
+    if (given.firsts == 0) {
+        cutPlainText(rd, given);
         return;
     }
+    CutRules rules = given;
     const ZvChar *text = rd.text;
     const int64_t length = rd.textLength;
     TextToken *tokens = rd.tokens;
@@ -469,6 +472,7 @@ void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const Cut
     // Once the list is full nothing further in the text can change the answer.
     while (cursor < length && n < kMaxTokens) {
         const ZvChar c = text[cursor];
+        if (cursor >= rules.looksEnd) rules.firsts = 0;
         if (rules.mayBeginLiteral(c)) {
             const ZvChar folded = foldUpperChar(c);
             const int64_t literal = literalAt(rd, cursor, n, splits, start < cursor, folded, pattern, cut);

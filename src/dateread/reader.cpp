@@ -332,10 +332,7 @@ struct FoldedBits {
 };
 constexpr FoldedBits foldedBits() {
     FoldedBits bits{};
-    for (int i = 0; i < 128; ++i) {
-        const ZvChar c = static_cast<ZvChar>(i);
-        bits.ascii[i] = PatternCut::firstBit(c >= u'a' && c <= u'z' ? static_cast<ZvChar>(c - (u'a' - u'A')) : c);
-    }
+    for (int i = 0; i < 128; ++i) bits.ascii[i] = PatternCut::firstBit(foldUpperChar(static_cast<ZvChar>(i)));
     return bits;
 }
 constexpr FoldedBits kFoldedBits = foldedBits();

@@ -170,11 +170,20 @@ struct Reader {
 };
 
 // Digits of a token from `from` on, `count` of them, added into `field`.
-void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t count, int64_t *field) {
+// A field below kUncheckedBelow takes kUncheckedDigits digits and stays
+// below the ceiling, so the common short field needs no look at it.
+constexpr int32_t kUncheckedDigits = 9;
+constexpr int64_t tenTo(int32_t power) { return power == 0 ? 1 : 10 * tenTo(power - 1); }
+constexpr int64_t kUncheckedBelow = kFieldCeiling / tenTo(kUncheckedDigits);
+inline void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t count, int64_t *field) {
     const ZvChar *digits = text + tok.start + from;
     int64_t value = *field;
-    for (int32_t i = 0; i < count; ++i)
-        if (value < kFieldCeiling) value = value * 10 + (digits[i] - u'0');
+    if (value < kUncheckedBelow && count <= kUncheckedDigits) {
+        for (int32_t i = 0; i < count; ++i) value = value * 10 + (digits[i] - u'0');
+    } else {
+        for (int32_t i = 0; i < count; ++i)
+            if (value < kFieldCeiling) value = value * 10 + (digits[i] - u'0');
+    }
     *field = value;
 }
 
@@ -204,8 +213,9 @@ struct PatternCut {
     Literal literals[kMaxTokens];
     int32_t literalCount = 0;
     uint64_t firsts = 0;
+    uint64_t otherFirsts = 0; // of the literals other than one separator
 
-    static uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
+    static constexpr uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
 };
 
 // Cuts the pattern: blanks separate literals and match nothing themselves;
@@ -214,13 +224,15 @@ struct PatternCut {
 // while the pattern is walked, and stored at the end.
 void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
     int32_t count = 0, literalCount = 0;
-    uint64_t firsts = 0;
+    uint64_t firsts = 0, otherFirsts = 0;
     auto storeLiteral = [&](int64_t start, int64_t end) {
         if (count + literalCount >= kMaxTokens) return;
         const ZvChar first = foldUpperChar(pattern[start]);
         cut.literals[literalCount++] =
             PatternCut::Literal{static_cast<int32_t>(start), static_cast<int32_t>(end - start), count, first};
         firsts |= PatternCut::firstBit(first);
+        // A separator folds to itself.
+        if (end - start != 1 || !isSeparator(first)) otherFirsts |= PatternCut::firstBit(first);
     };
     for (int64_t i = 0; i < patternLength;) {
         const ZvChar c = pattern[i];
@@ -255,6 +267,7 @@ void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
     cut.count = count;
     cut.literalCount = literalCount;
     cut.firsts = firsts;
+    cut.otherFirsts = otherFirsts;
 }
 
 // Does the pattern name its date fields in the locale's own order? A
@@ -265,7 +278,7 @@ bool orderMatchesLocale(const LocaleBlock *block, const PatternCut &cut) {
     if (o.length != kOrderLetters) return false;
     // The pattern's letters are upper case and blanks: they fold to themselves.
     for (int i = 0; i < kOrderLetters; ++i)
-        if (foldUpperChar(o.text[i]) != cut.order[i]) return false;
+        if (o.text[i] != cut.order[i] && foldUpperChar(o.text[i]) != cut.order[i]) return false;
     return true;
 }
 
@@ -277,81 +290,22 @@ bool isHebrew(const LocaleBlock *block) {
 
 // ---- the text's tokens ------------------------------------------------------
 
-// The cutter's place in the text. `splits` counts the tokens ended by a
-// blank, a separator or a change of class; a literal of the pattern is
-// looked for only where the tokens seen so far, give or take those, line
-// up with the fields before it. The count of tokens is kept here, apart
-// from the list, while the text is cut.
-struct TextCutter {
-    int64_t cursor = 0;
-    int64_t tokenStart = 0;
-    TokenClass tokenClass = kNoClass;
-    int32_t n = 0;
-    int32_t splits = 0;
-
-    bool tokenOpen() const { return tokenStart < cursor; }
-};
-
-void storeToken(Reader &rd, TextCutter &tc, int64_t start, int64_t end, TokenClass cls) {
-    if (tc.n < kMaxTokens)
-        rd.tokens[tc.n++] = TextToken{static_cast<int32_t>(start), static_cast<int32_t>(end - start), cls, 0};
-}
-
-// Ends the token under way, if any, as one split off by something between.
-void splitToken(Reader &rd, TextCutter &tc) {
-    if (tc.tokenOpen()) {
-        storeToken(rd, tc, tc.tokenStart, tc.cursor, tc.tokenClass);
-        ++tc.splits;
-    }
-}
-
-// The length of the pattern literal that stands in the text at the cursor,
-// or -1 when none is due there. `folded` is the character at the cursor,
-// folded; a literal whose first character differs is passed over without
-// a compare.
-int64_t literalAt(const Reader &rd, const TextCutter &tc, ZvChar folded, const ZvChar *pattern,
-                  const PatternCut &cut) {
-    const int32_t open = tc.tokenOpen() ? 1 : 0;
-    const int32_t low = tc.n + open - tc.splits, high = tc.n + open + tc.splits;
-    for (int32_t k = 0; k < cut.literalCount; ++k) {
-        const PatternCut::Literal &pt = cut.literals[k];
-        if (pt.fieldsBefore < low) continue;
-        if (pt.fieldsBefore > high) return -1;
-        if (pt.first != folded) continue;
-        const int64_t len = pt.length;
-        const int64_t rest = rd.textLength - tc.cursor;
-        const int64_t span = std::min<int64_t>({len, rest, kFoldRoom});
-        if (span <= 1 || sameFolded(rd.text + tc.cursor + 1, pattern + pt.start + 1, span - 1)) return len;
-    }
-    return -1;
-}
-
 // What a character does to the cutter: it joins a token of digits or of
-// other characters, or it ends the token as a blank or a separator does;
-// the flag says that a literal of the pattern may begin with it.
+// other characters, or it ends the token as a blank or a separator does.
 enum CharRole : uint8_t {
     kRoleDigit = kDigits,
     kRoleOther = kNoDigits,
-    kRoleBlank = 3,
+    kRoleBlank = 3, // this and the roles above it end a token
     kRoleSeparator = 4, // only where separators split
-    kRoleLiteral = 8,
 };
 
-// The roles of the ASCII characters under one pattern; the others are
-// never digits, blanks or separators, and are looked up one by one.
-struct CharRoles {
+// The roles of the ASCII characters, without and with separators that
+// split; every character beyond ASCII is of the other class.
+struct RoleTable {
     uint8_t ascii[128];
-    uint64_t firsts; // the pattern's bit set of literals' first characters
-
-    uint8_t of(ZvChar c) const {
-        if (c < 128) return ascii[c];
-        return (firsts & PatternCut::firstBit(foldUpperChar(c))) ? kRoleOther | kRoleLiteral : kRoleOther;
-    }
 };
-
-// The roles before any literal, without and with separators that split.
-constexpr CharRoles plainRoles(bool separatorsSplit) {
-    CharRoles roles{};
+constexpr RoleTable roleTable(bool separatorsSplit) {
+    RoleTable roles{};
     for (int i = 0; i < 128; ++i) {
         const ZvChar c = static_cast<ZvChar>(i);
         roles.ascii[i] = c == u' '                           ? kRoleBlank
@@ -361,78 +315,195 @@ constexpr CharRoles plainRoles(bool separatorsSplit) {
     }
     return roles;
 }
-constexpr CharRoles kPlainRoles = plainRoles(false);
-constexpr CharRoles kSplittingRoles = plainRoles(true);
+constexpr RoleTable kPlainRoles = roleTable(false);
+constexpr RoleTable kSplittingRoles = roleTable(true);
 
-// Each literal of one separator, or none at all? (A separator folds to
-// itself.)
-bool literalsAreSeparators(const PatternCut &cut) {
-    for (int32_t k = 0; k < cut.literalCount; ++k)
-        if (cut.literals[k].length != 1 || !isSeparator(cut.literals[k].first)) return false;
-    return true;
+// The bits of the digits in a bit set of first characters.
+constexpr uint64_t digitBits() {
+    uint64_t bits = 0;
+    for (ZvChar c = u'0'; c <= u'9'; ++c) bits |= PatternCut::firstBit(c);
+    return bits;
+}
+constexpr uint64_t kDigitBits = digitBits();
+
+// The bit of each ASCII character, folded; beyond ASCII the fold is looked up.
+struct FoldedBits {
+    uint64_t ascii[128];
+};
+constexpr FoldedBits foldedBits() {
+    FoldedBits bits{};
+    for (int i = 0; i < 128; ++i) bits.ascii[i] = PatternCut::firstBit(foldUpperChar(static_cast<ZvChar>(i)));
+    return bits;
+}
+constexpr FoldedBits kFoldedBits = foldedBits();
+inline uint64_t foldedBitOf(ZvChar c) {
+    return c < 128 ? kFoldedBits.ascii[c] : PatternCut::firstBit(foldUpperBeyondAscii(c));
 }
 
-// The roles under the pattern, made in `roles` or taken from a table.
-// Where separators split, a literal of one separator ends the token just as
-// the separator does, and the tokens come out the same; only the count of
-// splits differs, which no other literal reads when all literals are such.
-// No other character folds to a separator, so none then needs a literal's
-// look, and the table of the separators serves.
-const CharRoles &rolesFor(const PatternCut &cut, bool separatorsSplit, CharRoles &roles) {
-    if (separatorsSplit && literalsAreSeparators(cut)) return kSplittingRoles;
-    roles = separatorsSplit ? kSplittingRoles : kPlainRoles;
-    roles.firsts = cut.firsts;
-    // The ASCII characters that fold to a literal's first character are that
-    // character and, for a letter, its lower case; none folds beyond ASCII.
+// How the text is cut under one pattern: the roles, the bit set of the
+// first characters of the literals worth a look (a character whose bit is
+// clear begins none), and where in the text the looks end.
+struct CutRules {
+    const uint8_t *roles;
+    uint64_t firsts;
+    int64_t looksEnd;
+
+    uint8_t roleOf(ZvChar c) const { return c < 128 ? roles[c] : static_cast<uint8_t>(kRoleOther); }
+    bool mayBeginLiteral(ZvChar c) const { return (firsts & foldedBitOf(c)) != 0; }
+};
+
+// Behind the last character of the text that might begin a literal whose
+// first character has a bit in `bits`; 0 when none might.
+int64_t endOfMayBegin(const ZvChar *text, int64_t length, uint64_t bits) {
+    while (length > 0 && !(bits & foldedBitOf(text[length - 1]))) --length;
+    return length;
+}
+
+// A literal that begins with no character of the text never matches and
+// never stops the search for a later one, which is due later still: the
+// text is cut as without it. Where separators split, a literal of one
+// separator ends the token just as the separator does, and the tokens come
+// out the same; only the count of splits differs, which no other literal
+// reads when no other can match. So the looks end behind the last character
+// that might begin a literal worth one, and without such a character no
+// character needs a look at all.
+CutRules rulesFor(const PatternCut &cut, bool separatorsSplit, const ZvChar *text, int64_t textLength) {
+    const uint8_t *roles = separatorsSplit ? kSplittingRoles.ascii : kPlainRoles.ascii;
+    const uint64_t worthALook = separatorsSplit ? cut.otherFirsts : cut.firsts;
+    const int64_t looksEnd = worthALook ? endOfMayBegin(text, textLength, worthALook) : 0;
+    return {roles, looksEnd > 0 ? cut.firsts : 0, looksEnd};
+}
+
+// The length of the pattern literal that stands in the text at `cursor`, or
+// -1 when none is due there. `folded` is the character at the cursor,
+// folded; a literal whose first character differs is passed over without
+// a compare. `splits` counts the tokens ended by a blank, a separator or a
+// change of class: a literal is looked for only where the tokens seen so
+// far, give or take those, line up with the fields before it.
+int64_t literalAt(const Reader &rd, int64_t cursor, int32_t n, int32_t splits, bool open, ZvChar folded,
+                  const ZvChar *pattern, const PatternCut &cut) {
+    const int32_t seen = n + (open ? 1 : 0);
+    const int32_t low = seen - splits, high = seen + splits;
     for (int32_t k = 0; k < cut.literalCount; ++k) {
-        const ZvChar f = cut.literals[k].first;
-        if (f >= 128) continue;
-        roles.ascii[f] |= kRoleLiteral;
-        if (isAsciiLetter(f)) roles.ascii[f | 0x20] |= kRoleLiteral; // its lower case
+        const PatternCut::Literal &pt = cut.literals[k];
+        if (pt.fieldsBefore < low) continue;
+        if (pt.fieldsBefore > high) return -1;
+        if (pt.first != folded) continue;
+        // The first characters are equal; the rest is compared over what
+        // the text has left.
+        const int64_t len = pt.length;
+        const int64_t span = std::min(std::min<int64_t>(len, rd.textLength - cursor), kFoldRoom);
+        if (span <= 1 || sameFolded(rd.text + cursor + 1, pattern + pt.start + 1, span - 1)) return len;
     }
-    return roles;
+    return -1;
+}
+
+// The end of the run of characters from `cursor` on that have `role` and
+// begin no literal. Inlined into both cutters: most runs are a character
+// or two, and a call would cost more than the run.
+[[gnu::always_inline]] inline int64_t runEnd(const ZvChar *text, int64_t cursor, int64_t length,
+                                              const CutRules &rules, uint8_t role) {
+    if (role == kRoleDigit) {
+        // A digit folds to itself.
+        if ((rules.firsts & kDigitBits) == 0) {
+            while (cursor < length && isAsciiDigit(text[cursor])) ++cursor;
+            return cursor;
+        }
+        while (cursor < length && isAsciiDigit(text[cursor]) && !rules.mayBeginLiteral(text[cursor])) ++cursor;
+        return cursor;
+    }
+    while (cursor < length) {
+        const ZvChar c = text[cursor];
+        if (rules.roleOf(c) != role || (rules.firsts && rules.mayBeginLiteral(c))) break;
+        ++cursor;
+    }
+    return cursor;
+}
+
+// The cut where no literal can match: each run of characters of one class
+// is a token, and blanks and splitting separators between them are passed
+// over. No count of splits is kept, since no literal reads it.
+void cutPlainText(Reader &rd, const CutRules &rules) {
+    const ZvChar *text = rd.text;
+    const int64_t length = rd.textLength;
+    TextToken *tokens = rd.tokens;
+    int64_t cursor = 0;
+    int32_t n = 0;
+    int32_t classes = 0; // the classes of all tokens
+    while (cursor < length && n < kMaxTokens) {
+        const uint8_t role = rules.roleOf(text[cursor]);
+        if (role >= kRoleBlank) {
+            ++cursor;
+            continue;
+        }
+        const int64_t end = runEnd(text, cursor + 1, length, rules, role);
+        tokens[n++] = TextToken{static_cast<int32_t>(cursor), static_cast<int32_t>(end - cursor),
+                                static_cast<TokenClass>(role), 0};
+        classes |= role;
+        cursor = end;
+    }
+    rd.n = n;
+    rd.anyNoDigits = (classes & kNoDigits) != 0;
 }
 
 // Cuts the text at blanks, at the pattern's literals, at separators (where
-// `roles` makes them split) and where digits meet other characters.
-void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const CharRoles &roles) {
-    TextCutter tc;
-    bool anyNoDigits = false;
+// the rules make them split) and where digits meet other characters.
+void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const CutRules &given) {
+    if (given.firsts == 0) {
+        cutPlainText(rd, given);
+        return;
+    }
+    CutRules rules = given;
     const ZvChar *text = rd.text;
     const int64_t length = rd.textLength;
+    TextToken *tokens = rd.tokens;
+    int64_t cursor = 0, start = 0;
+    int32_t n = 0, splits = 0;
+    int32_t cls = kNoClass;
+    int32_t classes = 0; // the classes of all characters met
+    // Inside the loop a token is stored only while the list has room.
+    auto store = [&](int64_t end) {
+        tokens[n++] = TextToken{static_cast<int32_t>(start), static_cast<int32_t>(end - start),
+                                static_cast<TokenClass>(cls), 0};
+    };
     // Once the list is full nothing further in the text can change the answer.
-    while (tc.cursor < length && tc.n < kMaxTokens) {
-        const ZvChar c = text[tc.cursor];
-        uint8_t role = roles.of(c);
-        if (role & kRoleLiteral) {
-            const int64_t literal = literalAt(rd, tc, foldUpperChar(c), pattern, cut);
+    while (cursor < length && n < kMaxTokens) {
+        const ZvChar c = text[cursor];
+        if (cursor >= rules.looksEnd) rules.firsts = 0;
+        if (rules.mayBeginLiteral(c)) {
+            const ZvChar folded = foldUpperChar(c);
+            const int64_t literal = literalAt(rd, cursor, n, splits, start < cursor, folded, pattern, cut);
             if (literal >= 0) {
-                if (tc.tokenOpen()) storeToken(rd, tc, tc.tokenStart, tc.cursor, tc.tokenClass);
-                tc.cursor += literal;
-                tc.tokenStart = tc.cursor;
+                if (start < cursor) store(cursor);
+                cursor += literal;
+                start = cursor;
                 continue;
             }
-            role &= ~kRoleLiteral;
         }
-        if (role == kRoleBlank || role == kRoleSeparator) {
-            splitToken(rd, tc);
-            tc.tokenStart = ++tc.cursor;
+        const uint8_t role = rules.roleOf(c);
+        if (role >= kRoleBlank) {
+            if (start < cursor) {
+                store(cursor);
+                ++splits;
+            }
+            start = ++cursor;
             continue;
         }
-        const TokenClass now = static_cast<TokenClass>(role);
-        anyNoDigits = anyNoDigits || now == kNoDigits;
-        if (now != tc.tokenClass && tc.tokenOpen()) {
-            splitToken(rd, tc);
-            tc.tokenStart = tc.cursor;
+        if (role != cls) {
+            if (start < cursor) {
+                store(cursor);
+                ++splits;
+                start = cursor;
+            }
+            cls = role;
         }
-        tc.tokenClass = now;
+        classes |= role;
         // The characters behind that only lengthen the token are taken at once.
-        ++tc.cursor;
-        while (tc.cursor < length && roles.of(text[tc.cursor]) == role) ++tc.cursor;
+        cursor = runEnd(text, cursor + 1, length, rules, role);
     }
-    if (tc.tokenStart < length) storeToken(rd, tc, tc.tokenStart, length, tc.tokenClass);
-    rd.n = tc.n;
-    rd.anyNoDigits = anyNoDigits;
+    if (start < length && n < kMaxTokens) store(length);
+    rd.n = n;
+    rd.anyNoDigits = (classes & kNoDigits) != 0;
 }
 
 // ---- AM and PM ----------------------------------------------------------------
@@ -488,14 +559,11 @@ struct Walk {
 // Takes up to `most` digits of the run from `offset` on, or the rest of it
 // when no more than `most` are left; answers the offset behind them, 0 when
 // the run is used up.
-int32_t takeDigits(const ZvChar *text, const TextToken &tok, int32_t most, int32_t offset, int64_t *field) {
+inline int32_t takeDigits(const ZvChar *text, const TextToken &tok, int32_t most, int32_t offset, int64_t *field) {
     const int32_t rest = tok.length - offset;
-    if (rest > most) {
-        addDigits(text, tok, offset, most, field);
-        return offset + most;
-    }
-    addDigits(text, tok, offset, rest, field);
-    return 0;
+    const bool more = rest > most;
+    addDigits(text, tok, offset, more ? most : rest, field);
+    return more ? offset + most : 0;
 }
 
 constexpr int32_t kFullYearDigits = 4;
@@ -533,16 +601,15 @@ bool readDay(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
 
 // Hours, minutes and seconds take the whole token and carry over later. A
 // second is optional: without digits the token stays for what follows.
-bool readClockField(const Reader &rd, const TextToken &tok, int32_t kind, Walk &w, Fields &f) {
+bool readClockField(const Reader &rd, const TextToken &tok, bool optional, Walk &w, int64_t &field, bool &seen) {
     if (tok.cls != kDigits) {
-        if (kind != kSecond) return false;
+        if (!optional) return false;
         // Inside a run of digits the cursor has not moved.
         if (w.offset == 0) --w.t;
         return true;
     }
-    int64_t &field = kind == kMinute ? f.minute : kind == kSecond ? f.second : f.hour;
     addDigits(rd.text, tok, 0, tok.length, &field);
-    (kind == kMinute ? f.minuteSeen : kind == kSecond ? f.secondSeen : f.hourSeen) = true;
+    seen = true;
     return true;
 }
 
@@ -589,9 +656,9 @@ bool walkFields(const Reader &rd, const ZvChar *pattern, const PatternCut &cut, 
         case kMonth: ok = readMonth(rd, tok, w, f); break;
         case kDay: ok = readDay(rd, tok, w, f); break;
         case kHour12:
-        case kHour24:
-        case kMinute:
-        case kSecond: ok = readClockField(rd, tok, pt.kind, w, f); break;
+        case kHour24: ok = readClockField(rd, tok, false, w, f.hour, f.hourSeen); break;
+        case kMinute: ok = readClockField(rd, tok, false, w, f.minute, f.minuteSeen); break;
+        case kSecond: ok = readClockField(rd, tok, true, w, f.second, f.secondSeen); break;
         case kAmPm: // found already, wherever it stands: it eats no token
             if (w.offset == 0) --w.t;
             break;
@@ -660,8 +727,7 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
     const bool orderMatches = orderMatchesLocale(block, cut);
 
     Reader rd(block, text, textLength);
-    CharRoles made;
-    cutText(rd, pattern, cut, rolesFor(cut, orderMatches && !isHebrew(block), made));
+    cutText(rd, pattern, cut, rulesFor(cut, orderMatches && !isHebrew(block), text, textLength));
     const AmPm amPm = findAmPm(rd);
 
     Fields fields;

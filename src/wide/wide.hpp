@@ -72,7 +72,7 @@ void foldUpper(ZvChar *text, int64_t length);
 void foldLower(ZvChar *text, int64_t length);
 ZvChar foldUpperBeyondAscii(ZvChar c);
 // One unit folded as foldUpper folds it; ASCII without a call.
-inline ZvChar foldUpperChar(ZvChar c) {
+constexpr ZvChar foldUpperChar(ZvChar c) {
     if (c >= 128) return foldUpperBeyondAscii(c);
     return c >= u'a' && c <= u'z' ? static_cast<ZvChar>(c - (u'a' - u'A')) : c;
 }

@@ -200,6 +200,9 @@ TEST_F(LocaleReader, Cases) {
         {u"MDY", u"%I:%M:%S %p", u"1:00:00 p. m.", 0, kMiss, 46800},
         {u"MDY", u"%I:%M:%S %p", u"12:00:00 a. m.", 0, kMiss, 0},
         {u"MDY", u"%I:%M:%S %p %d", u"1:02:03 p. m.", 0, kMiss, 46923},
+        // A literal is found in another case, also beyond ASCII; unmatched, it would end the walk.
+        {u"DMY", u"%d.%m.%Y UM %H:%M", u"5.3.2024 um 13:02", 2, mar5, 46920},
+        {u"DMY", u"%d %B %Y À %H:%M", u"5 March 2024 à 13:02", 2, mar5, 46920},
     };
     set(59, u"de gen."), set(71, u"del gener"), set(62, u"Ma"), set(64, u"Mab"), set(65, u"Mab");
     set(151, u"a. m."), set(152, u"p. m."), set(121, u"Zzz"), set(67, u"sept.");

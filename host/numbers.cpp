@@ -8,6 +8,7 @@
 // above the tie and below the next rounding boundary.
 #include "numbers.hpp"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -88,7 +89,6 @@ int incrementLast(char *text, int n) {
 // m * 5^places * 2^(e + places), whose whole part and remainder integers give
 // exactly. It serves while the rounded digits fit 19 places; false otherwise.
 constexpr int kShortPlaces = 19;
-constexpr uint64_t kShortLimit = 10000000000000000000ull; // 10^19
 
 constexpr auto kPowersOfFive = [] {
     std::array<uint64_t, kShortPlaces + 1> p{};
@@ -96,8 +96,17 @@ constexpr auto kPowersOfFive = [] {
     for (int i = 1; i <= kShortPlaces; ++i) p[size_t(i)] = p[size_t(i) - 1] * 5;
     return p;
 }();
+constexpr auto kPowersOfTen = [] {
+    std::array<uint64_t, kShortPlaces + 1> p{};
+    p[0] = 1;
+    for (int i = 1; i <= kShortPlaces; ++i) p[size_t(i)] = p[size_t(i) - 1] * 10;
+    return p;
+}();
+constexpr uint64_t kShortLimit = kPowersOfTen[kShortPlaces];
 
-bool shortFixedDigits(double a, int places, char *out, int *length) {
+// a * 10^places rounded half away from zero into *scaled, when that is below
+// 10^19.
+bool shortScaled(double a, int places, uint64_t *scaled) {
     if (places > kShortPlaces || !(a < 1e19)) return false;
     const uint64_t bits = std::bit_cast<uint64_t>(a);
     const int biased = int(bits >> 52);
@@ -116,30 +125,75 @@ bool shortFixedDigits(double a, int places, char *out, int *length) {
         x = (x + (static_cast<unsigned __int128>(1) << (-shift - 1))) >> -shift;
     }
     if (x >= kShortLimit) return false;
-    // The digits from the right, two at a time, then zeros up to one in
-    // front of the point.
-    static constexpr char kPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
-                                     "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
-                                     "8081828384858687888990919293949596979899";
-    char digits[24];
-    char *p = digits + sizeof digits;
-    uint64_t q = uint64_t(x);
-    for (; q > UINT32_MAX; q /= 100) std::memcpy(p -= 2, kPairs + 2 * (q % 100), 2);
+    *scaled = uint64_t(x);
+    return true;
+}
+
+// The count of decimal digits of q, 0 for 0.
+int decimalDigits(uint64_t q) {
+    const int guess = (std::bit_width(q) * 1233) >> 12; // bits times log10(2), at most one short
+    return guess + (q >= kPowersOfTen[size_t(guess)] ? 1 : 0);
+}
+
+// Digits go in from the right, two at a time, as chars or as UTF-16 units.
+constexpr char kPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+                          "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+                          "8081828384858687888990919293949596979899";
+
+template <class Unit>
+Unit *pairBefore(Unit *end, unsigned pair) {
+    end -= 2;
+    end[0] = Unit(kPairs[2 * pair]);
+    end[1] = Unit(kPairs[2 * pair + 1]);
+    return end;
+}
+
+// The last `count` digits of q in front of `end`; q keeps the ones before
+// them. Returns where they begin.
+template <class Unit>
+Unit *lowDigitsBefore(Unit *end, uint64_t &q, int count) {
+    for (; count >= 2; count -= 2, q /= 100) end = pairBefore(end, unsigned(q % 100));
+    if (count > 0) {
+        *--end = Unit('0' + q % 10);
+        q /= 10;
+    }
+    return end;
+}
+
+// Every digit of q (a 0 for 0) in front of `end`. Returns where they begin.
+template <class Unit>
+Unit *digitsBefore(Unit *end, uint64_t q) {
+    for (; q > UINT32_MAX; q /= 100) end = pairBefore(end, unsigned(q % 100));
     // The rest in 32 bits, whose division is the cheaper.
     auto r = static_cast<uint32_t>(q);
-    for (; r >= 100; r /= 100) std::memcpy(p -= 2, kPairs + 2 * (r % 100), 2);
-    if (r >= 10) std::memcpy(p -= 2, kPairs + 2 * r, 2);
-    else *--p = char('0' + r);
-    while (digits + sizeof digits - p <= places) *--p = '0';
-    const int whole = int(digits + sizeof digits - p) - places;
-    // Char by char: a dozen at most go either side of the point.
-    int k = 0;
-    for (; k < whole; ++k) out[k] = p[k];
-    if (places > 0) {
-        out[k++] = '.';
-        for (int i = 0; i < places; ++i) out[k++] = p[whole + i];
-    }
-    *length = k;
+    for (; r >= 100; r /= 100) end = pairBefore(end, r % 100);
+    if (r >= 10) return pairBefore(end, r);
+    *--end = Unit('0' + r);
+    return end;
+}
+
+// The scaled value as plain digits with `places` decimals, in front of `end`.
+template <class Unit>
+Unit *scaledBefore(Unit *end, uint64_t scaled, int places) {
+    end = lowDigitsBefore(end, scaled, places);
+    if (places > 0) *--end = Unit('.');
+    return digitsBefore(end, scaled);
+}
+
+// The units of the scaled value's plain digits, as scaledBefore writes them.
+int scaledLength(uint64_t scaled, int places) {
+    const int digits = std::max(decimalDigits(scaled), places + 1);
+    return places > 0 ? digits + 1 : digits;
+}
+
+bool shortFixedDigits(double a, int places, char *out, int *length) {
+    uint64_t scaled = 0;
+    if (!shortScaled(a, places, &scaled)) return false;
+    char text[kShortPlaces + 2];
+    char *const end = text + sizeof text;
+    const char *p = scaledBefore(end, scaled, places);
+    *length = int(end - p);
+    std::memcpy(out, p, size_t(end - p));
     return true;
 }
 
@@ -366,6 +420,22 @@ int32_t place(const Text &t, int32_t width, ZvChar *target, int64_t capacity, in
     return written < width ? ZV_TARGET_TOO_SMALL : 0;
 }
 
+// The plain form written straight into a target that holds the whole field,
+// when the value's digits with all their decimals fit the width and the short
+// road makes them: the common answer, without a text in between. False when
+// the value takes the general road; nothing is written then.
+bool plainInPlace(double v, int32_t width, int places, ZvChar *target, int64_t capacity, int64_t *produced) {
+    uint64_t scaled = 0;
+    if (capacity < width || !std::isfinite(v) || !shortScaled(std::fabs(v), places, &scaled)) return false;
+    const bool negative = negativeValue(v);
+    if (scaledLength(scaled, places) + (negative ? 1 : 0) > width) return false;
+    ZvChar *p = scaledBefore(target + width, scaled, places);
+    if (negative) *--p = u'-';
+    while (p > target) *--p = u' ';
+    if (produced) *produced = width;
+    return true;
+}
+
 } // namespace
 
 int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t flags,
@@ -378,6 +448,7 @@ int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t
     if (decimals < 0) decimals = 0;
     if (decimals > kMaxDecimals) decimals = kMaxDecimals;
 
+    if (plain && !isMissingBits(value) && plainInPlace(value, width, decimals, target, capacity, produced)) return 0;
     Text t;
     int32_t status = 0;
     if (isMissingBits(value)) {

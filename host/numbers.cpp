@@ -140,11 +140,21 @@ constexpr char kPairs[] = "00010203040506070809101112131415161718192021222324252
                           "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
                           "8081828384858687888990919293949596979899";
 
+// The same pairs as two UTF-16 units in the machine's order, one store each.
+constexpr auto kPairUnits = [] {
+    std::array<uint32_t, 100> units{};
+    const int first = std::endian::native == std::endian::little ? 0 : 16;
+    for (size_t i = 0; i < units.size(); ++i)
+        units[i] = uint32_t(uint8_t(kPairs[2 * i])) << first | uint32_t(uint8_t(kPairs[2 * i + 1])) << (16 - first);
+    return units;
+}();
+
 template <class Unit>
 Unit *pairBefore(Unit *end, unsigned pair) {
+    static_assert(sizeof(Unit) == 1 || sizeof(Unit) == 2);
     end -= 2;
-    end[0] = Unit(kPairs[2 * pair]);
-    end[1] = Unit(kPairs[2 * pair + 1]);
+    if constexpr (sizeof(Unit) == 2) std::memcpy(end, &kPairUnits[pair], sizeof kPairUnits[pair]);
+    else std::memcpy(end, kPairs + 2 * pair, 2);
     return end;
 }
 

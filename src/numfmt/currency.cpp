@@ -112,6 +112,7 @@ struct AmountWriter {
     int64_t signLength = 0;
     ZvChar symbol[kWork + 1]; // the first symbolLength units are the mark
     int64_t symbolLength = 0;
+    int64_t groupSize = 0, groupLength = 0, pointLength = 0; // of the record, read once
 
     // What the retreats have given up so far.
     bool grouping = true, symbolShown = true;
@@ -137,10 +138,14 @@ struct AmountWriter {
         sign = negative ? money.negativeSign : money.positiveSign;
         signLength = textLength(sign);
         symbolLength = currencyMark(call, row, form, symbol);
+        groupSize = money.grouping && money.grouping[0] ? int64_t(money.grouping[0]) - u'0' : 0;
+        groupLength = textLength(money.groupSeparator);
+        pointLength = textLength(money.decimalSeparator);
         spellFrame();
     }
 
     HostAsk asked;
+    DigitMarks marks; // of the digits
 
     // The host's plain digits at width w, left-justified and trimmed.
     void askHost(int32_t w) {
@@ -151,6 +156,7 @@ struct AmountWriter {
         else
             produced = 0;
         digits.take(produced);
+        marks = findMarks(digits.text, digits.n);
     }
 
     // The digits for this pass; a text that fills the field is asked for
@@ -161,6 +167,7 @@ struct AmountWriter {
         askHost(hostWidth - narrowing);
         if (digits.n <= width) return;
         digits.replace(kLoneStar, 1);
+        marks = findMarks(kLoneStar, 1);
         asked.forget();
     }
 
@@ -171,18 +178,18 @@ struct AmountWriter {
         const ZvChar *d = digits.text;
         int64_t len = digits.n;
         dropMinus(d, len);
+        // The marks were found before the minus went.
+        const int64_t shift = digits.n - len;
+        const int64_t e = marks.e < 0 ? -1 : marks.e - shift;
+        const int64_t point = marks.point < 0 ? -1 : marks.point - shift;
         int64_t intLength = len, fraction = 0;
-        const DigitMarks marks = findMarks(d, len);
-        const int64_t e = marks.e;
-        if ((e > 0 || call->decimals != 0) && marks.point >= 0) {
-            intLength = marks.point;
-            fraction = len - marks.point - 1;
+        if ((e > 0 || call->decimals != 0) && point >= 0) {
+            intLength = point;
+            fraction = len - point - 1;
         }
-        int64_t g = money.grouping && money.grouping[0] ? int64_t(money.grouping[0]) - u'0' : 0;
-        if (!grouping || e > 0) g = 0;
-        shape = GroupedNumber{d, intLength, g, money.groupSeparator, textLength(money.groupSeparator),
-                              money.decimalSeparator, textLength(money.decimalSeparator), d + intLength + 1,
-                              fraction};
+        const int64_t g = grouping && e <= 0 ? groupSize : 0;
+        shape = GroupedNumber{d, intLength, g, money.groupSeparator, groupLength,
+                              money.decimalSeparator, pointLength, d + intLength + 1, fraction};
     }
 
     // The number in the sign pattern, without outer blanks; a positive amount

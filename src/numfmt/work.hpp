@@ -166,11 +166,15 @@ struct GroupedNumber {
                   const ZvChar *pointText, int64_t pointUnits, const ZvChar *fractionText, int64_t fractionUnits)
         : digits(d), intLength(intUnits), size(groupSize), separator(sep), separatorLength(sepUnits),
           point(pointText), pointLength(pointUnits), fraction(fractionText), fractionLength(fractionUnits),
-          units(intLength + (grouped() ? (intLength - 1) / size * separatorLength : 0) +
-                (fractionLength > 0 ? pointLength + fractionLength : 0)) {}
+          units(unitsByParts()) {}
 
     // True when a separator goes in.
     bool grouped() const { return size > 0 && intLength > size; }
+    // The same number with its integer part whole.
+    void dropGroups() {
+        size = 0;
+        units = unitsByParts();
+    }
     int64_t length() const { return units; }
     // True when neither end is a blank, so that the number stops the trimming
     // of a dress on both sides.
@@ -187,7 +191,7 @@ struct GroupedNumber {
         if (!grouped() && fractionLength > 0 && pointLength == 1 && fraction == digits + intLength + 1) {
             // The digits as the host wrote them, in one run, with the point
             // put in.
-            for (int64_t k = 0; k < units; ++k) out[k] = digits[k];
+            std::memcpy(out, digits, size_t(units) * sizeof(ZvChar));
             out[intLength] = point[0];
             return units;
         }
@@ -196,6 +200,11 @@ struct GroupedNumber {
 
   private:
     int64_t units = 0;
+
+    int64_t unitsByParts() const {
+        return intLength + (grouped() ? (intLength - 1) / size * separatorLength : 0) +
+               (fractionLength > 0 ? pointLength + fractionLength : 0);
+    }
 
     // Unit by unit: the runs are too short for a copy to pay.
     template <bool Bounded>

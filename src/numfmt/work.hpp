@@ -195,15 +195,37 @@ struct GroupedNumber {
             out[intLength] = point[0];
             return units;
         }
+        if (grouped() && size == kUsualGroup && separatorLength == 1) return writeUsualGroups(out);
         return writeUnits<false>(out, room);
     }
 
   private:
+    // Groups of three with a separator of one unit, as most locales have them.
+    static constexpr int64_t kUsualGroup = 3;
+
     int64_t units = 0;
 
     int64_t unitsByParts() const {
         return intLength + (grouped() ? (intLength - 1) / size * separatorLength : 0) +
                (fractionLength > 0 ? pointLength + fractionLength : 0);
+    }
+
+    // The usual groups, each with its separator in one step.
+    int64_t writeUsualGroups(ZvChar *out) const {
+        ZvChar *p = out;
+        int64_t run = intLength % kUsualGroup;
+        if (run == 0) run = kUsualGroup;
+        for (int64_t k = 0; k < run; ++k) *p++ = digits[k];
+        for (int64_t i = run; i < intLength; i += kUsualGroup) {
+            *p++ = separator[0];
+            std::memcpy(p, digits + i, kUsualGroup * sizeof(ZvChar));
+            p += kUsualGroup;
+        }
+        if (fractionLength > 0) {
+            for (int64_t k = 0; k < pointLength; ++k) *p++ = point[k];
+            for (int64_t k = 0; k < fractionLength; ++k) *p++ = fraction[k];
+        }
+        return p - out;
     }
 
     // Unit by unit: the runs are too short for a copy to pay.

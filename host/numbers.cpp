@@ -103,6 +103,9 @@ constexpr auto kPowersOfTen = [] {
     return p;
 }();
 constexpr uint64_t kShortLimit = kPowersOfTen[kShortPlaces];
+// Places whose power of five times a 53-bit mantissa stays below 2^63.
+constexpr int kNarrowPlaces = 4;
+static_assert(kPowersOfFive[kNarrowPlaces] < (uint64_t(1) << 10));
 
 // a * 10^places rounded half away from zero into *scaled, when that is below
 // 10^19.
@@ -113,8 +116,14 @@ bool shortScaled(double a, int places, uint64_t *scaled) {
     const uint64_t fraction = bits & ((uint64_t(1) << 52) - 1);
     const uint64_t m = biased == 0 ? fraction : fraction | (uint64_t(1) << 52);
     const int e = (biased == 0 ? 1 : biased) - 1075;
-    unsigned __int128 x = static_cast<unsigned __int128>(m) * kPowersOfFive[places]; // below 2^98
     const int shift = e + places;
+    if (places <= kNarrowPlaces && shift < 0) {
+        // The same rounding in 64 bits, where m * 5^places stays below 2^63.
+        const uint64_t y = m * kPowersOfFive[size_t(places)];
+        *scaled = -shift >= 64 ? 0 : (y + (uint64_t(1) << (-shift - 1))) >> -shift;
+        return true;
+    }
+    unsigned __int128 x = static_cast<unsigned __int128>(m) * kPowersOfFive[places]; // below 2^98
     if (shift >= 0) {
         x <<= shift; // a < 10^19 keeps this below 2^128
     } else if (-shift > 100) {
@@ -160,8 +169,8 @@ Unit *pairBefore(Unit *end, unsigned pair) {
 
 // The last `count` digits of q in front of `end`; q keeps the ones before
 // them. Returns where they begin.
-template <class Unit>
-Unit *lowDigitsBefore(Unit *end, uint64_t &q, int count) {
+template <class Unit, class Int>
+Unit *lowDigitsBefore(Unit *end, Int &q, int count) {
     for (; count >= 2; count -= 2, q /= 100) end = pairBefore(end, unsigned(q % 100));
     if (count > 0) {
         *--end = Unit('0' + q % 10);
@@ -182,12 +191,16 @@ Unit *digitsBefore(Unit *end, uint64_t q) {
     return end;
 }
 
-// The scaled value as plain digits with `places` decimals, in front of `end`.
+// The scaled value as plain digits with `places` decimals, in front of `end`;
+// in 32 bits when it fits them, whose division is the cheaper.
 template <class Unit>
 Unit *scaledBefore(Unit *end, uint64_t scaled, int places) {
-    end = lowDigitsBefore(end, scaled, places);
-    if (places > 0) *--end = Unit('.');
-    return digitsBefore(end, scaled);
+    auto put = [&](auto q) {
+        end = lowDigitsBefore(end, q, places);
+        if (places > 0) *--end = Unit('.');
+        return digitsBefore(end, q);
+    };
+    return scaled <= UINT32_MAX ? put(uint32_t(scaled)) : put(scaled);
 }
 
 // The units of the scaled value's plain digits, as scaledBefore writes them.
@@ -446,6 +459,9 @@ bool plainInPlace(double v, int32_t width, int places, ZvChar *target, int64_t c
     return true;
 }
 
+int32_t formatThroughText(double value, int32_t width, int32_t decimals, uint32_t flags, ZvChar *target,
+                          int64_t capacity, int64_t *produced);
+
 } // namespace
 
 int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t flags,
@@ -459,6 +475,16 @@ int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t
     if (decimals > kMaxDecimals) decimals = kMaxDecimals;
 
     if (plain && !isMissingBits(value) && plainInPlace(value, width, decimals, target, capacity, produced)) return 0;
+    return formatThroughText(value, width, decimals, flags, target, capacity, produced);
+}
+
+namespace {
+
+// Every form of formatNumberText by a text of chars, then placed.
+int32_t formatThroughText(double value, int32_t width, int32_t decimals, uint32_t flags, ZvChar *target,
+                          int64_t capacity, int64_t *produced) {
+    const bool grouped = flags == ZV_NUMBER_GROUPED;
+    const bool bestFit = flags == ZV_NUMBER_BEST_FIT;
     Text t;
     int32_t status = 0;
     if (isMissingBits(value)) {
@@ -483,8 +509,6 @@ int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t
     const int32_t placed = place(t, width, target, capacity, produced);
     return placed != 0 ? placed : status;
 }
-
-namespace {
 
 int64_t skipBlanks(const ZvChar *text, int64_t i, int64_t length) {
     while (i < length && text[i] == u' ') ++i;

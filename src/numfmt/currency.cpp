@@ -145,7 +145,8 @@ struct AmountWriter {
     }
 
     HostAsk asked;
-    DigitMarks marks; // of the digits
+    DigitMarks marks;     // of the digits
+    int shapeAnswer = -1; // the answer that `shape` was rebuilt from
 
     // The host's plain digits at width w, left-justified and trimmed.
     void askHost(int32_t w) {
@@ -175,6 +176,13 @@ struct AmountWriter {
     // decimal separator before the fraction. E-notation is never grouped; a
     // lone star stays as it is.
     void rebuildNumber() {
+        if (shapeAnswer == asked.answer) {
+            // The same digits as the pass before, which gave up the groups
+            // or the currency's text.
+            shape.dropGroups();
+            return;
+        }
+        shapeAnswer = asked.answer;
         const ZvChar *d = digits.text;
         int64_t len = digits.n;
         dropMinus(d, len);

@@ -78,8 +78,7 @@ struct Engine {
 
     HostAsk asked;
     bool askedAnswer = false;
-    int answers = 0;      // of the host so far
-    int shapeAnswer = -1; // the answer that `shape` was rebuilt from
+    int shapeAnswer = -1;    // the answer that `shape` was rebuilt from
     bool shapeEForm = false; // eFormWide of `shape`
 
     // The host's digits in `digits`; false: stars.
@@ -92,7 +91,6 @@ struct Engine {
     // `text`, and the marks of it. False: stars.
     bool askHost(int32_t hostWidth, HostText<kWork> &text) {
         HostLocale *en = instance->defaultLocale;
-        ++answers;
         text.take(0);
         marks = DigitMarks{};
         if (!en || !en->ops || !en->ops->formatNumber || hostWidth < 1) return false;
@@ -163,13 +161,13 @@ struct Engine {
     // The digits without their sign, grouped by the context, with its
     // decimal separator. E-notation keeps its integer part whole.
     void rebuildNumber() {
-        if (shapeAnswer == answers) {
+        if (shapeAnswer == asked.answer) {
             // The same digits as the pass before, which gave up the groups.
             shape.dropGroups();
             eFormWide = shapeEForm;
             return;
         }
-        shapeAnswer = answers;
+        shapeAnswer = asked.answer;
         const ZvChar *d = digits.text;
         int64_t len = digits.n;
         dropMinus(d, len);

@@ -106,16 +106,24 @@ inline void fillBounded(ZvChar *out, int64_t capacity, ZvChar u, int64_t count) 
 
 // The width and decimals of the host's answer that a work area holds: a pass
 // that asks the same again (after giving up the groups) takes it as it stands.
+// `answer` counts the texts the work area has held, so that a number rebuilt
+// from one of them is known to stand while the text does.
 struct HostAsk {
     int32_t width = -1, decimals = -1;
+    int answer = 0;
     // True when (w, d) was the last question; otherwise it becomes it.
     bool repeats(int32_t w, int32_t d) {
         if (w == width && d == decimals) return true;
         width = w;
         decimals = d;
+        ++answer;
         return false;
     }
-    void forget() { width = decimals = -1; }
+    // The work area holds something else than an answer.
+    void forget() {
+        width = decimals = -1;
+        ++answer;
+    }
 };
 
 // The host's digits behind its leading minus, if it wrote one.

@@ -220,8 +220,9 @@ struct GroupedNumber {
     int64_t units = 0;
 
     int64_t unitsByParts() const {
-        return intLength + (grouped() ? (intLength - 1) / size * separatorLength : 0) +
-               (fractionLength > 0 ? pointLength + fractionLength : 0);
+        // Grouped, both lengths are below the work area's: a 32-bit division.
+        const int64_t separators = grouped() ? uint32_t(intLength - 1) / uint32_t(size) : 0;
+        return intLength + separators * separatorLength + (fractionLength > 0 ? pointLength + fractionLength : 0);
     }
 
     // The usual groups, each with its separator in one step.

@@ -185,7 +185,15 @@ Unit *digitsBefore(Unit *end, uint64_t q) {
     for (; q > UINT32_MAX; q /= 100) end = pairBefore(end, unsigned(q % 100));
     // The rest in 32 bits, whose division is the cheaper.
     auto r = static_cast<uint32_t>(q);
-    for (; r >= 100; r /= 100) end = pairBefore(end, r % 100);
+    for (; r >= 10000; r /= 10000) {
+        const uint32_t four = r % 10000;
+        end = pairBefore(end, four % 100);
+        end = pairBefore(end, four / 100);
+    }
+    if (r >= 100) {
+        end = pairBefore(end, r % 100);
+        r /= 100;
+    }
     if (r >= 10) return pairBefore(end, r);
     *--end = Unit('0' + r);
     return end;
@@ -446,10 +454,11 @@ int32_t place(const Text &t, int32_t width, ZvChar *target, int64_t capacity, in
 // The plain form written straight into a target that holds the whole field,
 // when the value's digits with all their decimals fit the width and the short
 // road makes them: the common answer, without a text in between. False when
-// the value takes the general road; nothing is written then.
+// the value takes the general road; nothing is written then. The short road
+// turns away NaN, the infinities and the missing values, all NaN.
 bool plainInPlace(double v, int32_t width, int places, ZvChar *target, int64_t capacity, int64_t *produced) {
     uint64_t scaled = 0;
-    if (capacity < width || !std::isfinite(v) || !shortScaled(std::fabs(v), places, &scaled)) return false;
+    if (capacity < width || !shortScaled(std::fabs(v), places, &scaled)) return false;
     const bool negative = negativeValue(v);
     if (scaledLength(scaled, places) + (negative ? 1 : 0) > width) return false;
     ZvChar *p = scaledBefore(target + width, scaled, places);
@@ -474,7 +483,7 @@ int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t
     if (decimals < 0) decimals = 0;
     if (decimals > kMaxDecimals) decimals = kMaxDecimals;
 
-    if (plain && !isMissingBits(value) && plainInPlace(value, width, decimals, target, capacity, produced)) return 0;
+    if (plain && plainInPlace(value, width, decimals, target, capacity, produced)) return 0;
     return formatThroughText(value, width, decimals, flags, target, capacity, produced);
 }
 

@@ -148,9 +148,13 @@ struct AmountWriter {
     DigitMarks marks;     // of the digits
     int shapeAnswer = -1; // the answer that `shape` was rebuilt from
 
-    // The host's plain digits at width w, left-justified and trimmed.
+    // The host's plain digits at width w, left-justified and trimmed; a
+    // question asked just before keeps its answer.
     void askHost(int32_t w) {
-        if (asked.repeats(w, call->decimals)) return;
+        if (!asked.repeats(w, call->decimals)) fetchDigits(w);
+    }
+
+    void fetchDigits(int32_t w) {
         int64_t produced = call->outputCapacity;
         if (en && en->ops && en->ops->formatNumber && w >= 1)
             en->ops->formatNumber(en, value, w, call->decimals, ZV_NUMBER_PLAIN, digits.c, kWork, &produced);

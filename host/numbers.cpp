@@ -468,27 +468,6 @@ bool plainInPlace(double v, int32_t width, int places, ZvChar *target, int64_t c
     return true;
 }
 
-int32_t formatThroughText(double value, int32_t width, int32_t decimals, uint32_t flags, ZvChar *target,
-                          int64_t capacity, int64_t *produced);
-
-} // namespace
-
-int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t flags,
-                         ZvChar *target, int64_t capacity, int64_t *produced) {
-    if (produced) *produced = 0;
-    const bool plain = flags == ZV_NUMBER_PLAIN;
-    const bool grouped = flags == ZV_NUMBER_GROUPED;
-    const bool bestFit = flags == ZV_NUMBER_BEST_FIT;
-    if (width < 1 || !target || !(plain || grouped || bestFit)) return kNumberBadRequest;
-    if (decimals < 0) decimals = 0;
-    if (decimals > kMaxDecimals) decimals = kMaxDecimals;
-
-    if (plain && plainInPlace(value, width, decimals, target, capacity, produced)) return 0;
-    return formatThroughText(value, width, decimals, flags, target, capacity, produced);
-}
-
-namespace {
-
 // Every form of formatNumberText by a text of chars, then placed.
 int32_t formatThroughText(double value, int32_t width, int32_t decimals, uint32_t flags, ZvChar *target,
                           int64_t capacity, int64_t *produced) {
@@ -518,6 +497,24 @@ int32_t formatThroughText(double value, int32_t width, int32_t decimals, uint32_
     const int32_t placed = place(t, width, target, capacity, produced);
     return placed != 0 ? placed : status;
 }
+
+} // namespace
+
+int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t flags,
+                         ZvChar *target, int64_t capacity, int64_t *produced) {
+    if (produced) *produced = 0;
+    const bool plain = flags == ZV_NUMBER_PLAIN;
+    const bool grouped = flags == ZV_NUMBER_GROUPED;
+    const bool bestFit = flags == ZV_NUMBER_BEST_FIT;
+    if (width < 1 || !target || !(plain || grouped || bestFit)) return kNumberBadRequest;
+    if (decimals < 0) decimals = 0;
+    if (decimals > kMaxDecimals) decimals = kMaxDecimals;
+
+    if (plain && plainInPlace(value, width, decimals, target, capacity, produced)) return 0;
+    return formatThroughText(value, width, decimals, flags, target, capacity, produced);
+}
+
+namespace {
 
 int64_t skipBlanks(const ZvChar *text, int64_t i, int64_t length) {
     while (i < length && text[i] == u' ') ++i;

@@ -63,12 +63,6 @@ struct WorkArea {
         else overflow = true;
     }
     void put(const ZvChar *text, int64_t length) {
-        if (length >= 0 && length <= Capacity - n) {
-            // Unit by unit: the texts are too short for a copy to pay.
-            for (int64_t i = 0; i < length; ++i) c[n + i] = text[i];
-            n += length;
-            return;
-        }
         const int64_t fits = std::clamp<int64_t>(length, 0, Capacity - n);
         // Unit by unit: the texts are too short for a copy to pay.
         for (int64_t i = 0; i < fits; ++i) c[n + i] = text[i];

@@ -72,21 +72,20 @@ bool ensureMonetaryRecord(FormatCall *call, ExtensionInstance *instance) {
 
 namespace {
 
-// The currency's text: its code, or its symbol as the host encoding can show
-// it; at most kWork units.
-int64_t currencyMark(FormatCall *call, const CurrencyRow &row, CurrencyForm form,
-                     ZvChar (&mark)[kWork + 1]) {
-    int64_t length = 0;
+// The currency's text: its code where the row holds it, or its symbol as the
+// host encoding can show it, decoded into `decoded`; at most kWork units go
+// into *length.
+const ZvChar *currencyMark(FormatCall *call, const CurrencyRow &row, CurrencyForm form,
+                           ZvChar (&decoded)[kWork + 1], int64_t *length) {
+    const ZvChar *mark = row.code;
     if (form == CurrencyForm::Code) {
-        length = textLength(row.code);
-        if (length > kWork) length = kWork;
-        std::memcpy(mark, row.code, size_t(length) * sizeof(ZvChar));
+        *length = textLength(row.code);
     } else {
-        length = decodeRowSymbol(row, call, mark);
-        length = std::max<int64_t>(length, 0);
-        if (length > kWork) length = kWork;
+        mark = decoded;
+        *length = std::max<int64_t>(decodeRowSymbol(row, call, decoded), 0);
     }
-    return length;
+    if (*length > kWork) *length = kWork;
+    return mark;
 }
 
 // One amount in the shape of the locale's money: the host's plain digits
@@ -110,8 +109,9 @@ struct AmountWriter {
     const ZvChar *pattern = nullptr;
     const ZvChar *sign = nullptr;
     int64_t signLength = 0;
-    ZvChar symbol[kWork + 1]; // the first symbolLength units are the mark
-    int64_t symbolLength = 0;
+    ZvChar decoded[kWork + 1]; // a symbol as the host encoding shows it
+    const ZvChar *symbol = nullptr;
+    int64_t symbolLength = 0; // of the currency's text at `symbol`
     int64_t groupSize = 0, groupLength = 0, pointLength = 0; // of the record, read once
 
     // What the retreats have given up so far.
@@ -137,7 +137,7 @@ struct AmountWriter {
                                          money.positiveSignPosition);
         sign = negative ? money.negativeSign : money.positiveSign;
         signLength = textLength(sign);
-        symbolLength = currencyMark(call, row, form, symbol);
+        symbol = currencyMark(call, row, form, decoded, &symbolLength);
         groupSize = money.grouping && money.grouping[0] ? int64_t(money.grouping[0]) - u'0' : 0;
         groupLength = textLength(money.groupSeparator);
         pointLength = textLength(money.decimalSeparator);

@@ -8,6 +8,7 @@
 // above the tie and below the next rounding boundary.
 #include "numbers.hpp"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -88,7 +89,6 @@ int incrementLast(char *text, int n) {
 // m * 5^places * 2^(e + places), whose whole part and remainder integers give
 // exactly. It serves while the rounded digits fit 19 places; false otherwise.
 constexpr int kShortPlaces = 19;
-constexpr uint64_t kShortLimit = 10000000000000000000ull; // 10^19
 
 constexpr auto kPowersOfFive = [] {
     std::array<uint64_t, kShortPlaces + 1> p{};
@@ -96,16 +96,34 @@ constexpr auto kPowersOfFive = [] {
     for (int i = 1; i <= kShortPlaces; ++i) p[size_t(i)] = p[size_t(i) - 1] * 5;
     return p;
 }();
+constexpr auto kPowersOfTen = [] {
+    std::array<uint64_t, kShortPlaces + 1> p{};
+    p[0] = 1;
+    for (int i = 1; i <= kShortPlaces; ++i) p[size_t(i)] = p[size_t(i) - 1] * 10;
+    return p;
+}();
+constexpr uint64_t kShortLimit = kPowersOfTen[kShortPlaces];
+// Places whose power of five times a 53-bit mantissa stays below 2^63.
+constexpr int kNarrowPlaces = 4;
+static_assert(kPowersOfFive[kNarrowPlaces] < (uint64_t(1) << 10));
 
-bool shortFixedDigits(double a, int places, char *out, int *length) {
+// a * 10^places rounded half away from zero into *scaled, when that is below
+// 10^19.
+bool shortScaled(double a, int places, uint64_t *scaled) {
     if (places > kShortPlaces || !(a < 1e19)) return false;
     const uint64_t bits = std::bit_cast<uint64_t>(a);
     const int biased = int(bits >> 52);
     const uint64_t fraction = bits & ((uint64_t(1) << 52) - 1);
     const uint64_t m = biased == 0 ? fraction : fraction | (uint64_t(1) << 52);
     const int e = (biased == 0 ? 1 : biased) - 1075;
-    unsigned __int128 x = static_cast<unsigned __int128>(m) * kPowersOfFive[places]; // below 2^98
     const int shift = e + places;
+    if (places <= kNarrowPlaces && shift < 0) {
+        // The same rounding in 64 bits, where m * 5^places stays below 2^63.
+        const uint64_t y = m * kPowersOfFive[size_t(places)];
+        *scaled = -shift >= 64 ? 0 : (y + (uint64_t(1) << (-shift - 1))) >> -shift;
+        return true;
+    }
+    unsigned __int128 x = static_cast<unsigned __int128>(m) * kPowersOfFive[places]; // below 2^98
     if (shift >= 0) {
         x <<= shift; // a < 10^19 keeps this below 2^128
     } else if (-shift > 100) {
@@ -116,30 +134,97 @@ bool shortFixedDigits(double a, int places, char *out, int *length) {
         x = (x + (static_cast<unsigned __int128>(1) << (-shift - 1))) >> -shift;
     }
     if (x >= kShortLimit) return false;
-    // The digits from the right, two at a time, then zeros up to one in
-    // front of the point.
-    static constexpr char kPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
-                                     "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
-                                     "8081828384858687888990919293949596979899";
-    char digits[24];
-    char *p = digits + sizeof digits;
-    uint64_t q = uint64_t(x);
-    for (; q > UINT32_MAX; q /= 100) std::memcpy(p -= 2, kPairs + 2 * (q % 100), 2);
+    *scaled = uint64_t(x);
+    return true;
+}
+
+// The count of decimal digits of q, 0 for 0.
+int decimalDigits(uint64_t q) {
+    const int guess = (std::bit_width(q) * 1233) >> 12; // bits times log10(2), at most one short
+    return guess + (q >= kPowersOfTen[size_t(guess)] ? 1 : 0);
+}
+
+// Digits go in from the right, two at a time, as chars or as UTF-16 units.
+constexpr char kPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+                          "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+                          "8081828384858687888990919293949596979899";
+
+// The same pairs as two UTF-16 units in the machine's order, one store each.
+constexpr auto kPairUnits = [] {
+    std::array<uint32_t, 100> units{};
+    const int first = std::endian::native == std::endian::little ? 0 : 16;
+    for (size_t i = 0; i < units.size(); ++i)
+        units[i] = uint32_t(uint8_t(kPairs[2 * i])) << first | uint32_t(uint8_t(kPairs[2 * i + 1])) << (16 - first);
+    return units;
+}();
+
+template <class Unit>
+Unit *pairBefore(Unit *end, unsigned pair) {
+    static_assert(sizeof(Unit) == 1 || sizeof(Unit) == 2);
+    end -= 2;
+    if constexpr (sizeof(Unit) == 2) std::memcpy(end, &kPairUnits[pair], sizeof kPairUnits[pair]);
+    else std::memcpy(end, kPairs + 2 * pair, 2);
+    return end;
+}
+
+// The last `count` digits of q in front of `end`; q keeps the ones before
+// them. Returns where they begin.
+template <class Unit, class Int>
+Unit *lowDigitsBefore(Unit *end, Int &q, int count) {
+    for (; count >= 2; count -= 2, q /= 100) end = pairBefore(end, unsigned(q % 100));
+    if (count > 0) {
+        *--end = Unit('0' + q % 10);
+        q /= 10;
+    }
+    return end;
+}
+
+// Every digit of q (a 0 for 0) in front of `end`. Returns where they begin.
+template <class Unit>
+Unit *digitsBefore(Unit *end, uint64_t q) {
+    for (; q > UINT32_MAX; q /= 100) end = pairBefore(end, unsigned(q % 100));
     // The rest in 32 bits, whose division is the cheaper.
     auto r = static_cast<uint32_t>(q);
-    for (; r >= 100; r /= 100) std::memcpy(p -= 2, kPairs + 2 * (r % 100), 2);
-    if (r >= 10) std::memcpy(p -= 2, kPairs + 2 * r, 2);
-    else *--p = char('0' + r);
-    while (digits + sizeof digits - p <= places) *--p = '0';
-    const int whole = int(digits + sizeof digits - p) - places;
-    // Char by char: a dozen at most go either side of the point.
-    int k = 0;
-    for (; k < whole; ++k) out[k] = p[k];
-    if (places > 0) {
-        out[k++] = '.';
-        for (int i = 0; i < places; ++i) out[k++] = p[whole + i];
+    for (; r >= 10000; r /= 10000) {
+        const uint32_t four = r % 10000;
+        end = pairBefore(end, four % 100);
+        end = pairBefore(end, four / 100);
     }
-    *length = k;
+    if (r >= 100) {
+        end = pairBefore(end, r % 100);
+        r /= 100;
+    }
+    if (r >= 10) return pairBefore(end, r);
+    *--end = Unit('0' + r);
+    return end;
+}
+
+// The scaled value as plain digits with `places` decimals, in front of `end`;
+// in 32 bits when it fits them, whose division is the cheaper.
+template <class Unit>
+Unit *scaledBefore(Unit *end, uint64_t scaled, int places) {
+    auto put = [&](auto q) {
+        end = lowDigitsBefore(end, q, places);
+        if (places > 0) *--end = Unit('.');
+        return digitsBefore(end, q);
+    };
+    return scaled <= UINT32_MAX ? put(uint32_t(scaled)) : put(scaled);
+}
+
+// The units of the scaled value's plain digits, as scaledBefore writes them.
+int scaledLength(uint64_t scaled, int places) {
+    const int digits = std::max(decimalDigits(scaled), places + 1);
+    return places > 0 ? digits + 1 : digits;
+}
+
+bool shortFixedDigits(double a, int places, char *out, int *length) {
+    uint64_t scaled = 0;
+    if (!shortScaled(a, places, &scaled)) return false;
+    char text[kShortPlaces + 2];
+    char *const end = text + sizeof text;
+    const char *p = scaledBefore(end, scaled, places);
+    *length = int(end - p);
+    std::memcpy(out, p, size_t(end - p));
     return true;
 }
 
@@ -366,18 +451,28 @@ int32_t place(const Text &t, int32_t width, ZvChar *target, int64_t capacity, in
     return written < width ? ZV_TARGET_TOO_SMALL : 0;
 }
 
-} // namespace
+// The plain form written straight into a target that holds the whole field,
+// when the value's digits with all their decimals fit the width and the short
+// road makes them: the common answer, without a text in between. False when
+// the value takes the general road; nothing is written then. The short road
+// turns away NaN, the infinities and the missing values, all NaN.
+bool plainInPlace(double v, int32_t width, int places, ZvChar *target, int64_t capacity, int64_t *produced) {
+    uint64_t scaled = 0;
+    if (capacity < width || !shortScaled(std::fabs(v), places, &scaled)) return false;
+    const bool negative = negativeValue(v);
+    if (scaledLength(scaled, places) + (negative ? 1 : 0) > width) return false;
+    ZvChar *p = scaledBefore(target + width, scaled, places);
+    if (negative) *--p = u'-';
+    while (p > target) *--p = u' ';
+    if (produced) *produced = width;
+    return true;
+}
 
-int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t flags,
-                         ZvChar *target, int64_t capacity, int64_t *produced) {
-    if (produced) *produced = 0;
-    const bool plain = flags == ZV_NUMBER_PLAIN;
+// Every form of formatNumberText by a text of chars, then placed.
+int32_t formatThroughText(double value, int32_t width, int32_t decimals, uint32_t flags, ZvChar *target,
+                          int64_t capacity, int64_t *produced) {
     const bool grouped = flags == ZV_NUMBER_GROUPED;
     const bool bestFit = flags == ZV_NUMBER_BEST_FIT;
-    if (width < 1 || !target || !(plain || grouped || bestFit)) return kNumberBadRequest;
-    if (decimals < 0) decimals = 0;
-    if (decimals > kMaxDecimals) decimals = kMaxDecimals;
-
     Text t;
     int32_t status = 0;
     if (isMissingBits(value)) {
@@ -401,6 +496,22 @@ int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t
     if (t.n > width) stars(t, width);
     const int32_t placed = place(t, width, target, capacity, produced);
     return placed != 0 ? placed : status;
+}
+
+} // namespace
+
+int32_t formatNumberText(double value, int32_t width, int32_t decimals, uint32_t flags,
+                         ZvChar *target, int64_t capacity, int64_t *produced) {
+    if (produced) *produced = 0;
+    const bool plain = flags == ZV_NUMBER_PLAIN;
+    const bool grouped = flags == ZV_NUMBER_GROUPED;
+    const bool bestFit = flags == ZV_NUMBER_BEST_FIT;
+    if (width < 1 || !target || !(plain || grouped || bestFit)) return kNumberBadRequest;
+    if (decimals < 0) decimals = 0;
+    if (decimals > kMaxDecimals) decimals = kMaxDecimals;
+
+    if (plain && plainInPlace(value, width, decimals, target, capacity, produced)) return 0;
+    return formatThroughText(value, width, decimals, flags, target, capacity, produced);
 }
 
 namespace {

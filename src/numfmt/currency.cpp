@@ -72,21 +72,20 @@ bool ensureMonetaryRecord(FormatCall *call, ExtensionInstance *instance) {
 
 namespace {
 
-// The currency's text: its code, or its symbol as the host encoding can show
-// it; at most kWork units.
-int64_t currencyMark(FormatCall *call, const CurrencyRow &row, CurrencyForm form,
-                     ZvChar (&mark)[kWork + 1]) {
-    int64_t length = 0;
+// The currency's text: its code where the row holds it, or its symbol as the
+// host encoding can show it, decoded into `decoded`; at most kWork units go
+// into *length.
+const ZvChar *currencyMark(FormatCall *call, const CurrencyRow &row, CurrencyForm form,
+                           ZvChar (&decoded)[kWork + 1], int64_t *length) {
+    const ZvChar *mark = row.code;
     if (form == CurrencyForm::Code) {
-        length = textLength(row.code);
-        if (length > kWork) length = kWork;
-        std::memcpy(mark, row.code, size_t(length) * sizeof(ZvChar));
+        *length = textLength(row.code);
     } else {
-        length = decodeRowSymbol(row, call, mark);
-        length = std::max<int64_t>(length, 0);
-        if (length > kWork) length = kWork;
+        mark = decoded;
+        *length = std::max<int64_t>(decodeRowSymbol(row, call, decoded), 0);
     }
-    return length;
+    if (*length > kWork) *length = kWork;
+    return mark;
 }
 
 // One amount in the shape of the locale's money: the host's plain digits
@@ -110,8 +109,10 @@ struct AmountWriter {
     const ZvChar *pattern = nullptr;
     const ZvChar *sign = nullptr;
     int64_t signLength = 0;
-    ZvChar symbol[kWork + 1]; // the first symbolLength units are the mark
-    int64_t symbolLength = 0;
+    ZvChar decoded[kWork + 1]; // a symbol as the host encoding shows it
+    const ZvChar *symbol = nullptr;
+    int64_t symbolLength = 0; // of the currency's text at `symbol`
+    int64_t groupSize = 0, groupLength = 0, pointLength = 0; // of the record, read once
 
     // What the retreats have given up so far.
     bool grouping = true, symbolShown = true;
@@ -136,21 +137,31 @@ struct AmountWriter {
                                          money.positiveSignPosition);
         sign = negative ? money.negativeSign : money.positiveSign;
         signLength = textLength(sign);
-        symbolLength = currencyMark(call, row, form, symbol);
+        symbol = currencyMark(call, row, form, decoded, &symbolLength);
+        groupSize = money.grouping && money.grouping[0] ? int64_t(money.grouping[0]) - u'0' : 0;
+        groupLength = textLength(money.groupSeparator);
+        pointLength = textLength(money.decimalSeparator);
         spellFrame();
     }
 
     HostAsk asked;
+    DigitMarks marks;     // of the digits
+    int shapeAnswer = -1; // the answer that `shape` was rebuilt from
 
-    // The host's plain digits at width w, left-justified and trimmed.
+    // The host's plain digits at width w, left-justified and trimmed; a
+    // question asked just before keeps its answer.
     void askHost(int32_t w) {
-        if (asked.repeats(w, call->decimals)) return;
+        if (!asked.repeats(w, call->decimals)) fetchDigits(w);
+    }
+
+    void fetchDigits(int32_t w) {
         int64_t produced = call->outputCapacity;
         if (en && en->ops && en->ops->formatNumber && w >= 1)
             en->ops->formatNumber(en, value, w, call->decimals, ZV_NUMBER_PLAIN, digits.c, kWork, &produced);
         else
             produced = 0;
         digits.take(produced);
+        marks = findMarks(digits.text, digits.n);
     }
 
     // The digits for this pass; a text that fills the field is asked for
@@ -161,6 +172,7 @@ struct AmountWriter {
         askHost(hostWidth - narrowing);
         if (digits.n <= width) return;
         digits.replace(kLoneStar, 1);
+        marks = findMarks(kLoneStar, 1);
         asked.forget();
     }
 
@@ -168,21 +180,28 @@ struct AmountWriter {
     // decimal separator before the fraction. E-notation is never grouped; a
     // lone star stays as it is.
     void rebuildNumber() {
+        if (shapeAnswer == asked.answer) {
+            // The same digits as the pass before, which gave up the groups
+            // or the currency's text.
+            shape.dropGroups();
+            return;
+        }
+        shapeAnswer = asked.answer;
         const ZvChar *d = digits.text;
         int64_t len = digits.n;
         dropMinus(d, len);
+        // The marks were found before the minus went.
+        const int64_t shift = digits.n - len;
+        const int64_t e = marks.e < 0 ? -1 : marks.e - shift;
+        const int64_t point = marks.point < 0 ? -1 : marks.point - shift;
         int64_t intLength = len, fraction = 0;
-        const DigitMarks marks = findMarks(d, len);
-        const int64_t e = marks.e;
-        if ((e > 0 || call->decimals != 0) && marks.point >= 0) {
-            intLength = marks.point;
-            fraction = len - marks.point - 1;
+        if ((e > 0 || call->decimals != 0) && point >= 0) {
+            intLength = point;
+            fraction = len - point - 1;
         }
-        int64_t g = money.grouping && money.grouping[0] ? int64_t(money.grouping[0]) - u'0' : 0;
-        if (!grouping || e > 0) g = 0;
-        shape = GroupedNumber{d, intLength, g, money.groupSeparator, textLength(money.groupSeparator),
-                              money.decimalSeparator, textLength(money.decimalSeparator), d + intLength + 1,
-                              fraction};
+        const int64_t g = grouping && e <= 0 ? groupSize : 0;
+        shape = GroupedNumber{d, intLength, g, money.groupSeparator, groupLength,
+                              money.decimalSeparator, pointLength, d + intLength + 1, fraction};
     }
 
     // The number in the sign pattern, without outer blanks; a positive amount

@@ -78,6 +78,8 @@ struct Engine {
 
     HostAsk asked;
     bool askedAnswer = false;
+    int shapeAnswer = -1;    // the answer that `shape` was rebuilt from
+    bool shapeEForm = false; // eFormWide of `shape`
 
     // The host's digits in `digits`; false: stars.
     bool hostDigits(int32_t hostWidth) {
@@ -159,6 +161,13 @@ struct Engine {
     // The digits without their sign, grouped by the context, with its
     // decimal separator. E-notation keeps its integer part whole.
     void rebuildNumber() {
+        if (shapeAnswer == asked.answer) {
+            // The same digits as the pass before, which gave up the groups.
+            shape.dropGroups();
+            eFormWide = shapeEForm;
+            return;
+        }
+        shapeAnswer = asked.answer;
         const ZvChar *d = digits.text;
         int64_t len = digits.n;
         dropMinus(d, len);
@@ -190,6 +199,7 @@ struct Engine {
                               ctx->decimalSeparator, sepUnits, fraction, fractionLength};
         if (shape.grouped()) groupsUsed = true;
         if (fractionLength > 0 && e >= 0 && sepMeasure == 2) eFormWide = true;
+        shapeEForm = eFormWide;
     }
 
     // The number in the sign pattern, without outer blanks; a positive value

@@ -106,16 +106,24 @@ inline void fillBounded(ZvChar *out, int64_t capacity, ZvChar u, int64_t count) 
 
 // The width and decimals of the host's answer that a work area holds: a pass
 // that asks the same again (after giving up the groups) takes it as it stands.
+// `answer` counts the texts the work area has held, so that a number rebuilt
+// from one of them is known to stand while the text does.
 struct HostAsk {
     int32_t width = -1, decimals = -1;
+    int answer = 0;
     // True when (w, d) was the last question; otherwise it becomes it.
     bool repeats(int32_t w, int32_t d) {
         if (w == width && d == decimals) return true;
         width = w;
         decimals = d;
+        ++answer;
         return false;
     }
-    void forget() { width = decimals = -1; }
+    // The work area holds something else than an answer.
+    void forget() {
+        width = decimals = -1;
+        ++answer;
+    }
 };
 
 // The host's digits behind its leading minus, if it wrote one.
@@ -166,11 +174,15 @@ struct GroupedNumber {
                   const ZvChar *pointText, int64_t pointUnits, const ZvChar *fractionText, int64_t fractionUnits)
         : digits(d), intLength(intUnits), size(groupSize), separator(sep), separatorLength(sepUnits),
           point(pointText), pointLength(pointUnits), fraction(fractionText), fractionLength(fractionUnits),
-          units(intLength + (grouped() ? (intLength - 1) / size * separatorLength : 0) +
-                (fractionLength > 0 ? pointLength + fractionLength : 0)) {}
+          units(unitsByParts()) {}
 
     // True when a separator goes in.
     bool grouped() const { return size > 0 && intLength > size; }
+    // The same number with its integer part whole.
+    void dropGroups() {
+        size = 0;
+        units = unitsByParts();
+    }
     int64_t length() const { return units; }
     // True when neither end is a blank, so that the number stops the trimming
     // of a dress on both sides.
@@ -187,15 +199,43 @@ struct GroupedNumber {
         if (!grouped() && fractionLength > 0 && pointLength == 1 && fraction == digits + intLength + 1) {
             // The digits as the host wrote them, in one run, with the point
             // put in.
-            for (int64_t k = 0; k < units; ++k) out[k] = digits[k];
+            std::memcpy(out, digits, size_t(units) * sizeof(ZvChar));
             out[intLength] = point[0];
             return units;
         }
+        if (grouped() && size == kUsualGroup && separatorLength == 1) return writeUsualGroups(out);
         return writeUnits<false>(out, room);
     }
 
   private:
+    // Groups of three with a separator of one unit, as most locales have them.
+    static constexpr int64_t kUsualGroup = 3;
+
     int64_t units = 0;
+
+    int64_t unitsByParts() const {
+        // Grouped, both lengths are below the work area's: a 32-bit division.
+        const int64_t separators = grouped() ? uint32_t(intLength - 1) / uint32_t(size) : 0;
+        return intLength + separators * separatorLength + (fractionLength > 0 ? pointLength + fractionLength : 0);
+    }
+
+    // The usual groups, each with its separator in one step.
+    int64_t writeUsualGroups(ZvChar *out) const {
+        ZvChar *p = out;
+        int64_t run = intLength % kUsualGroup;
+        if (run == 0) run = kUsualGroup;
+        for (int64_t k = 0; k < run; ++k) *p++ = digits[k];
+        for (int64_t i = run; i < intLength; i += kUsualGroup) {
+            *p++ = separator[0];
+            std::memcpy(p, digits + i, kUsualGroup * sizeof(ZvChar));
+            p += kUsualGroup;
+        }
+        if (fractionLength > 0) {
+            for (int64_t k = 0; k < pointLength; ++k) *p++ = point[k];
+            for (int64_t k = 0; k < fractionLength; ++k) *p++ = fraction[k];
+        }
+        return p - out;
+    }
 
     // Unit by unit: the runs are too short for a copy to pay.
     template <bool Bounded>

@@ -164,7 +164,8 @@ public:
     // What was closed, released, freed and destroyed through the objects the
     // host made for the module, in order: "journalClose NAME",
     // "journalRelease NAME", "transcoderRelease FROM>TO", "localeRelease NAME",
-    // "poolFree NAME", "poolDestroy NAME".
+    // "poolFree NAME", "poolDestroy NAME"; the first 65,536 of them, so
+    // that a long run does not grow the log without end.
     const std::vector<std::string> &events() const;
     // Pools made through createPool, in order of creation (still listed
     // after poolDestroy, with destroyed() true).

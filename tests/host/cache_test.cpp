@@ -31,6 +31,13 @@ TEST(Caches, DistinctOverridesKeepTheHostFlat) {
     spec.items = {{28, "%d.%m.%Y held"}};
     EXPECT_EQ(host.locale("de_DE", spec.items), held.get());
     EXPECT_EQ(session.format(row, spec, 23440).utf8.substr(0, 15), "05.03.2024 held");
+    // The events log keeps its first 65,536 entries, however many releases follow.
+    NlsServices *nls = host.nls();
+    for (int i = 0; i < 70000; ++i) {
+        HostTranscoder *t = nls->ops->transcoderForEncoding(nls, ZV_ENCODING_UTF16, 0, 0);
+        t->ops->transcoderRelease(t);
+    }
+    EXPECT_EQ(host.events().size(), size_t(1) << 16);
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "datefmt/calendar.hpp"
+#include "datefmt/dateformat.hpp"
 #include "frame/frame.hpp"
 #include "locale/block.hpp"
 #include "wide/wide.hpp"
@@ -182,19 +183,27 @@ void putOffset(Out &out, const Fields &f, HostTimeZone *tz, Offset &offset) {
 // ---- the phases of expandPattern ----------------------------------------------
 
 // All calendar work for the value, once: a missing part leaves its fields unset.
-Fields fieldsOf(double day, double hour, double minute, double second) {
+// A day outside the range shows as a day-less value.
+inline Fields dateFieldsOf(double day) {
     Fields f;
-    // A day outside the range shows as a day-less value.
     f.hasDate = !isMissing(day) && day >= kFirstDay && day < kDayLimit;
     if (f.hasDate) {
         f.day = day;
-        const CivilDate c = civilOf(static_cast<int64_t>(std::floor(day)));
+        // The whole part by floor: inside the range the cut toward zero is
+        // one too high only for a day before 1960 with a fraction.
+        const auto cut = static_cast<int64_t>(day);
+        const CivilDate c = civilOf(cut - (static_cast<double>(cut) > day ? 1 : 0));
         f.weekday = c.weekday;
         f.year = c.year;
         f.month = c.month;
         f.dayOfMonth = c.day;
         f.dayOfYear = c.dayOfYear;
     }
+    return f;
+}
+
+Fields fieldsOf(double day, double hour, double minute, double second) {
+    Fields f = dateFieldsOf(day);
     f.hasHour = !isMissing(hour);
     f.hasMinute = !isMissing(minute);
     f.hasSecond = !isMissing(second);
@@ -512,10 +521,10 @@ int writeDigits(int64_t value, ZvChar *target, int width, ZvChar pad) {
     return width;
 }
 
-int32_t expandPattern(double day, double hour, double minute, double second, const ZvChar *pattern,
-                      int64_t patternLength, ZvChar *output, int *fieldWidth, int decimals,
-                      const LocaleBlock *block, HostTimeZone *timeZone) {
-    const Fields f = fieldsOf(day, hour, minute, second);
+namespace {
+
+int32_t expandFields(const Fields &f, const ZvChar *pattern, int64_t patternLength, ZvChar *output,
+                     int *fieldWidth, int decimals, const LocaleBlock *block, HostTimeZone *timeZone) {
     // Most patterns hold no %x or %X, and the expansion would copy them
     // unchanged: they are walked as they stand, until the walk meets an x
     // behind a "%" and starts over on the expanded text.
@@ -536,12 +545,20 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
     }
 }
 
+} // namespace
+
+int32_t expandPattern(double day, double hour, double minute, double second, const ZvChar *pattern,
+                      int64_t patternLength, ZvChar *output, int *fieldWidth, int decimals,
+                      const LocaleBlock *block, HostTimeZone *timeZone) {
+    return expandFields(fieldsOf(day, hour, minute, second), pattern, patternLength, output, fieldWidth,
+                        decimals, block, timeZone);
+}
+
 int32_t writeDatePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern, int64_t patternLength,
                          double dayCount, const LocaleBlock *block) {
     if (patternLength == 0) return kPatternEmpty;
     if (isMissing(dayCount) || !(dayCount >= kFirstDay && dayCount < kDayLimit)) return kPatternNoValue;
-    const double m = missingValue();
-    return expandPattern(dayCount, m, m, m, pattern, patternLength, output, fieldWidth, 0, block, nullptr);
+    return expandFields(dateFieldsOf(dayCount), pattern, patternLength, output, fieldWidth, 0, block, nullptr);
 }
 
 namespace {
@@ -572,6 +589,46 @@ int32_t writeTimePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern,
     const double hour = std::floor(std::fabs(r / kSecondsPerHour));
     return expandPattern(missingValue(), hour, minuteOf(r), secondOf(r), pattern, patternLength, output,
                          fieldWidth, decimals, block, nullptr);
+}
+
+// The try of a date format: the engine writes straight into the call's
+// field, here beside the entries so that they inline into it.
+int32_t runPattern(const DateCall &d, const ZvChar *pattern, int64_t patternLength, int k, int *fieldWidth) {
+    FormatCall *call = d.call;
+    // A text never passes 512 units, so a wider field is the same as one of 512.
+    int w = *fieldWidth > kPatternUnits ? kPatternUnits : *fieldWidth;
+    const int field = w;
+    // The engine writes its field only when it answers 0 or 1, so a field
+    // that the call's target holds takes the text in place; else a scratch
+    // field is copied over.
+    const int64_t room = fieldUnits(call);
+    const bool inPlace = call->output && field >= 0 && field <= room;
+    ZvChar scratch[kPatternUnits];
+    ZvChar *target = inPlace ? static_cast<ZvChar *>(call->output) : scratch;
+    const LocaleBlock *block = call->localeBlock;
+    int32_t status;
+    switch (d.kind) {
+    case ValueKind::Date:
+        status = writeDatePattern(target, &w, pattern, patternLength, d.value, block);
+        break;
+    case ValueKind::Time:
+        status = writeTimePattern(target, &w, pattern, patternLength, d.value, k, block);
+        break;
+    default:
+        status = writeDatetimePattern(target, &w, pattern, patternLength, d.value, k, block,
+                                      call->services ? call->services->timeZone : nullptr);
+        break;
+    }
+    if (status != kPatternFits && status != kPatternTooLong) return status;
+    if (inPlace) {
+        if (room > field) fillWide(target + field, u' ', room - field);
+    } else {
+        fillField(call, u' ');
+        // On success the text is w long; a text too long fills the whole field.
+        putAt(call, 0, scratch, status == kPatternFits ? w : field);
+    }
+    if (status == kPatternFits) *fieldWidth = w;
+    return status;
 }
 
 } // namespace zv

@@ -16,7 +16,7 @@ namespace {
 
 // One try of an item at k decimals: 0, 1 when too long (also in host
 // bytes), or the engine's other status.
-int32_t tryItem(const DateCall &d, int item, int k) {
+inline int32_t tryItem(const DateCall &d, int item, int k) {
     const LocaleItem &it = d.call->localeBlock->items[item];
     int w = d.call->width;
     const int32_t status = runPattern(d, it.text, it.length, k, &w);

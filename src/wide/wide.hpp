@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "zvlocfmt/zvlocfmt.h"
 
@@ -25,7 +26,21 @@ int64_t trailingTrimLength(const ZvChar *text, int64_t length, int mode);
 int32_t smaller(int32_t a, int32_t b);
 
 // ---- changing text in place ------------------------------------------------
-void fillWide(ZvChar *target, ZvChar c, int64_t count);
+// Inline: the formats blank their fields on every call.
+inline void fillWide(ZvChar *target, ZvChar c, int64_t count) {
+    if (!target) return;
+    // Four units a store; the last store ends at the end, over units
+    // already written if need be.
+    constexpr int64_t kUnitsPerWord = sizeof(uint64_t) / sizeof(ZvChar);
+    if (count < kUnitsPerWord) {
+        for (int64_t i = 0; i < count; ++i) target[i] = c;
+        return;
+    }
+    const uint64_t word = uint64_t{c} * 0x0001000100010001u;
+    int64_t i = 0;
+    for (; i + kUnitsPerWord <= count; i += kUnitsPerWord) std::memcpy(target + i, &word, sizeof word);
+    if (i < count) std::memcpy(target + count - kUnitsPerWord, &word, sizeof word);
+}
 int64_t copyPadded(const ZvChar *source, int64_t sourceLength, ZvChar *target,
                    int64_t targetLength);
 void justify(ZvChar *text, int64_t length, ZvChar mode, int64_t *outLength, int64_t *outStart);

@@ -4,6 +4,7 @@
 #include "datefmt/pattern.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 
@@ -31,6 +32,13 @@ struct Fields {
     double twelve{}; // the 12-hour figure
 };
 
+// "00" to "99", each written as one copy.
+constexpr auto kDigitPairs = [] {
+    std::array<std::array<ZvChar, 2>, 100> pairs{};
+    for (unsigned v = 0; v < 100; ++v) pairs[v] = {static_cast<ZvChar>(u'0' + v / 10), static_cast<ZvChar>(u'0' + v % 10)};
+    return pairs;
+}();
+
 // Output of the walk, bounded by its 512 units.
 struct Out {
     ZvChar text[kPatternUnits];
@@ -51,17 +59,16 @@ struct Out {
     // Two digits with a leading zero; v is 0 to 99.
     void pair(unsigned v) {
         if (length > kPatternUnits - 2) return digits(v, 2, u'0');
-        text[length] = static_cast<ZvChar>(u'0' + v / 10);
-        text[length + 1] = static_cast<ZvChar>(u'0' + v % 10);
+        std::memcpy(text + length, kDigitPairs[v].data(), sizeof kDigitPairs[v]);
         length += 2;
     }
     void digits(int64_t value, int width, ZvChar pad) {
         // Most numbers of a date are one or two digits: written at once.
         if (static_cast<uint64_t>(value) < 100 && (pad == 0 || width == 2) && length <= kPatternUnits - 2) {
             const auto v = static_cast<unsigned>(value);
-            if (v >= 10 || pad == u'0') text[length++] = static_cast<ZvChar>(u'0' + v / 10);
-            else if (pad == u' ') text[length++] = u' ';
-            text[length++] = static_cast<ZvChar>(u'0' + v % 10);
+            if (v >= 10 || pad == u'0') return pair(v);
+            if (pad == u' ') text[length++] = u' ';
+            text[length++] = static_cast<ZvChar>(u'0' + v);
             return;
         }
         ZvChar buffer[24];
@@ -284,7 +291,7 @@ bool readDirective(const ZvChar *text, int length, int *i, bool *calendarOn, Dir
 }
 
 // Directives that show a part of the date, and so write stars without one.
-bool needsDate(const Directive &d) {
+bool needsDate(Directive d) {
     switch (d.upper) {
     case u'A': case u'F': case u'B': case u'C': case u'D': case u'E': case u'G': case u'J':
     case u'O': case u'Q': case u'U': case u'W': case u'Y':
@@ -297,10 +304,10 @@ bool needsDate(const Directive &d) {
 }
 
 // The first item of a list of names: abbreviated or full, plain or other form.
-int nameList(const Directive &d, int abbr, int abbrOther, int full, int fullOther) {
+int nameList(Directive d, int abbr, int abbrOther, int full, int fullOther) {
     return d.lower ? (d.other ? abbrOther : abbr) : (d.other ? fullOther : full);
 }
-int weekdayList(const Directive &d) {
+int weekdayList(Directive d) {
     return nameList(d, kItemWeekdayAbbr, kItemWeekdayAbbrOther, kItemWeekdayFull, kItemWeekdayFullOther);
 }
 
@@ -338,7 +345,7 @@ void putMinute(Walk &w, ZvChar pad) {
 
 // The year in two steps of two digits, always with zeros; or its last two.
 // The calendar's range and every calendar of item 5 keep it positive.
-void putYear(Walk &w, const Directive &d) {
+void putYear(Walk &w, Directive d) {
     if (w.calendarOn) w.shownYear = calendarYear(w.shownYear, w.f.day, w.block);
     const auto y = static_cast<uint32_t>(w.shownYear);
     if (d.lower) {
@@ -350,7 +357,7 @@ void putYear(Walk &w, const Directive &d) {
 }
 
 // The year of the week date, as the year is written.
-void putWeekYear(Walk &w, const Directive &d) {
+void putWeekYear(Walk &w, Directive d) {
     double y, week, n;
     weekOfDate(w.f.day, WeekMode::V, &y, &week, &n);
     const int64_t wy = isMissing(y) ? w.f.year : wholeOf(y);
@@ -358,14 +365,14 @@ void putWeekYear(Walk &w, const Directive &d) {
     w.out.digits(wy % 100, 2, u'0');
 }
 
-void putWeek(Walk &w, const Directive &d, WeekMode mode) {
+void putWeek(Walk &w, Directive d, WeekMode mode) {
     double y, week, n;
     weekOfDate(w.f.day, mode, &y, &week, &n);
     w.out.digits(isMissing(week) ? 0 : wholeOf(week), 2, d.pad);
 }
 
 // Writes one directive. False: the letter is no directive here.
-bool writeDirective(Walk &w, const Directive &d) {
+bool writeDirective(Walk &w, Directive d) {
     const Fields &f = w.f;
     Out &out = w.out;
     const ZvChar pad = d.pad;
@@ -554,11 +561,19 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
                         decimals, block, timeZone);
 }
 
-int32_t writeDatePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern, int64_t patternLength,
-                         double dayCount, const LocaleBlock *block) {
+namespace {
+// The body of writeDatePattern, inline so that a format's try takes it in.
+inline int32_t datePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern, int64_t patternLength,
+                           double dayCount, const LocaleBlock *block) {
     if (patternLength == 0) return kPatternEmpty;
     if (isMissing(dayCount) || !(dayCount >= kFirstDay && dayCount < kDayLimit)) return kPatternNoValue;
     return expandFields(dateFieldsOf(dayCount), pattern, patternLength, output, fieldWidth, 0, block, nullptr);
+}
+} // namespace
+
+int32_t writeDatePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern, int64_t patternLength,
+                         double dayCount, const LocaleBlock *block) {
+    return datePattern(output, fieldWidth, pattern, patternLength, dayCount, block);
 }
 
 namespace {
@@ -609,7 +624,7 @@ int32_t runPattern(const DateCall &d, const ZvChar *pattern, int64_t patternLeng
     int32_t status;
     switch (d.kind) {
     case ValueKind::Date:
-        status = writeDatePattern(target, &w, pattern, patternLength, d.value, block);
+        status = datePattern(target, &w, pattern, patternLength, d.value, block);
         break;
     case ValueKind::Time:
         status = writeTimePattern(target, &w, pattern, patternLength, d.value, k, block);

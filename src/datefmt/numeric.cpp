@@ -48,9 +48,9 @@ void numericDateText(ZvChar *target, int64_t w, double dayCount, Order pos, ZvCh
         fillWide(target, u'*', w);
         return;
     }
-    double y, m, d;
-    yearDayToYmd(&y, &m, &d, dayCountToYearDay(dayCount));
-    const int64_t year = static_cast<int64_t>(y);
+    const CivilDate c = civilOf(static_cast<int64_t>(std::floor(dayCount)));
+    const int64_t year = c.year;
+    const int m = c.month, d = c.day;
 
     struct Part {
         ZvChar text[4];
@@ -58,13 +58,13 @@ void numericDateText(ZvChar *target, int64_t w, double dayCount, Order pos, ZvCh
     } parts[4]; // by position 1..3
     int digits = 0, shown = 0;
     if (pos.day) {
-        writeDigits(static_cast<int64_t>(d), parts[pos.day].text, 2, u'0');
+        writeDigits(d, parts[pos.day].text, 2, u'0');
         parts[pos.day].length = 2;
         digits += 2;
         ++shown;
     }
     if (pos.month) {
-        writeDigits(static_cast<int64_t>(m), parts[pos.month].text, 2, u'0');
+        writeDigits(m, parts[pos.month].text, 2, u'0');
         parts[pos.month].length = 2;
         digits += 2;
         ++shown;
@@ -148,9 +148,8 @@ int32_t writeNumericQuarter(FormatCall *call, double dayCount, ZvChar separator)
     call->outputLength = static_cast<int32_t>(w);
     int32_t status = 0;
     if (answeredHere(call, dayCount, &status)) return status;
-    double y, m, d;
-    yearDayToYmd(&y, &m, &d, dayCountToYearDay(dayCount));
-    const int64_t year = static_cast<int64_t>(y);
+    const CivilDate c = civilOf(static_cast<int64_t>(std::floor(dayCount)));
+    const int64_t year = c.year;
     const int tail = 1 + (separator ? 1 : 0);
     ZvChar text[8];
     int n = 0;
@@ -163,7 +162,7 @@ int32_t writeNumericQuarter(FormatCall *call, double dayCount, ZvChar separator)
         n += writeDigits(year, text, 4, u'0');
     }
     if (separator) text[n++] = separator;
-    text[n++] = static_cast<ZvChar>(u'0' + (static_cast<int>(m) - 1) / 3 + 1);
+    text[n++] = static_cast<ZvChar>(u'0' + (c.month - 1) / 3 + 1);
     auto *out = static_cast<ZvChar *>(call->output);
     if (!out) return 0;
     fillWide(out, u' ', w);

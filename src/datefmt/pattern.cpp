@@ -519,10 +519,13 @@ int writeDigits(int64_t value, ZvChar *target, int width, ZvChar pad) {
         for (int i = 0; i < n; ++i) target[i] = reversed[n - 1 - i];
         return n;
     }
-    for (int i = width - 1; i >= 0; --i) {
-        target[i] = static_cast<ZvChar>(u'0' + v % 10);
-        v /= 10;
+    // Two digits at a time from the right, then the odd one left over.
+    int i = width;
+    for (; i >= 2; i -= 2) {
+        std::memcpy(target + i - 2, kDigitPairs[v % 100].data(), sizeof kDigitPairs[0]);
+        v /= 100;
     }
+    if (i == 1) target[0] = static_cast<ZvChar>(u'0' + v % 10);
     if (pad == u' ')
         for (int i = 0; i < width - 1 && target[i] == u'0'; ++i) target[i] = u' ';
     return width;

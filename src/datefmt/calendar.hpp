@@ -63,19 +63,31 @@ constexpr auto kDaysBeforeMonth = [] {
     return before;
 }();
 
-// The calendar's own count of a day, n = day + kDayCountShift, and the
-// year that holds it: exact over the whole range with the leap days of 4,
-// 100, 400 and 4000 years. Inside the range both fit 32 bits unsigned,
-// where the divisions are cheapest.
-template <class Int> constexpr Int yearOfCount(Int n) {
-    return (n - n / 1461 + n / 36525 - n / 146100 + n / 1461000 - 1) / 365;
-}
-inline int64_t yearOfDay(int64_t dayNumber) { return yearOfCount<int64_t>(dayNumber + kDayCountShift); }
-
 // Days in the years before y, in the calendar's own count.
 template <class Int> constexpr Int countBefore(Int y) {
     const Int c = y - 1;
     return 365 * y + c / 4 - c / 4000 - c / 100 + (c / 100) / 4;
+}
+
+// 4000 years, the whole cycle of the leap rule, hold this many days.
+constexpr uint64_t kYearsPerCycle = 4000;
+constexpr uint64_t kDaysPerCycle = 1460969;
+
+// The calendar's own count of a day, n = day + kDayCountShift (positive
+// inside the range), gives the year that holds it and the days before that
+// year. n + 1 days at the cycle's mean length of a year reach that year or
+// the next one, and the days before the guess tell which: exact over the
+// whole range, as a check of every day confirms.
+template <class Int> constexpr Int yearOfCount(Int n, Int *daysBeforeYear) {
+    auto year = static_cast<Int>((static_cast<uint64_t>(n) + 1) * kYearsPerCycle / kDaysPerCycle);
+    Int before = countBefore(year);
+    if (n <= before) before = countBefore(--year);
+    *daysBeforeYear = before;
+    return year;
+}
+inline int64_t yearOfDay(int64_t dayNumber) {
+    int64_t before = 0;
+    return yearOfCount<int64_t>(dayNumber + kDayCountShift, &before);
 }
 
 // The leap figure: 1 for a leap year, else 0. The commonest answers come
@@ -134,10 +146,11 @@ struct CivilDate {
 inline CivilDate civilOf(int64_t dayNumber) {
     // Inside the range the calendar's count is positive and below 2^23.
     const auto n = static_cast<uint32_t>(dayNumber + kDayCountShift);
-    const uint32_t year = yearOfCount<uint32_t>(n);
+    uint32_t before = 0;
+    const uint32_t year = yearOfCount<uint32_t>(n, &before);
     CivilDate c;
     c.year = year;
-    c.dayOfYear = static_cast<int>(n - countBefore<uint32_t>(year));
+    c.dayOfYear = static_cast<int>(n - before);
     monthOfYearDay(c.dayOfYear, leapOf(year), &c.month, &c.day);
     // A multiple of 7 above kWeekdayShift keeps the sum positive.
     constexpr uint32_t kPositiveWeekdayShift = kWeekdayShift + 7 * 2;

@@ -463,6 +463,7 @@ bool shorthandAt(const ZvChar *text, int i) { return (text[i] | 0x20) == u'x' &&
 // Writes the text's plain units and directives into the walk's output:
 // kPatternFits, kPatternInvalid, or with `asItStands` kShorthandMet.
 int32_t walkText(Walk &w, const ZvChar *text, int length, bool asItStands) {
+    const bool hasDate = w.f.hasDate;
     for (int i = 0; i < length; ++i) {
         if (text[i] != u'%') {
             if (asItStands && shorthandAt(text, i)) return kShorthandMet;
@@ -472,7 +473,7 @@ int32_t walkText(Walk &w, const ZvChar *text, int length, bool asItStands) {
         ++i;
         Directive d;
         if (!readDirective(text, length, &i, &w.calendarOn, &d)) break; // a directive without its letter writes nothing
-        if (!w.f.hasDate && needsDate(d)) {
+        if (!hasDate && needsDate(d)) {
             w.out.stars(2);
             continue;
         }

@@ -82,8 +82,22 @@ int64_t wholeOf(double v) { return v > -9.0e18 && v < 9.0e18 ? static_cast<int64
 
 const LocaleItem *itemOf(const LocaleBlock *b, int k) { return b ? &b->items[k] : nullptr; }
 
+// Names and marks are short: one copy of a fixed size takes them over
+// without a call. It may read on into the rest of the item's array and
+// write on into the free room of the output, whose units past its length
+// nothing reads.
+constexpr int kShortItemUnits = 16;
+static_assert(kShortItemUnits <= ZV_ITEM_TEXT_UNITS);
+
 void putItem(Out &out, const LocaleBlock *b, int k) {
-    if (const LocaleItem *it = itemOf(b, k)) out.put(it->text, it->length);
+    const LocaleItem *it = itemOf(b, k);
+    if (!it) return;
+    if (it->length >= 0 && it->length <= kShortItemUnits && out.length <= kPatternUnits - kShortItemUnits) {
+        std::memcpy(out.text + out.length, it->text, sizeof(ZvChar) * kShortItemUnits);
+        out.length += static_cast<int>(it->length);
+        return;
+    }
+    out.put(it->text, it->length);
 }
 
 // A name in a field as wide as the longest of its list, blanks behind.

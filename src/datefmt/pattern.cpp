@@ -62,6 +62,16 @@ struct Out {
         std::memcpy(text + length, kDigitPairs[v].data(), sizeof kDigitPairs[v]);
         length += 2;
     }
+    // Four digits with leading zeros, two pairs in one copy; v is 0 to 9999.
+    void quad(unsigned v) {
+        if (length > kPatternUnits - 4) {
+            pair(v / 100);
+            return pair(v % 100);
+        }
+        std::memcpy(text + length, kDigitPairs[v / 100].data(), sizeof kDigitPairs[0]);
+        std::memcpy(text + length + 2, kDigitPairs[v % 100].data(), sizeof kDigitPairs[0]);
+        length += 4;
+    }
     void digits(int64_t value, int width, ZvChar pad) {
         // Most numbers of a date are one or two digits: written at once.
         if (static_cast<uint64_t>(value) < 100 && (pad == 0 || width == 2) && length <= kPatternUnits - 2) {
@@ -357,17 +367,14 @@ void putMinute(Walk &w, ZvChar pad) {
     else w.out.stars(2);
 }
 
-// The year in two steps of two digits, always with zeros; or its last two.
+// The year in two steps of two digits, always with zeros, so its last four;
+// or its last two.
 // The calendar's range and every calendar of item 5 keep it positive.
 void putYear(Walk &w, Directive d) {
     if (w.calendarOn) w.shownYear = calendarYear(w.shownYear, w.f.day, w.block);
     const auto y = static_cast<uint32_t>(w.shownYear);
-    if (d.lower) {
-        w.out.digits(y % 100, 2, d.pad);
-    } else {
-        w.out.pair(y / 100 % 100);
-        w.out.pair(y % 100);
-    }
+    if (d.lower) w.out.digits(y % 100, 2, d.pad);
+    else w.out.quad(y % 10000);
 }
 
 // The year of the week date, as the year is written.
@@ -506,7 +513,7 @@ int32_t fillOutput(const Walk &w, ZvChar *output, int *fieldWidth) {
         // Each place of the field is written once: the text, blanks beside it.
         const int blanks = width - out.length;
         ZvChar *text = output + (rightJustified ? blanks : 0);
-        std::memcpy(text, out.text, size_t(out.length) * sizeof(ZvChar));
+        copyWide(text, out.text, out.length);
         fillWide(rightJustified ? output : text + out.length, u' ', blanks);
         *fieldWidth = out.length;
         return kPatternFits;

@@ -99,7 +99,7 @@ const LocaleItem *itemOf(const LocaleBlock *b, int k) { return b ? &b->items[k] 
 constexpr int kShortItemUnits = 16;
 static_assert(kShortItemUnits <= ZV_ITEM_TEXT_UNITS);
 
-void putItem(Out &out, const LocaleBlock *b, int k) {
+inline void putItem(Out &out, const LocaleBlock *b, int k) {
     const LocaleItem *it = itemOf(b, k);
     if (!it) return;
     if (it->length >= 0 && it->length <= kShortItemUnits && out.length <= kPatternUnits - kShortItemUnits) {

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -136,7 +135,7 @@ inline bool beginFormat(FormatCall *call, double low, double high, double *value
         *status = missingMarkHeld(call);
         return false;
     }
-    if (!call->input || std::isnan(v) || v < low || v >= high) {
+    if (!call->input || !(v >= low && v < high)) { // NaN fails both
         *status = starFill(call);
         return false;
     }

@@ -2,7 +2,6 @@
 // which the host's option gives at each use.
 #include "datefmt/calendar.hpp"
 
-#include <array>
 #include <cmath>
 #include <cstdlib>
 
@@ -11,16 +10,6 @@
 namespace zv {
 
 namespace {
-
-constexpr int kMonthDays[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-
-// The calendar's own count of days at 1 January 1960: daysBefore and
-// dayCountToYearDay take it off so that this day is day 0.
-constexpr int64_t kDayCountShift = 715875;
-// A count of days that 7 divides with remainder 5, so that 1 January 1960, a
-// Friday, comes out as weekday 6 (Sunday being 1), and large enough that the
-// sum stays near or above 0 over the whole range.
-constexpr int64_t kWeekdayShift = 138052;
 
 constexpr const ZvChar *kYearCutoffOption = u"ZV_NAME_YEARCUTOFF";
 constexpr int64_t kYearCutoffOptionLength = 18;
@@ -34,43 +23,6 @@ bool refusedDay(double days) { return isMissing(days) || !(days >= kFirstDay && 
 bool refusedSecond(double s) { return isMissing(s) || !(s >= kFirstSecond && s < kSecondLimit); }
 
 int monthLength(int month, int64_t year) { return kMonthDays[month - 1] + (month == 2 ? leapFigure(year) : 0); }
-
-// Days of a year before each month, and before the next year: a common year,
-// then a leap year.
-constexpr auto kDaysBeforeMonth = [] {
-    std::array<std::array<int, 13>, 2> before{};
-    for (int leap = 0; leap < 2; ++leap)
-        for (int m = 1; m <= 12; ++m)
-            before[size_t(leap)][size_t(m)] = before[size_t(leap)][size_t(m - 1)] + kMonthDays[m - 1] + (m == 2 ? leap : 0);
-    return before;
-}();
-
-// The calendar's own count of a day, n = day + kDayCountShift, and the
-// year that holds it: exact over the whole range with the leap days of 4,
-// 100, 400 and 4000 years. Inside the range both fit 32 bits unsigned,
-// where the divisions are cheapest.
-template <class Int> Int yearOfCount(Int n) { return (n - n / 1461 + n / 36525 - n / 146100 + n / 1461000 - 1) / 365; }
-int64_t yearOfDay(int64_t dayNumber) { return yearOfCount<int64_t>(dayNumber + kDayCountShift); }
-
-// Days in the years before y, in the calendar's own count.
-template <class Int> Int countBefore(Int y) {
-    const Int c = y - 1;
-    return 365 * y + c / 4 - c / 4000 - c / 100 + (c / 100) / 4;
-}
-
-// 0 Sunday .. 6 Saturday; -0.5 is still 31 December 1959, as the date takes it.
-int weekdayOfDay(int64_t dayNumber) { return static_cast<int>(((kWeekdayShift + dayNumber) % 7 + 7) % 7); }
-
-// The month of day d of a year (1 January being 1) and the day in it.
-// Months have 28 to 31 days: the month is the one a 31-day count gives, or
-// the next.
-void monthOfYearDay(int d, int leap, int *month, int *day) {
-    const auto &before = kDaysBeforeMonth[size_t(leap)];
-    int m = (d - 1) / 31 + 1;
-    if (m < 12 && d > before[size_t(m)]) ++m;
-    *month = m;
-    *day = static_cast<int>(d - before[size_t(m - 1)]);
-}
 
 bool plainLeap(int64_t y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
 
@@ -92,13 +44,7 @@ bool splitCode(double code, int64_t *year, int64_t *dayOfYear) {
 
 } // namespace
 
-int leapFigure(int64_t y) {
-    // The commonest answers first: most years are not divisible by 4.
-    if (y % 4 != 0) return 0;
-    if (y % 100 != 0) return 1;
-    if (y % 400 != 0) return 0;
-    return y % 4000 == 0 ? 0 : 1;
-}
+int leapFigure(int64_t y) { return leapOf(y); }
 
 int64_t daysBefore(int64_t y) { return countBefore<int64_t>(y) - kDayCountShift; }
 
@@ -174,21 +120,6 @@ double dayCountToYearDay(double days) {
 double weekdayOf(double days) {
     if (refusedDay(days)) return missingValue();
     return static_cast<double>(weekdayOfDay(static_cast<int64_t>(std::floor(days))) + 1);
-}
-
-CivilDate civilOf(int64_t dayNumber) {
-    // Inside the range the calendar's count is positive and below 2^23.
-    const auto n = static_cast<uint32_t>(dayNumber + kDayCountShift);
-    const uint32_t year = yearOfCount<uint32_t>(n);
-    CivilDate c;
-    c.year = year;
-    c.dayOfYear = static_cast<int>(n - countBefore<uint32_t>(year));
-    monthOfYearDay(c.dayOfYear, leapFigure(year), &c.month, &c.day);
-    // A multiple of 7 above kWeekdayShift keeps the sum positive.
-    constexpr uint32_t kPositiveWeekdayShift = kWeekdayShift + 7 * 2;
-    static_assert(kPositiveWeekdayShift + kFirstDay >= 0);
-    c.weekday = static_cast<int>((static_cast<uint32_t>(dayNumber + kPositiveWeekdayShift)) % 7);
-    return c;
 }
 
 double dayOf(double seconds) {

@@ -4,6 +4,7 @@
 // divides is no leap year. A refused input gives the plain missing value.
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <cstdint>
 
@@ -40,9 +41,81 @@ inline double remainderOf(double x, double divisor) {
     return r == 0 ? std::copysign(0.0, x) : r; // a zero keeps the sign of x, as fmod gives it
 }
 
+// ---- whole-number day arithmetic, inline for the pattern engine ----------
+
+constexpr int kMonthDays[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+
+// The calendar's own count of days at 1 January 1960: daysBefore and
+// dayCountToYearDay take it off so that this day is day 0.
+constexpr int64_t kDayCountShift = 715875;
+// A count of days that 7 divides with remainder 5, so that 1 January 1960, a
+// Friday, comes out as weekday 6 (Sunday being 1), and large enough that the
+// sum stays near or above 0 over the whole range.
+constexpr int64_t kWeekdayShift = 138052;
+
+// Days of a year before each month, and before the next year: a common year,
+// then a leap year.
+constexpr auto kDaysBeforeMonth = [] {
+    std::array<std::array<int, 13>, 2> before{};
+    for (int leap = 0; leap < 2; ++leap)
+        for (int m = 1; m <= 12; ++m)
+            before[size_t(leap)][size_t(m)] = before[size_t(leap)][size_t(m - 1)] + kMonthDays[m - 1] + (m == 2 ? leap : 0);
+    return before;
+}();
+
+// Days in the years before y, in the calendar's own count.
+template <class Int> constexpr Int countBefore(Int y) {
+    const Int c = y - 1;
+    return 365 * y + c / 4 - c / 4000 - c / 100 + (c / 100) / 4;
+}
+
+// 4000 years, the whole cycle of the leap rule, hold this many days.
+constexpr uint64_t kYearsPerCycle = 4000;
+constexpr uint64_t kDaysPerCycle = 1460969;
+
+// The calendar's own count of a day, n = day + kDayCountShift (positive
+// inside the range), gives the year that holds it and the days before that
+// year. n + 1 days at the cycle's mean length of a year reach that year or
+// the next one, and the days before the guess tell which: exact over the
+// whole range, as a check of every day confirms.
+template <class Int> constexpr Int yearOfCount(Int n, Int *daysBeforeYear) {
+    auto year = static_cast<Int>((static_cast<uint64_t>(n) + 1) * kYearsPerCycle / kDaysPerCycle);
+    Int before = countBefore(year);
+    if (n <= before) before = countBefore(--year);
+    *daysBeforeYear = before;
+    return year;
+}
+inline int64_t yearOfDay(int64_t dayNumber) {
+    int64_t before = 0;
+    return yearOfCount<int64_t>(dayNumber + kDayCountShift, &before);
+}
+
+// The leap figure: 1 for a leap year, else 0. The commonest answers come
+// first: most years are not divisible by 4.
+template <class Int> constexpr int leapOf(Int y) {
+    if (y % 4 != 0) return 0;
+    if (y % 100 != 0) return 1;
+    if (y % 400 != 0) return 0;
+    return y % 4000 == 0 ? 0 : 1;
+}
+int leapFigure(int64_t year);
+
 // Days in years before `year`, counted so that 1 January 1960 is day 0.
 int64_t daysBefore(int64_t year);
-int leapFigure(int64_t year);
+
+// 0 Sunday .. 6 Saturday; -0.5 is still 31 December 1959, as the date takes it.
+inline int weekdayOfDay(int64_t dayNumber) { return static_cast<int>(((kWeekdayShift + dayNumber) % 7 + 7) % 7); }
+
+// The month of day d of a year (1 January being 1) and the day in it.
+// Months have 28 to 31 days: the month is the one a 31-day count gives, or
+// the next.
+inline void monthOfYearDay(int d, int leap, int *month, int *day) {
+    const auto &before = kDaysBeforeMonth[size_t(leap)];
+    int m = (d - 1) / 31 + 1;
+    if (m < 12 && d > before[size_t(m)]) ++m;
+    *month = m;
+    *day = static_cast<int>(d - before[size_t(m - 1)]);
+}
 
 // The full year of a two-digit year under the pivot P: y + P - P mod 100,
 // plus 100 below P mod 100.
@@ -70,7 +143,21 @@ struct CivilDate {
     int weekday;   // 0 Sunday .. 6 Saturday
 };
 // `dayNumber` is a whole DayCount inside the range.
-CivilDate civilOf(int64_t dayNumber);
+inline CivilDate civilOf(int64_t dayNumber) {
+    // Inside the range the calendar's count is positive and below 2^23.
+    const auto n = static_cast<uint32_t>(dayNumber + kDayCountShift);
+    uint32_t before = 0;
+    const uint32_t year = yearOfCount<uint32_t>(n, &before);
+    CivilDate c;
+    c.year = year;
+    c.dayOfYear = static_cast<int>(n - before);
+    monthOfYearDay(c.dayOfYear, leapOf(year), &c.month, &c.day);
+    // A multiple of 7 above kWeekdayShift keeps the sum positive.
+    constexpr uint32_t kPositiveWeekdayShift = kWeekdayShift + 7 * 2;
+    static_assert(kPositiveWeekdayShift + kFirstDay >= 0);
+    c.weekday = static_cast<int>((static_cast<uint32_t>(dayNumber + kPositiveWeekdayShift)) % 7);
+    return c;
+}
 
 double ymdToYearDay(double year, double month, double day);
 double yearDayToDayCount(double code);

@@ -12,24 +12,13 @@
 
 namespace zv {
 
-bool openDateFormat(FormatCall *call, ValueKind kind, DateCall *out, int32_t *status, int32_t *buildStatus) {
-    double value = 0;
-    ExtensionInstance *instance = nullptr;
-    const bool date = kind == ValueKind::Date;
-    if (!beginFormat(call, date ? kFirstDay : kFirstSecond, date ? kDayLimit : kSecondLimit, &value, status,
-                     &instance))
-        return false;
-    if (!call->localeBlock) {
-        const int32_t built = buildLocaleBlock(call, instance);
-        if (built != 0) {
-            starFill(call);
-            *status = 0;
-            if (buildStatus) *buildStatus = built;
-            return false;
-        }
-    }
-    *out = DateCall{call, instance, value, kind};
-    return true;
+bool buildDateBlock(FormatCall *call, ExtensionInstance *instance, int32_t *status, int32_t *buildStatus) {
+    const int32_t built = buildLocaleBlock(call, instance);
+    if (built == 0) return true;
+    starFill(call);
+    *status = 0;
+    if (buildStatus) *buildStatus = built;
+    return false;
 }
 
 void fillField(FormatCall *call, ZvChar c) {
@@ -45,44 +34,6 @@ void leftJustifyField(FormatCall *call) {
     if (lead == 0) return;
     std::memmove(out, out + lead, size_t(n - lead) * sizeof(ZvChar));
     fillWide(out + (n - lead), u' ', lead);
-}
-
-int32_t runPattern(const DateCall &d, const ZvChar *pattern, int64_t patternLength, int k, int *fieldWidth) {
-    FormatCall *call = d.call;
-    // A text never passes 512 units, so a wider field is the same as one of 512.
-    int w = *fieldWidth > kPatternUnits ? kPatternUnits : *fieldWidth;
-    const int field = w;
-    // The engine writes its field only when it answers 0 or 1, so a field
-    // that the call's target holds takes the text in place; else a scratch
-    // field is copied over.
-    const int64_t room = fieldUnits(call);
-    const bool inPlace = call->output && field >= 0 && field <= room;
-    ZvChar scratch[kPatternUnits];
-    ZvChar *target = inPlace ? static_cast<ZvChar *>(call->output) : scratch;
-    const LocaleBlock *block = call->localeBlock;
-    int32_t status;
-    switch (d.kind) {
-    case ValueKind::Date:
-        status = writeDatePattern(target, &w, pattern, patternLength, d.value, block);
-        break;
-    case ValueKind::Time:
-        status = writeTimePattern(target, &w, pattern, patternLength, d.value, k, block);
-        break;
-    default:
-        status = writeDatetimePattern(target, &w, pattern, patternLength, d.value, k, block,
-                                      call->services ? call->services->timeZone : nullptr);
-        break;
-    }
-    if (status != kPatternFits && status != kPatternTooLong) return status;
-    if (inPlace) {
-        if (room > field) fillWide(target + field, u' ', room - field);
-    } else {
-        fillField(call, u' ');
-        // On success the text is w long; a text too long fills the whole field.
-        putAt(call, 0, scratch, status == kPatternFits ? w : field);
-    }
-    if (status == kPatternFits) *fieldWidth = w;
-    return status;
 }
 
 void putAt(FormatCall *call, int64_t at, const ZvChar *text, int64_t n) {

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "datefmt/calendar.hpp"
+#include "frame/frame.hpp"
 #include "zvlocfmt/zvlocfmt.h"
 
 namespace zv {
@@ -19,11 +21,25 @@ struct DateCall {
     ValueKind kind;
 };
 
+// The block of a call that has none. False when it can't be built: the
+// field holds stars, *status is 0 and *buildStatus (if given) the failure.
+bool buildDateBlock(FormatCall *call, ExtensionInstance *instance, int32_t *status, int32_t *buildStatus);
+
 // The opening of every date format: instance, outputLength, missing mark,
 // range, locale block. False when the call is answered: *status holds the
 // result. A failed block build leaves stars and sets *buildStatus.
-bool openDateFormat(FormatCall *call, ValueKind kind, DateCall *out, int32_t *status,
-                    int32_t *buildStatus = nullptr);
+inline bool openDateFormat(FormatCall *call, ValueKind kind, DateCall *out, int32_t *status,
+                           int32_t *buildStatus = nullptr) {
+    double value = 0;
+    ExtensionInstance *instance = nullptr;
+    const bool date = kind == ValueKind::Date;
+    if (!beginFormat(call, date ? kFirstDay : kFirstSecond, date ? kDayLimit : kSecondLimit, &value, status,
+                     &instance))
+        return false;
+    if (!call->localeBlock && !buildDateBlock(call, instance, status, buildStatus)) return false;
+    *out = DateCall{call, instance, value, kind};
+    return true;
+}
 
 // Runs the engine for one pattern into a field of *fieldWidth units that is
 // then placed at the left of the call's field. k: decimals of a datetime or

@@ -27,9 +27,13 @@ bool readOrder(const LocaleBlock *block, Order *order) {
     const int64_t n = std::min<int64_t>(item.length, ZV_ITEM_TEXT_UNITS);
     std::memcpy(text, item.text, size_t(n) * sizeof(ZvChar));
     foldUpper(text, n);
-    order->month = int(findChar(text, n, u'M')) + 1;
-    order->day = int(findChar(text, n, u'D')) + 1;
-    order->year = int(findChar(text, n, u'Y')) + 1;
+    // The first M, D and Y, in one pass.
+    *order = Order{};
+    for (int64_t i = n - 1; i >= 0; --i) {
+        if (text[i] == u'M') order->month = int(i) + 1;
+        else if (text[i] == u'D') order->day = int(i) + 1;
+        else if (text[i] == u'Y') order->year = int(i) + 1;
+    }
     auto ok = [](int p) { return p >= 1 && p <= 3; };
     return ok(order->month) && ok(order->day) && ok(order->year);
 }
@@ -48,23 +52,24 @@ void numericDateText(ZvChar *target, int64_t w, double dayCount, Order pos, ZvCh
         fillWide(target, u'*', w);
         return;
     }
-    double y, m, d;
-    yearDayToYmd(&y, &m, &d, dayCountToYearDay(dayCount));
-    const int64_t year = static_cast<int64_t>(y);
+    const CivilDate c = civilOf(static_cast<int64_t>(std::floor(dayCount)));
+    const int64_t year = c.year;
+    const int m = c.month, d = c.day;
 
+    constexpr int kPartUnits = 4; // a year of four digits is the longest part
     struct Part {
-        ZvChar text[4];
+        ZvChar text[kPartUnits]{};
         int length = 0;
     } parts[4]; // by position 1..3
     int digits = 0, shown = 0;
     if (pos.day) {
-        writeDigits(static_cast<int64_t>(d), parts[pos.day].text, 2, u'0');
+        writeDigits(d, parts[pos.day].text, 2, u'0');
         parts[pos.day].length = 2;
         digits += 2;
         ++shown;
     }
     if (pos.month) {
-        writeDigits(static_cast<int64_t>(m), parts[pos.month].text, 2, u'0');
+        writeDigits(m, parts[pos.month].text, 2, u'0');
         parts[pos.month].length = 2;
         digits += 2;
         ++shown;
@@ -98,12 +103,15 @@ void numericDateText(ZvChar *target, int64_t w, double dayCount, Order pos, ZvCh
         }
     }
 
-    ZvChar text[16];
+    // Three parts and two separators. A part goes over whole, as one copy,
+    // and the text moves on by its length.
+    ZvChar text[3 * kPartUnits + 2];
     int n = 0;
     for (int i = 1; i <= 3; ++i) {
         if (!parts[i].length) continue;
         if (n > 0 && separators > 0) text[n++] = separator;
-        for (int k = 0; k < parts[i].length; ++k) text[n++] = parts[i].text[k];
+        std::memcpy(text + n, parts[i].text, sizeof parts[i].text);
+        n += parts[i].length;
     }
     fillWide(target, u' ', w);
     if (n <= w) std::memcpy(target + (w - n), text, size_t(n) * sizeof(ZvChar));
@@ -148,9 +156,8 @@ int32_t writeNumericQuarter(FormatCall *call, double dayCount, ZvChar separator)
     call->outputLength = static_cast<int32_t>(w);
     int32_t status = 0;
     if (answeredHere(call, dayCount, &status)) return status;
-    double y, m, d;
-    yearDayToYmd(&y, &m, &d, dayCountToYearDay(dayCount));
-    const int64_t year = static_cast<int64_t>(y);
+    const CivilDate c = civilOf(static_cast<int64_t>(std::floor(dayCount)));
+    const int64_t year = c.year;
     const int tail = 1 + (separator ? 1 : 0);
     ZvChar text[8];
     int n = 0;
@@ -163,7 +170,7 @@ int32_t writeNumericQuarter(FormatCall *call, double dayCount, ZvChar separator)
         n += writeDigits(year, text, 4, u'0');
     }
     if (separator) text[n++] = separator;
-    text[n++] = static_cast<ZvChar>(u'0' + (static_cast<int>(m) - 1) / 3 + 1);
+    text[n++] = static_cast<ZvChar>(u'0' + (c.month - 1) / 3 + 1);
     auto *out = static_cast<ZvChar *>(call->output);
     if (!out) return 0;
     fillWide(out, u' ', w);

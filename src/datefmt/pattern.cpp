@@ -4,10 +4,12 @@
 #include "datefmt/pattern.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 
 #include "datefmt/calendar.hpp"
+#include "datefmt/dateformat.hpp"
 #include "frame/frame.hpp"
 #include "locale/block.hpp"
 #include "wide/wide.hpp"
@@ -30,6 +32,13 @@ struct Fields {
     double twelve{}; // the 12-hour figure
 };
 
+// "00" to "99", each written as one copy.
+constexpr auto kDigitPairs = [] {
+    std::array<std::array<ZvChar, 2>, 100> pairs{};
+    for (unsigned v = 0; v < 100; ++v) pairs[v] = {static_cast<ZvChar>(u'0' + v / 10), static_cast<ZvChar>(u'0' + v % 10)};
+    return pairs;
+}();
+
 // Output of the walk, bounded by its 512 units.
 struct Out {
     ZvChar text[kPatternUnits];
@@ -50,17 +59,26 @@ struct Out {
     // Two digits with a leading zero; v is 0 to 99.
     void pair(unsigned v) {
         if (length > kPatternUnits - 2) return digits(v, 2, u'0');
-        text[length] = static_cast<ZvChar>(u'0' + v / 10);
-        text[length + 1] = static_cast<ZvChar>(u'0' + v % 10);
+        std::memcpy(text + length, kDigitPairs[v].data(), sizeof kDigitPairs[v]);
         length += 2;
+    }
+    // Four digits with leading zeros, two pairs in one copy; v is 0 to 9999.
+    void quad(unsigned v) {
+        if (length > kPatternUnits - 4) {
+            pair(v / 100);
+            return pair(v % 100);
+        }
+        std::memcpy(text + length, kDigitPairs[v / 100].data(), sizeof kDigitPairs[0]);
+        std::memcpy(text + length + 2, kDigitPairs[v % 100].data(), sizeof kDigitPairs[0]);
+        length += 4;
     }
     void digits(int64_t value, int width, ZvChar pad) {
         // Most numbers of a date are one or two digits: written at once.
         if (static_cast<uint64_t>(value) < 100 && (pad == 0 || width == 2) && length <= kPatternUnits - 2) {
             const auto v = static_cast<unsigned>(value);
-            if (v >= 10 || pad == u'0') text[length++] = static_cast<ZvChar>(u'0' + v / 10);
-            else if (pad == u' ') text[length++] = u' ';
-            text[length++] = static_cast<ZvChar>(u'0' + v % 10);
+            if (v >= 10 || pad == u'0') return pair(v);
+            if (pad == u' ') text[length++] = u' ';
+            text[length++] = static_cast<ZvChar>(u'0' + v);
             return;
         }
         ZvChar buffer[24];
@@ -74,8 +92,22 @@ int64_t wholeOf(double v) { return v > -9.0e18 && v < 9.0e18 ? static_cast<int64
 
 const LocaleItem *itemOf(const LocaleBlock *b, int k) { return b ? &b->items[k] : nullptr; }
 
-void putItem(Out &out, const LocaleBlock *b, int k) {
-    if (const LocaleItem *it = itemOf(b, k)) out.put(it->text, it->length);
+// Names and marks are short: one copy of a fixed size takes them over
+// without a call. It may read on into the rest of the item's array and
+// write on into the free room of the output, whose units past its length
+// nothing reads.
+constexpr int kShortItemUnits = 16;
+static_assert(kShortItemUnits <= ZV_ITEM_TEXT_UNITS);
+
+inline void putItem(Out &out, const LocaleBlock *b, int k) {
+    const LocaleItem *it = itemOf(b, k);
+    if (!it) return;
+    if (it->length >= 0 && it->length <= kShortItemUnits && out.length <= kPatternUnits - kShortItemUnits) {
+        std::memcpy(out.text + out.length, it->text, sizeof(ZvChar) * kShortItemUnits);
+        out.length += static_cast<int>(it->length);
+        return;
+    }
+    out.put(it->text, it->length);
 }
 
 // A name in a field as wide as the longest of its list, blanks behind.
@@ -182,19 +214,27 @@ void putOffset(Out &out, const Fields &f, HostTimeZone *tz, Offset &offset) {
 // ---- the phases of expandPattern ----------------------------------------------
 
 // All calendar work for the value, once: a missing part leaves its fields unset.
-Fields fieldsOf(double day, double hour, double minute, double second) {
+// A day outside the range shows as a day-less value.
+inline Fields dateFieldsOf(double day) {
     Fields f;
-    // A day outside the range shows as a day-less value.
     f.hasDate = !isMissing(day) && day >= kFirstDay && day < kDayLimit;
     if (f.hasDate) {
         f.day = day;
-        const CivilDate c = civilOf(static_cast<int64_t>(std::floor(day)));
+        // The whole part by floor: inside the range the cut toward zero is
+        // one too high only for a day before 1960 with a fraction.
+        const auto cut = static_cast<int64_t>(day);
+        const CivilDate c = civilOf(cut - (static_cast<double>(cut) > day ? 1 : 0));
         f.weekday = c.weekday;
         f.year = c.year;
         f.month = c.month;
         f.dayOfMonth = c.day;
         f.dayOfYear = c.dayOfYear;
     }
+    return f;
+}
+
+Fields fieldsOf(double day, double hour, double minute, double second) {
+    Fields f = dateFieldsOf(day);
     f.hasHour = !isMissing(hour);
     f.hasMinute = !isMissing(minute);
     f.hasSecond = !isMissing(second);
@@ -275,7 +315,7 @@ bool readDirective(const ZvChar *text, int length, int *i, bool *calendarOn, Dir
 }
 
 // Directives that show a part of the date, and so write stars without one.
-bool needsDate(const Directive &d) {
+bool needsDate(Directive d) {
     switch (d.upper) {
     case u'A': case u'F': case u'B': case u'C': case u'D': case u'E': case u'G': case u'J':
     case u'O': case u'Q': case u'U': case u'W': case u'Y':
@@ -288,10 +328,10 @@ bool needsDate(const Directive &d) {
 }
 
 // The first item of a list of names: abbreviated or full, plain or other form.
-int nameList(const Directive &d, int abbr, int abbrOther, int full, int fullOther) {
+int nameList(Directive d, int abbr, int abbrOther, int full, int fullOther) {
     return d.lower ? (d.other ? abbrOther : abbr) : (d.other ? fullOther : full);
 }
-int weekdayList(const Directive &d) {
+int weekdayList(Directive d) {
     return nameList(d, kItemWeekdayAbbr, kItemWeekdayAbbrOther, kItemWeekdayFull, kItemWeekdayFullOther);
 }
 
@@ -327,21 +367,18 @@ void putMinute(Walk &w, ZvChar pad) {
     else w.out.stars(2);
 }
 
-// The year in two steps of two digits, always with zeros; or its last two.
+// The year in two steps of two digits, always with zeros, so its last four;
+// or its last two.
 // The calendar's range and every calendar of item 5 keep it positive.
-void putYear(Walk &w, const Directive &d) {
+void putYear(Walk &w, Directive d) {
     if (w.calendarOn) w.shownYear = calendarYear(w.shownYear, w.f.day, w.block);
     const auto y = static_cast<uint32_t>(w.shownYear);
-    if (d.lower) {
-        w.out.digits(y % 100, 2, d.pad);
-    } else {
-        w.out.pair(y / 100 % 100);
-        w.out.pair(y % 100);
-    }
+    if (d.lower) w.out.digits(y % 100, 2, d.pad);
+    else w.out.quad(y % 10000);
 }
 
 // The year of the week date, as the year is written.
-void putWeekYear(Walk &w, const Directive &d) {
+void putWeekYear(Walk &w, Directive d) {
     double y, week, n;
     weekOfDate(w.f.day, WeekMode::V, &y, &week, &n);
     const int64_t wy = isMissing(y) ? w.f.year : wholeOf(y);
@@ -349,14 +386,14 @@ void putWeekYear(Walk &w, const Directive &d) {
     w.out.digits(wy % 100, 2, u'0');
 }
 
-void putWeek(Walk &w, const Directive &d, WeekMode mode) {
+void putWeek(Walk &w, Directive d, WeekMode mode) {
     double y, week, n;
     weekOfDate(w.f.day, mode, &y, &week, &n);
     w.out.digits(isMissing(week) ? 0 : wholeOf(week), 2, d.pad);
 }
 
 // Writes one directive. False: the letter is no directive here.
-bool writeDirective(Walk &w, const Directive &d) {
+bool writeDirective(Walk &w, Directive d) {
     const Fields &f = w.f;
     Out &out = w.out;
     const ZvChar pad = d.pad;
@@ -447,6 +484,7 @@ bool shorthandAt(const ZvChar *text, int i) { return (text[i] | 0x20) == u'x' &&
 // Writes the text's plain units and directives into the walk's output:
 // kPatternFits, kPatternInvalid, or with `asItStands` kShorthandMet.
 int32_t walkText(Walk &w, const ZvChar *text, int length, bool asItStands) {
+    const bool hasDate = w.f.hasDate;
     for (int i = 0; i < length; ++i) {
         if (text[i] != u'%') {
             if (asItStands && shorthandAt(text, i)) return kShorthandMet;
@@ -456,7 +494,7 @@ int32_t walkText(Walk &w, const ZvChar *text, int length, bool asItStands) {
         ++i;
         Directive d;
         if (!readDirective(text, length, &i, &w.calendarOn, &d)) break; // a directive without its letter writes nothing
-        if (!w.f.hasDate && needsDate(d)) {
+        if (!hasDate && needsDate(d)) {
             w.out.stars(2);
             continue;
         }
@@ -475,7 +513,7 @@ int32_t fillOutput(const Walk &w, ZvChar *output, int *fieldWidth) {
         // Each place of the field is written once: the text, blanks beside it.
         const int blanks = width - out.length;
         ZvChar *text = output + (rightJustified ? blanks : 0);
-        std::memcpy(text, out.text, size_t(out.length) * sizeof(ZvChar));
+        copyWide(text, out.text, out.length);
         fillWide(rightJustified ? output : text + out.length, u' ', blanks);
         *fieldWidth = out.length;
         return kPatternFits;
@@ -503,19 +541,22 @@ int writeDigits(int64_t value, ZvChar *target, int width, ZvChar pad) {
         for (int i = 0; i < n; ++i) target[i] = reversed[n - 1 - i];
         return n;
     }
-    for (int i = width - 1; i >= 0; --i) {
-        target[i] = static_cast<ZvChar>(u'0' + v % 10);
-        v /= 10;
+    // Two digits at a time from the right, then the odd one left over.
+    int i = width;
+    for (; i >= 2; i -= 2) {
+        std::memcpy(target + i - 2, kDigitPairs[v % 100].data(), sizeof kDigitPairs[0]);
+        v /= 100;
     }
+    if (i == 1) target[0] = static_cast<ZvChar>(u'0' + v % 10);
     if (pad == u' ')
         for (int i = 0; i < width - 1 && target[i] == u'0'; ++i) target[i] = u' ';
     return width;
 }
 
-int32_t expandPattern(double day, double hour, double minute, double second, const ZvChar *pattern,
-                      int64_t patternLength, ZvChar *output, int *fieldWidth, int decimals,
-                      const LocaleBlock *block, HostTimeZone *timeZone) {
-    const Fields f = fieldsOf(day, hour, minute, second);
+namespace {
+
+int32_t expandFields(const Fields &f, const ZvChar *pattern, int64_t patternLength, ZvChar *output,
+                     int *fieldWidth, int decimals, const LocaleBlock *block, HostTimeZone *timeZone) {
     // Most patterns hold no %x or %X, and the expansion would copy them
     // unchanged: they are walked as they stand, until the walk meets an x
     // behind a "%" and starts over on the expanded text.
@@ -536,12 +577,28 @@ int32_t expandPattern(double day, double hour, double minute, double second, con
     }
 }
 
-int32_t writeDatePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern, int64_t patternLength,
-                         double dayCount, const LocaleBlock *block) {
+} // namespace
+
+int32_t expandPattern(double day, double hour, double minute, double second, const ZvChar *pattern,
+                      int64_t patternLength, ZvChar *output, int *fieldWidth, int decimals,
+                      const LocaleBlock *block, HostTimeZone *timeZone) {
+    return expandFields(fieldsOf(day, hour, minute, second), pattern, patternLength, output, fieldWidth,
+                        decimals, block, timeZone);
+}
+
+namespace {
+// The body of writeDatePattern, inline so that a format's try takes it in.
+inline int32_t datePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern, int64_t patternLength,
+                           double dayCount, const LocaleBlock *block) {
     if (patternLength == 0) return kPatternEmpty;
     if (isMissing(dayCount) || !(dayCount >= kFirstDay && dayCount < kDayLimit)) return kPatternNoValue;
-    const double m = missingValue();
-    return expandPattern(dayCount, m, m, m, pattern, patternLength, output, fieldWidth, 0, block, nullptr);
+    return expandFields(dateFieldsOf(dayCount), pattern, patternLength, output, fieldWidth, 0, block, nullptr);
+}
+} // namespace
+
+int32_t writeDatePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern, int64_t patternLength,
+                         double dayCount, const LocaleBlock *block) {
+    return datePattern(output, fieldWidth, pattern, patternLength, dayCount, block);
 }
 
 namespace {
@@ -572,6 +629,46 @@ int32_t writeTimePattern(ZvChar *output, int *fieldWidth, const ZvChar *pattern,
     const double hour = std::floor(std::fabs(r / kSecondsPerHour));
     return expandPattern(missingValue(), hour, minuteOf(r), secondOf(r), pattern, patternLength, output,
                          fieldWidth, decimals, block, nullptr);
+}
+
+// The try of a date format: the engine writes straight into the call's
+// field, here beside the entries so that they inline into it.
+int32_t runPattern(const DateCall &d, const ZvChar *pattern, int64_t patternLength, int k, int *fieldWidth) {
+    FormatCall *call = d.call;
+    // A text never passes 512 units, so a wider field is the same as one of 512.
+    int w = *fieldWidth > kPatternUnits ? kPatternUnits : *fieldWidth;
+    const int field = w;
+    // The engine writes its field only when it answers 0 or 1, so a field
+    // that the call's target holds takes the text in place; else a scratch
+    // field is copied over.
+    const int64_t room = fieldUnits(call);
+    const bool inPlace = call->output && field >= 0 && field <= room;
+    ZvChar scratch[kPatternUnits];
+    ZvChar *target = inPlace ? static_cast<ZvChar *>(call->output) : scratch;
+    const LocaleBlock *block = call->localeBlock;
+    int32_t status;
+    switch (d.kind) {
+    case ValueKind::Date:
+        status = datePattern(target, &w, pattern, patternLength, d.value, block);
+        break;
+    case ValueKind::Time:
+        status = writeTimePattern(target, &w, pattern, patternLength, d.value, k, block);
+        break;
+    default:
+        status = writeDatetimePattern(target, &w, pattern, patternLength, d.value, k, block,
+                                      call->services ? call->services->timeZone : nullptr);
+        break;
+    }
+    if (status != kPatternFits && status != kPatternTooLong) return status;
+    if (inPlace) {
+        if (room > field) fillWide(target + field, u' ', room - field);
+    } else {
+        fillField(call, u' ');
+        // On success the text is w long; a text too long fills the whole field.
+        putAt(call, 0, scratch, status == kPatternFits ? w : field);
+    }
+    if (status == kPatternFits) *fieldWidth = w;
+    return status;
 }
 
 } // namespace zv

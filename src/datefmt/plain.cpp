@@ -16,7 +16,7 @@ namespace {
 
 // One try of an item at k decimals: 0, 1 when too long (also in host
 // bytes), or the engine's other status.
-int32_t tryItem(const DateCall &d, int item, int k) {
+inline int32_t tryItem(const DateCall &d, int item, int k) {
     const LocaleItem &it = d.call->localeBlock->items[item];
     int w = d.call->width;
     const int32_t status = runPattern(d, it.text, it.length, k, &w);
@@ -39,21 +39,26 @@ void blankToCapacity(FormatCall *call) {
         fillWide(static_cast<ZvChar *>(call->output), u' ', call->outputCapacity);
 }
 
-int32_t plainForm(FormatCall *call, void *opaque, ValueKind kind, int first, int second) {
+// NLDATE: the two patterns, then the numeric form.
+int32_t plainDate(FormatCall *call, void *opaque, int first, int second) {
     DateCall d;
     int32_t status = 0;
-    if (!openDateFormat(call, kind, &d, &status)) return status;
+    if (!openDateFormat(call, ValueKind::Date, &d, &status)) return status;
+    status = tryItem(d, first, 0);
+    if (status == kPatternFits) return 0;
+    if (status == kPatternTooLong && tryItem(d, second, 0) == kPatternFits) return 0;
+    blankToCapacity(call);
+    if (writeNlDateS(call, opaque) != 0) return starFill(call);
+    leftJustifyField(call);
+    return 0;
+}
 
-    if (kind == ValueKind::Date) {
-        status = tryItem(d, first, 0);
-        if (status == kPatternFits) return 0;
-        if (status == kPatternTooLong && tryItem(d, second, 0) == kPatternFits) return 0;
-        blankToCapacity(call);
-        if (writeNlDateS(call, opaque) != 0) return starFill(call);
-        leftJustifyField(call);
-        return 0;
-    }
-
+// NLDATM and NLDATMAP: each pattern with fewer and fewer decimals, then the
+// numeric form.
+int32_t plainDatetime(FormatCall *call, void *opaque, int first, int second) {
+    DateCall d;
+    int32_t status = 0;
+    if (!openDateFormat(call, ValueKind::Datetime, &d, &status)) return status;
     status = trySeries(d, first);
     if (status == kPatternFits) return 0;
     if (status == kPatternTooLong && trySeries(d, second) == kPatternFits) return 0;
@@ -87,9 +92,9 @@ int32_t partialForm(FormatCall *call, ValueKind kind, int first, int second) {
 
 } // namespace
 
-int32_t writeNlDate(FormatCall *call, void *opaque) { return plainForm(call, opaque, ValueKind::Date, kItemDate, kItemDateSecond); }
-int32_t writeNlDatm(FormatCall *call, void *opaque) { return plainForm(call, opaque, ValueKind::Datetime, kItemDatetime, kItemDatetimeSecond); }
-int32_t writeNlDatmAP(FormatCall *call, void *opaque) { return plainForm(call, opaque, ValueKind::Datetime, kItemDatetimeAmPm, kItemDatetimeSecond); }
+int32_t writeNlDate(FormatCall *call, void *opaque) { return plainDate(call, opaque, kItemDate, kItemDateSecond); }
+int32_t writeNlDatm(FormatCall *call, void *opaque) { return plainDatetime(call, opaque, kItemDatetime, kItemDatetimeSecond); }
+int32_t writeNlDatmAP(FormatCall *call, void *opaque) { return plainDatetime(call, opaque, kItemDatetimeAmPm, kItemDatetimeSecond); }
 
 int32_t writeNlDateYM(FormatCall *call, void *) { return partialForm(call, ValueKind::Date, kItemYearMonth, kItemYearMonthSecond); }
 int32_t writeNlDatmYM(FormatCall *call, void *) { return partialForm(call, ValueKind::Datetime, kItemYearMonth, kItemYearMonthSecond); }

@@ -10,15 +10,8 @@ namespace zv {
 
 namespace {
 
-uint64_t wordOf(const void *bytes) {
-    uint64_t w;
-    std::memcpy(&w, bytes, sizeof w);
-    return w;
-}
-
-// The instance name and the key of a call pool, each as one 64-bit word.
-const uint64_t kInstanceName = wordOf("zvlocfmt");
-const uint64_t kCallPoolKey = wordOf(u"ZVRG");
+// The key of a call pool as one 64-bit word.
+const uint64_t kCallPoolKey = wordAt(u"ZVRG");
 
 constexpr int kCallPoolWord = 9;
 
@@ -26,16 +19,6 @@ constexpr int kCallPoolWord = 9;
 constexpr bool marksLastPlace(int32_t decimals) { return decimals == 98 || decimals == 99; }
 
 } // namespace
-
-ExtensionInstance *findInstance(const FormatCall *call) {
-    if (!call || !call->services || !call->services->extensionList) return nullptr;
-    for (ExtensionInstance **entry = call->services->extensionList; *entry; ++entry) {
-        const char *name = (*entry)->extensionName;
-        if (!name) continue;
-        if (wordOf(name) == kInstanceName) return *entry;
-    }
-    return nullptr;
-}
 
 int32_t starFill(FormatCall *call) {
     call->outputLength = call->width;
@@ -71,7 +54,7 @@ int32_t missingMarkHeld(FormatCall *call) {
 
 HostPool *callPoolOf(const FormatCall *call) {
     if (call->callPool) {
-        if (wordOf(call->callPool) == kCallPoolKey) {
+        if (wordAt(call->callPool) == kCallPoolKey) {
             HostPool *pool;
             std::memcpy(&pool, static_cast<const char *>(call->callPool) + 8 * kCallPoolWord,
                         sizeof pool);
@@ -79,29 +62,6 @@ HostPool *callPoolOf(const FormatCall *call) {
         }
     }
     return call->services ? call->services->formatPool : nullptr;
-}
-
-bool beginFormat(FormatCall *call, double low, double high, double *value, int32_t *status,
-                 ExtensionInstance **instance) {
-    ExtensionInstance *found = findInstance(call);
-    if (instance) *instance = found;
-    if (!found) {
-        *status = ZV_NO_INSTANCE;
-        return false;
-    }
-    const double v = inputValue(call);
-    call->outputLength = call->width;
-    *status = 0;
-    if (isMissing(v)) {
-        *status = missingMarkHeld(call);
-        return false;
-    }
-    if (!call->input || std::isnan(v) || v < low || v >= high) {
-        *status = starFill(call);
-        return false;
-    }
-    *value = v;
-    return true;
 }
 
 bool ensureLocaleBlock(FormatCall *call, ExtensionInstance *instance) {

@@ -14,8 +14,32 @@ namespace zv {
 // The host's anchor, left by zvextent or zvextver.
 extern HostAnchor *hostAnchor;
 
-// The instance named "zvlocfmt" in the call's extensionList, or null.
-ExtensionInstance *findInstance(const FormatCall *call);
+// Eight bytes at `bytes` as one 64-bit word.
+inline uint64_t wordAt(const void *bytes) {
+    uint64_t w;
+    std::memcpy(&w, bytes, sizeof w);
+    return w;
+}
+
+// The name of the module's instance as one 64-bit word, as wordAt reads
+// it on this little-endian machine.
+constexpr uint64_t kInstanceName = [] {
+    constexpr char kName[] = "zvlocfmt";
+    uint64_t w = 0;
+    for (int i = 7; i >= 0; --i) w = w << 8 | static_cast<unsigned char>(kName[i]);
+    return w;
+}();
+
+// The instance named "zvlocfmt" in the call's extensionList, or null. Every
+// call of every routine asks, so it stands here to be inlined.
+inline ExtensionInstance *findInstance(const FormatCall *call) {
+    if (!call || !call->services || !call->services->extensionList) return nullptr;
+    for (ExtensionInstance **entry = call->services->extensionList; *entry; ++entry) {
+        const char *name = (*entry)->extensionName;
+        if (name && wordAt(name) == kInstanceName) return *entry;
+    }
+    return nullptr;
+}
 
 // width copies of '*' from the start of output; outputLength = width; 0.
 // Like the missing mark below, it answers with the status 0 so that a
@@ -96,8 +120,28 @@ int32_t byteEntry(FormatCall *call, FormatCall *callPart, void *opaque) {
 // with its mark and a value outside [low, high) with stars. Returns true
 // when the routine should go on with `value`; otherwise *status holds the
 // answer and the call is done.
-bool beginFormat(FormatCall *call, double low, double high, double *value, int32_t *status,
-                 ExtensionInstance **instance);
+inline bool beginFormat(FormatCall *call, double low, double high, double *value, int32_t *status,
+                        ExtensionInstance **instance) {
+    ExtensionInstance *found = findInstance(call);
+    if (instance) *instance = found;
+    if (!found) {
+        *status = ZV_NO_INSTANCE;
+        return false;
+    }
+    const double v = inputValue(call);
+    call->outputLength = call->width;
+    *status = 0;
+    if (isMissing(v)) {
+        *status = missingMarkHeld(call);
+        return false;
+    }
+    if (!call->input || !(v >= low && v < high)) { // NaN fails both
+        *status = starFill(call);
+        return false;
+    }
+    *value = v;
+    return true;
+}
 
 // The limits that a routine honouring bit 0 of `flags` checks itself.
 struct FieldLimits {

@@ -107,16 +107,6 @@ int32_t smaller(int32_t a, int32_t b) { return std::min(a, b); }
 
 // ---- changing text in place ------------------------------------------------
 
-void fillWide(ZvChar *target, ZvChar c, int64_t count) {
-    if (!target) return;
-    // Four units a store while they last.
-    constexpr int64_t kUnitsPerWord = sizeof(uint64_t) / sizeof(ZvChar);
-    const uint64_t word = uint64_t{c} * 0x0001000100010001u;
-    int64_t i = 0;
-    for (; i + kUnitsPerWord <= count; i += kUnitsPerWord) std::memcpy(target + i, &word, sizeof word);
-    for (; i < count; ++i) target[i] = c;
-}
-
 // targetLength >= 0: the target is exactly that long and is blank-filled
 // behind the copy. targetLength < 0: a zero-ended target with room for
 // -1 - targetLength characters. A negative sourceLength copies nothing.

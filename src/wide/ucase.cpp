@@ -22,6 +22,9 @@ ZvChar fold(ZvChar c, const int8_t (*deltas)[128], const CasePair *pairs, int32_
 
 using HostCase = uint32_t (*)(NlsServices *, uint32_t, int32_t);
 
+constexpr ZvChar kAsciiLimit = 128;
+constexpr ZvChar kAsciiCaseBit = 0x20; // between an ASCII capital and its small letter
+
 void foldText(ZvChar *text, int64_t length, bool upper) {
     if (!text) return;
     NlsServices *nls = hostAnchor ? hostAnchor->nlsServices : nullptr;
@@ -29,7 +32,11 @@ void foldText(ZvChar *text, int64_t length, bool upper) {
     if (nls && nls->ops) hostCase = upper ? nls->ops->charUpper : nls->ops->charLower;
     for (int64_t i = 0; i < length; ++i) {
         const ZvChar c = text[i];
-        if (nls && c > 127) {
+        if (c < kAsciiLimit) {
+            // ASCII changes case only between A-Z and a-z, as the tables hold.
+            const bool flip = upper ? (c >= u'a' && c <= u'z') : (c >= u'A' && c <= u'Z');
+            if (flip) text[i] = static_cast<ZvChar>(c ^ kAsciiCaseBit);
+        } else if (nls) {
             if (hostCase) text[i] = static_cast<ZvChar>(hostCase(nls, c, 1));
         } else {
             text[i] = upper ? tableUpper(c) : tableLower(c);

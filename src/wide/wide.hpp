@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "zvlocfmt/zvlocfmt.h"
 
@@ -25,7 +26,43 @@ int64_t trailingTrimLength(const ZvChar *text, int64_t length, int mode);
 int32_t smaller(int32_t a, int32_t b);
 
 // ---- changing text in place ------------------------------------------------
-void fillWide(ZvChar *target, ZvChar c, int64_t count);
+// Inline: the formats blank their fields and copy their texts on every
+// call. Up to sixteen units take two stores of eight, or of four, the
+// second ending at the end, over units already written; longer runs go
+// eight units a store.
+constexpr int64_t kWideChunkUnits = 8;
+constexpr int64_t kWideWordUnits = 4;
+
+inline void fillWide(ZvChar *target, ZvChar c, int64_t count) {
+    if (!target) return;
+    if (count >= kWideChunkUnits) {
+        ZvChar chunk[kWideChunkUnits];
+        for (ZvChar &u : chunk) u = c;
+        int64_t i = 0;
+        for (; i + 2 * kWideChunkUnits <= count; i += kWideChunkUnits) std::memcpy(target + i, chunk, sizeof chunk);
+        std::memcpy(target + i, chunk, sizeof chunk);
+        std::memcpy(target + count - kWideChunkUnits, chunk, sizeof chunk);
+        return;
+    }
+    if (count >= kWideWordUnits) {
+        const uint64_t word = uint64_t{c} * 0x0001000100010001u;
+        std::memcpy(target, &word, sizeof word);
+        std::memcpy(target + count - kWideWordUnits, &word, sizeof word);
+        return;
+    }
+    for (int64_t i = 0; i < count; ++i) target[i] = c;
+}
+
+// count units from `from` to `to`, which must not overlap.
+inline void copyWide(ZvChar *to, const ZvChar *from, int64_t count) {
+    constexpr size_t kChunkBytes = kWideChunkUnits * sizeof(ZvChar);
+    if (count >= kWideChunkUnits && count <= 2 * kWideChunkUnits) {
+        std::memcpy(to, from, kChunkBytes);
+        std::memcpy(to + count - kWideChunkUnits, from + count - kWideChunkUnits, kChunkBytes);
+    } else if (count > 0) {
+        std::memcpy(to, from, size_t(count) * sizeof(ZvChar));
+    }
+}
 int64_t copyPadded(const ZvChar *source, int64_t sourceLength, ZvChar *target,
                    int64_t targetLength);
 void justify(ZvChar *text, int64_t length, ZvChar mode, int64_t *outLength, int64_t *outStart);

@@ -62,10 +62,13 @@ TEST(Kit, FindingAndTrimmingAgreeWithStdString) {
 TEST(Kit, FillCopyAndJustifyAgreeWithStdString) {
     std::mt19937 rng(3);
     for (int n = 0; n < 4000; ++n) {
-        const int64_t count = int64_t(rng() % 11) - 1;
+        const int64_t count = int64_t(rng() % 25) - 1;
         S buffer(24, u'#');
         zv::fillWide(buffer.data(), u'x', count);
         ASSERT_EQ(buffer, S(size_t(std::max<int64_t>(count, 0)), u'x') + S(size_t(24 - std::max<int64_t>(count, 0)), u'#'));
+        const S digits = u"0123456789012345678901234";
+        zv::copyWide(buffer.data(), digits.data() + 1, count);
+        ASSERT_EQ(buffer, digits.substr(1, size_t(std::max<int64_t>(count, 0))) + S(size_t(24 - std::max<int64_t>(count, 0)), u'#'));
 
         // A source of its own, or one that overlaps the target on either side of it.
         const S before = u"0123456789abcdefghijklmnop";

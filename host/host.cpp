@@ -62,6 +62,10 @@ private:
     std::atomic_flag held_;
 };
 
+// Counters are bumped from whatever thread runs a call; a column on one thread
+// and a column on another may both ask for character classes at once.
+void bump(int64_t &counter) { std::atomic_ref<int64_t>(counter).fetch_add(1, std::memory_order_relaxed); }
+
 // The most entries the events log keeps.
 constexpr size_t kMostEvents = size_t(1) << 16;
 
@@ -76,10 +80,13 @@ public:
         if (entries_.size() >= kMostEvents) return;
         entries_.push_back({kText, uint32_t(spelt_.size())});
         spelt_.push_back(std::move(text));
+        full_.store(entries_.size() >= kMostEvents, std::memory_order_relaxed);
     }
     void addTranscoderRelease(uint32_t from, uint32_t to) {
+        if (full_.load(std::memory_order_relaxed)) return; // the common case of a long run, without the lock
         std::lock_guard<SpinLock> guard(lock_);
         if (entries_.size() < kMostEvents) entries_.push_back({from, to});
+        full_.store(entries_.size() >= kMostEvents, std::memory_order_relaxed);
     }
     const std::vector<std::string> &texts() const {
         std::lock_guard<SpinLock> guard(lock_);
@@ -100,6 +107,7 @@ private:
     static constexpr uint32_t kText = UINT32_MAX; // no encoding has this id
     mutable SpinLock lock_; // pools and journals log from the thread that frees or closes
     std::vector<Entry> entries_;
+    std::atomic<bool> full_{false};
     std::vector<std::string> spelt_;
     mutable std::vector<std::string> texts_;
 };
@@ -286,7 +294,7 @@ constexpr size_t kMostLocales = 128;
 // Counts a call of an operation; true when the fault set for it strikes now.
 // Faults are for tests on one thread; the count may come from any.
 bool strikes(int64_t &fault, int64_t &calls) {
-    std::atomic_ref<int64_t>(calls).fetch_add(1, std::memory_order_relaxed);
+    bump(calls);
     return fault > 0 && --fault == 0;
 }
 
@@ -329,10 +337,6 @@ double zoneOffset(HostTimeZone *t, double seconds, int32_t) {
 const HostTimeZoneOps kZoneOps = {zoneOffset};
 
 char chrtabHandle = 0;
-
-// Counters are bumped from whatever thread runs a call; a column on one thread
-// and a column on another may both ask for character classes at once.
-void bump(int64_t &counter) { std::atomic_ref<int64_t>(counter).fetch_add(1, std::memory_order_relaxed); }
 
 } // namespace
 

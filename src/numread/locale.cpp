@@ -97,7 +97,7 @@ int32_t runPlain(FormatCall *call, const ReadText &text, int32_t (*plain)(Format
     call->input = text.c;
     call->inputLength = static_cast<int32_t>(text.n);
     call->width = static_cast<int32_t>(text.n);
-    if (findChar(text.c, text.n, u'.') < 0) call->decimals = 0;
+    if (call->decimals != 0 && findChar(text.c, text.n, u'.') < 0) call->decimals = 0;
     const int32_t status = plain(call);
     call->input = input;
     call->inputLength = inputLength;

@@ -39,12 +39,6 @@ int64_t wideLength(const ZvChar *text) {
     return n;
 }
 
-int64_t findChar(const ZvChar *text, int64_t length, ZvChar c) {
-    if (!text || length <= 0) return -1;
-    const ZvChar *at = std::find(text, text + length, c);
-    return at == text + length ? -1 : at - text;
-}
-
 // A negative patternLength means a zero-ended pattern.
 int64_t findSubstring(const ZvChar *text, int64_t length, const ZvChar *pattern,
                       int64_t patternLength) {

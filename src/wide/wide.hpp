@@ -13,7 +13,13 @@ namespace zv {
 
 // ---- finding ---------------------------------------------------------------
 int64_t wideLength(const ZvChar *text);
-int64_t findChar(const ZvChar *text, int64_t length, ZvChar c);
+// Inline: the readers look for a unit in short texts several times a call.
+inline int64_t findChar(const ZvChar *text, int64_t length, ZvChar c) {
+    if (!text) return -1;
+    for (int64_t i = 0; i < length; ++i)
+        if (text[i] == c) return i;
+    return -1;
+}
 int64_t findSubstring(const ZvChar *text, int64_t length, const ZvChar *pattern,
                       int64_t patternLength);
 int64_t firstOther(const ZvChar *text, int64_t length, ZvChar c);

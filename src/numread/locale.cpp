@@ -24,7 +24,10 @@ struct ReadText {
     void take(const FormatCall *call, int64_t length) {
         length = call->input ? std::max<int64_t>(std::min<int64_t>({length, call->width, kReadUnits}), 0) : 0;
         n = length;
-        if (n > 0) std::memcpy(c, call->input, size_t(n) * sizeof(ZvChar));
+        // Unit by unit: a block copy here would be a string move, whose
+        // stores the reads that follow at once would have to wait for.
+        const auto *in = static_cast<const ZvChar *>(call->input);
+        for (int64_t i = 0; i < n; ++i) c[i] = in[i];
     }
     void dropFront(int64_t count) {
         for (int64_t i = count; i < n; ++i) c[i - count] = c[i];

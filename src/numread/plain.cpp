@@ -84,7 +84,7 @@ bool takeText(FormatCall *call, PlainText &text, int32_t *status) {
         return false;
     }
     text.n = end - lead;
-    if (text.n > 0) std::memcpy(text.c, in + lead, size_t(text.n) * sizeof(ZvChar));
+    for (int64_t i = 0; i < text.n; ++i) text.c[i] = in[lead + i]; // short: a loop beats a call of memcpy
     if (text.n < 1) {
         *status = 0; // blank text reads as missing
         return false;

@@ -57,7 +57,7 @@ struct TextToken {
 };
 
 // The kind of a directive letter, or -1 when it is none.
-int32_t kindOfLetter(ZvChar c) {
+constexpr int32_t kindOfLetter(ZvChar c) {
     switch (c) {
     case u'Y': case u'y': return kYear;
     case u'B': case u'C': case u'O': case u'b': case u'm': case u'o': return kMonth;
@@ -74,7 +74,7 @@ int32_t kindOfLetter(ZvChar c) {
     }
 }
 
-ZvChar orderLetterOf(int32_t kind) {
+constexpr ZvChar orderLetterOf(int32_t kind) {
     switch (kind) {
     case kYear: return u'Y';
     case kMonth: return u'M';
@@ -218,6 +218,27 @@ struct PatternCut {
     static constexpr uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
 };
 
+// Behind a "%": the kind of directive a character gives (-1: none) and the
+// letter it adds to the field order (0: none). No character beyond ASCII is
+// a directive letter.
+struct LetterInfo {
+    int8_t kind;
+    uint8_t order;
+};
+struct LetterTable {
+    LetterInfo ascii[128];
+};
+constexpr LetterTable letterTable() {
+    LetterTable table{};
+    for (int i = 0; i < 128; ++i) {
+        const int32_t kind = kindOfLetter(static_cast<ZvChar>(i));
+        table.ascii[i] = LetterInfo{static_cast<int8_t>(kind), static_cast<uint8_t>(kind < 0 ? 0 : orderLetterOf(kind))};
+    }
+    return table;
+}
+constexpr LetterTable kLetters = letterTable();
+constexpr LetterInfo kNoLetter{-1, 0};
+
 // Cuts the pattern: blanks separate literals and match nothing themselves;
 // "%" and a directive letter give a field token; "%" with any other
 // character begins a literal. The counts are kept apart from the lists
@@ -248,13 +269,13 @@ void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
                 ++i;
                 continue;
             }
-            const int32_t kind = kindOfLetter(pattern[i + 1]);
-            if (kind >= 0) {
+            const ZvChar next = pattern[i + 1];
+            const LetterInfo letter = next < 128 ? kLetters.ascii[next] : kNoLetter;
+            if (letter.kind >= 0) {
                 // A directive beyond the limit is dropped but still names its field.
                 if (count + literalCount < kMaxTokens)
-                    cut.tokens[count++] = PatternToken{static_cast<int32_t>(i + 1), 1, kind};
-                const ZvChar letter = orderLetterOf(kind);
-                if (letter && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter;
+                    cut.tokens[count++] = PatternToken{static_cast<int32_t>(i + 1), 1, letter.kind};
+                if (letter.order && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter.order;
                 i += 2;
                 continue;
             }

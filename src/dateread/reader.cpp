@@ -232,7 +232,8 @@ constexpr LetterTable letterTable() {
     LetterTable table{};
     for (int i = 0; i < 128; ++i) {
         const int32_t kind = kindOfLetter(static_cast<ZvChar>(i));
-        table.ascii[i] = LetterInfo{static_cast<int8_t>(kind), static_cast<uint8_t>(kind < 0 ? 0 : orderLetterOf(kind))};
+        const ZvChar order = kind < 0 ? 0 : orderLetterOf(kind);
+        table.ascii[i] = LetterInfo{static_cast<int8_t>(kind), static_cast<uint8_t>(order)};
     }
     return table;
 }
@@ -722,11 +723,9 @@ int32_t storeResult(Fields f, const AmPm &amPm, double *outDate, double *outTime
         *outTime = dateComplete ? time : time + static_cast<double>(f.day) * kSecondsPerDay;
     }
     if (dateComplete) {
-        double code = ymdToYearDay(static_cast<double>(f.year), static_cast<double>(f.month),
-                                   static_cast<double>(f.day));
-        if (!isMissing(code)) code = yearDayToDayCount(code);
-        if (isMissing(code)) return kLocaleFormFailed;
-        *outDate = code;
+        const double days = dayCountOfDate(f.year, f.month, f.day);
+        if (isMissing(days)) return kLocaleFormFailed;
+        *outDate = days;
     }
     const bool timePartial = timeSeen && !(f.hourSeen && f.minuteSeen && f.secondSeen);
     return timePartial ? kLocaleFormPartialTime : kLocaleFormRead;

@@ -175,16 +175,16 @@ struct Reader {
 constexpr int32_t kUncheckedDigits = 9;
 constexpr int64_t tenTo(int32_t power) { return power == 0 ? 1 : 10 * tenTo(power - 1); }
 constexpr int64_t kUncheckedBelow = kFieldCeiling / tenTo(kUncheckedDigits);
-inline void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t count, int64_t *field) {
+inline int64_t addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t count, int64_t field) {
     const ZvChar *digits = text + tok.start + from;
-    int64_t value = *field;
+    int64_t value = field;
     if (value < kUncheckedBelow && count <= kUncheckedDigits) {
         for (int32_t i = 0; i < count; ++i) value = value * 10 + (digits[i] - u'0');
     } else {
         for (int32_t i = 0; i < count; ++i)
             if (value < kFieldCeiling) value = value * 10 + (digits[i] - u'0');
     }
-    *field = value;
+    return value;
 }
 
 // The marks that split a text where the pattern names the fields in the
@@ -584,7 +584,7 @@ struct Walk {
 inline int32_t takeDigits(const ZvChar *text, const TextToken &tok, int32_t most, int32_t offset, int64_t *field) {
     const int32_t rest = tok.length - offset;
     const bool more = rest > most;
-    addDigits(text, tok, offset, more ? most : rest, field);
+    *field = addDigits(text, tok, offset, more ? most : rest, *field);
     return more ? offset + most : 0;
 }
 
@@ -630,7 +630,7 @@ bool readClockField(const Reader &rd, const TextToken &tok, bool optional, Walk 
         if (w.offset == 0) --w.t;
         return true;
     }
-    addDigits(rd.text, tok, 0, tok.length, &field);
+    field = addDigits(rd.text, tok, 0, tok.length, field);
     seen = true;
     return true;
 }

@@ -698,8 +698,9 @@ bool walkFields(const Reader &rd, const ZvChar *pattern, const PatternCut &cut, 
 
 // Writes what was read. A time without a date carries whole days on, so a
 // lone day directive counts as days; with a date, the carry into the day
-// comes first and so can push it past the month.
-int32_t storeResult(Fields f, const AmPm &amPm, double *outDate, double *outTime) {
+// comes first and so can push it past the month. Kept out of line: run once
+// a pattern, it would only crowd the registers of the cutters' loops.
+[[gnu::noinline]] int32_t storeResult(Fields f, const AmPm &amPm, double *outDate, double *outTime) {
     const bool dateComplete = f.month != 0 && f.year != 0 && f.day != 0;
     const bool timeSeen = f.hourSeen || f.minuteSeen || f.secondSeen;
     if (!dateComplete && !timeSeen) return kLocaleFormRead;

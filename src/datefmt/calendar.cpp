@@ -76,17 +76,39 @@ HostClock readHostClock() {
     return HostClock{clock[0], clock[1]};
 }
 
+namespace {
+
+// A date in whole numbers as its year, two-digit years settled by the pivot,
+// and its day of the year; false when refused.
+bool settleDate(int64_t year, int64_t month, int64_t day, int64_t *settledYear, int64_t *dayOfYear) {
+    if (month < 1 || month > 12 || day < 1 || day > 31 || year < 0) return false;
+    if (year > kLastTwoDigitYear && !(year >= kFirstYear && year <= kLastYear)) return false;
+    int64_t y = year;
+    if (y <= kLastTwoDigitYear) y = settleTwoDigitYear(y, yearPivot(kCalendarYearPivot));
+    if (y < kFirstYear || y > kLastYear) return false;
+    const int m = static_cast<int>(month);
+    if (day > monthLength(m, y)) return false;
+    *settledYear = y;
+    *dayOfYear = kDaysBeforeMonth[size_t(leapFigure(y))][size_t(m - 1)] + day;
+    return true;
+}
+
+} // namespace
+
 double ymdToYearDay(double year, double month, double day) {
     if (!(month >= 1 && month <= 12) || !(day >= 1 && day <= 31) || !(year >= 0)) return missingValue();
     if (year > kLastTwoDigitYear && !(year >= kFirstYear && year <= kLastYear)) return missingValue();
-    int64_t y = static_cast<int64_t>(year);
-    const int m = static_cast<int>(month);
-    const int d = static_cast<int>(day);
-    if (y <= kLastTwoDigitYear) y = settleTwoDigitYear(y, yearPivot(kCalendarYearPivot));
-    if (y < kFirstYear || y > kLastYear) return missingValue();
-    if (d > monthLength(m, y)) return missingValue();
-    const int64_t before = kDaysBeforeMonth[size_t(leapFigure(y))][size_t(m - 1)];
-    return static_cast<double>(y * kYearDayBase + before + d);
+    // Inside these bounds the whole parts decide.
+    int64_t y, d;
+    if (!settleDate(static_cast<int64_t>(year), static_cast<int64_t>(month), static_cast<int64_t>(day), &y, &d))
+        return missingValue();
+    return static_cast<double>(y * kYearDayBase + d);
+}
+
+double dayCountOfDate(int64_t year, int64_t month, int64_t day) {
+    int64_t y, d;
+    if (!settleDate(year, month, day, &y, &d)) return missingValue();
+    return static_cast<double>(daysBefore(y) + d);
 }
 
 double yearDayToDayCount(double code) {

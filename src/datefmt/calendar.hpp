@@ -161,6 +161,8 @@ inline CivilDate civilOf(int64_t dayNumber) {
 
 double ymdToYearDay(double year, double month, double day);
 double yearDayToDayCount(double code);
+// yearDayToDayCount of ymdToYearDay, for a date in whole numbers.
+double dayCountOfDate(int64_t year, int64_t month, int64_t day);
 int32_t yearDayToYmd(double *year, double *month, double *day, double code);
 double dayCountToYearDay(double days);
 double weekdayOf(double days);

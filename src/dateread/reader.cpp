@@ -57,7 +57,7 @@ struct TextToken {
 };
 
 // The kind of a directive letter, or -1 when it is none.
-int32_t kindOfLetter(ZvChar c) {
+constexpr int32_t kindOfLetter(ZvChar c) {
     switch (c) {
     case u'Y': case u'y': return kYear;
     case u'B': case u'C': case u'O': case u'b': case u'm': case u'o': return kMonth;
@@ -74,7 +74,7 @@ int32_t kindOfLetter(ZvChar c) {
     }
 }
 
-ZvChar orderLetterOf(int32_t kind) {
+constexpr ZvChar orderLetterOf(int32_t kind) {
     switch (kind) {
     case kYear: return u'Y';
     case kMonth: return u'M';
@@ -175,16 +175,16 @@ struct Reader {
 constexpr int32_t kUncheckedDigits = 9;
 constexpr int64_t tenTo(int32_t power) { return power == 0 ? 1 : 10 * tenTo(power - 1); }
 constexpr int64_t kUncheckedBelow = kFieldCeiling / tenTo(kUncheckedDigits);
-inline void addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t count, int64_t *field) {
+inline int64_t addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t count, int64_t field) {
     const ZvChar *digits = text + tok.start + from;
-    int64_t value = *field;
+    int64_t value = field;
     if (value < kUncheckedBelow && count <= kUncheckedDigits) {
         for (int32_t i = 0; i < count; ++i) value = value * 10 + (digits[i] - u'0');
     } else {
         for (int32_t i = 0; i < count; ++i)
             if (value < kFieldCeiling) value = value * 10 + (digits[i] - u'0');
     }
-    *field = value;
+    return value;
 }
 
 // The marks that split a text where the pattern names the fields in the
@@ -218,6 +218,28 @@ struct PatternCut {
     static constexpr uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
 };
 
+// Behind a "%": the kind of directive a character gives (-1: none) and the
+// letter it adds to the field order (0: none). No character beyond ASCII is
+// a directive letter.
+struct LetterInfo {
+    int8_t kind;
+    uint8_t order;
+};
+struct LetterTable {
+    LetterInfo ascii[128];
+};
+constexpr LetterTable letterTable() {
+    LetterTable table{};
+    for (int i = 0; i < 128; ++i) {
+        const int32_t kind = kindOfLetter(static_cast<ZvChar>(i));
+        const ZvChar order = kind < 0 ? 0 : orderLetterOf(kind);
+        table.ascii[i] = LetterInfo{static_cast<int8_t>(kind), static_cast<uint8_t>(order)};
+    }
+    return table;
+}
+constexpr LetterTable kLetters = letterTable();
+constexpr LetterInfo kNoLetter{-1, 0};
+
 // Cuts the pattern: blanks separate literals and match nothing themselves;
 // "%" and a directive letter give a field token; "%" with any other
 // character begins a literal. The counts are kept apart from the lists
@@ -248,13 +270,13 @@ void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
                 ++i;
                 continue;
             }
-            const int32_t kind = kindOfLetter(pattern[i + 1]);
-            if (kind >= 0) {
+            const ZvChar next = pattern[i + 1];
+            const LetterInfo letter = next < 128 ? kLetters.ascii[next] : kNoLetter;
+            if (letter.kind >= 0) {
                 // A directive beyond the limit is dropped but still names its field.
                 if (count + literalCount < kMaxTokens)
-                    cut.tokens[count++] = PatternToken{static_cast<int32_t>(i + 1), 1, kind};
-                const ZvChar letter = orderLetterOf(kind);
-                if (letter && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter;
+                    cut.tokens[count++] = PatternToken{static_cast<int32_t>(i + 1), 1, letter.kind};
+                if (letter.order && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter.order;
                 i += 2;
                 continue;
             }
@@ -562,7 +584,7 @@ struct Walk {
 inline int32_t takeDigits(const ZvChar *text, const TextToken &tok, int32_t most, int32_t offset, int64_t *field) {
     const int32_t rest = tok.length - offset;
     const bool more = rest > most;
-    addDigits(text, tok, offset, more ? most : rest, field);
+    *field = addDigits(text, tok, offset, more ? most : rest, *field);
     return more ? offset + most : 0;
 }
 
@@ -608,7 +630,7 @@ bool readClockField(const Reader &rd, const TextToken &tok, bool optional, Walk 
         if (w.offset == 0) --w.t;
         return true;
     }
-    addDigits(rd.text, tok, 0, tok.length, &field);
+    field = addDigits(rd.text, tok, 0, tok.length, field);
     seen = true;
     return true;
 }
@@ -676,8 +698,9 @@ bool walkFields(const Reader &rd, const ZvChar *pattern, const PatternCut &cut, 
 
 // Writes what was read. A time without a date carries whole days on, so a
 // lone day directive counts as days; with a date, the carry into the day
-// comes first and so can push it past the month.
-int32_t storeResult(Fields f, const AmPm &amPm, double *outDate, double *outTime) {
+// comes first and so can push it past the month. Kept out of line: run once
+// a pattern, it would only crowd the registers of the cutters' loops.
+[[gnu::noinline]] int32_t storeResult(Fields f, const AmPm &amPm, double *outDate, double *outTime) {
     const bool dateComplete = f.month != 0 && f.year != 0 && f.day != 0;
     const bool timeSeen = f.hourSeen || f.minuteSeen || f.secondSeen;
     if (!dateComplete && !timeSeen) return kLocaleFormRead;
@@ -701,11 +724,9 @@ int32_t storeResult(Fields f, const AmPm &amPm, double *outDate, double *outTime
         *outTime = dateComplete ? time : time + static_cast<double>(f.day) * kSecondsPerDay;
     }
     if (dateComplete) {
-        double code = ymdToYearDay(static_cast<double>(f.year), static_cast<double>(f.month),
-                                   static_cast<double>(f.day));
-        if (!isMissing(code)) code = yearDayToDayCount(code);
-        if (isMissing(code)) return kLocaleFormFailed;
-        *outDate = code;
+        const double days = dayCountOfDate(f.year, f.month, f.day);
+        if (isMissing(days)) return kLocaleFormFailed;
+        *outDate = days;
     }
     const bool timePartial = timeSeen && !(f.hourSeen && f.minuteSeen && f.secondSeen);
     return timePartial ? kLocaleFormPartialTime : kLocaleFormRead;

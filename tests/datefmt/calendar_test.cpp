@@ -35,6 +35,7 @@ TEST(Calendar, EveryDayOfTheRange) {
                                 c.weekday + 1 == weekday && zv::dayCountToYearDay(day) == code && zv::yearDayToDayCount(code) == day &&
                                 zv::weekdayOf(day) == weekday && y == year && mm == m && dd == d &&
                                 zv::ymdToYearDay(double(year), m, d) == code &&
+                                zv::dayCountOfDate(year, m, d) == day &&
                                 (year >= 4000 || day == dt::civilDays(year, m, d));
                 if (!ok && ++failures <= 5) ADD_FAILURE() << year << "-" << m << "-" << d << " day " << day;
             }
@@ -56,6 +57,19 @@ TEST(Calendar, Refusals) {
     EXPECT_EQ(zv::ymdToYearDay(2024.9, 3.7, 5.2), 2024065);
     double y, m, d;
     EXPECT_TRUE(zv::yearDayToYmd(&y, &m, &d, 1581001) == 0 && isMissing(y) && isMissing(m) && isMissing(d));
+}
+
+// Whole-number dates, refused ones and two-digit years among them, give what the double path gives.
+TEST(Calendar, DatesInWholeNumbersAsThePathOverYearDays) {
+    int failures = 0;
+    for (int64_t y : {-1LL, 0LL, 49LL, 50LL, 99LL, 100LL, 1581LL, 1582LL, 1900LL, 2000LL, 2024LL, 4000LL, 20000LL,
+                      20001LL, 1000000000000LL})
+        for (int64_t m = 0; m <= 13; ++m)
+            for (int64_t d = 0; d <= 32; ++d) {
+                const double twoSteps = zv::yearDayToDayCount(zv::ymdToYearDay(double(y), double(m), double(d)));
+                if (zv::bitsOf(zv::dayCountOfDate(y, m, d)) != zv::bitsOf(twoSteps) && ++failures <= 5)
+                    ADD_FAILURE() << y << "-" << m << "-" << d;
+            }
 }
 
 TEST(Calendar, SecondCounts) {

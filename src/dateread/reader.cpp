@@ -374,9 +374,16 @@ struct CutRules {
     bool mayBeginLiteral(ZvChar c) const { return (firsts & foldedBitOf(c)) != 0; }
 };
 
+// Texts longer than this are looked at for literals as far as the token
+// list goes: the cutting stops when the list is full, and a scan from the
+// far end of a long text would cost more than the whole cut.
+constexpr int64_t kMostUnitsScannedForLooks = 4 * kMaxTokens;
+
 // Behind the last character of the text that might begin a literal whose
-// first character has a bit in `bits`; 0 when none might.
+// first character has a bit in `bits`; 0 when none might. A long text is
+// taken to have one at its end.
 int64_t endOfMayBegin(const ZvChar *text, int64_t length, uint64_t bits) {
+    if (length > kMostUnitsScannedForLooks) return length;
     while (length > 0 && !(bits & foldedBitOf(text[length - 1]))) --length;
     return length;
 }

@@ -77,12 +77,22 @@ py::tuple formatColumn(const std::string &row, py::array_t<double, py::array::c_
             status[i] = c->format(asValue(in[i]));
             const std::u16string_view text = c->text();
             char32_t *field = out + i * units;
-            size_t k = 0;
-            for (size_t j = 0; j < text.size() && k < units; ++j) {
-                char32_t u = text[j];
-                if (u >= 0xD800 && u < 0xDC00 && j + 1 < text.size() && text[j + 1] >= 0xDC00 && text[j + 1] < 0xE000)
-                    u = 0x10000 + ((u - 0xD800) << 10) + (text[++j] - 0xDC00);
-                field[k++] = u;
+            // Most texts hold no surrogate: each unit is a character, widened as it stands.
+            size_t k = std::min(text.size(), units);
+            bool surrogates = false;
+            for (size_t j = 0; j < k; ++j) {
+                field[j] = text[j];
+                surrogates |= text[j] >= 0xD800 && text[j] < 0xE000;
+            }
+            if (surrogates) {
+                k = 0;
+                for (size_t j = 0; j < text.size() && k < units; ++j) {
+                    char32_t u = text[j];
+                    if (u >= 0xD800 && u < 0xDC00 && j + 1 < text.size() && text[j + 1] >= 0xDC00 &&
+                        text[j + 1] < 0xE000)
+                        u = 0x10000 + ((u - 0xD800) << 10) + (text[++j] - 0xDC00);
+                    field[k++] = u;
+                }
             }
             std::fill(field + k, field + units, U'\0');
         }

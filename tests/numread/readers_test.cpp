@@ -80,7 +80,14 @@ TEST_F(Readers, PlainReadersAgreeWithStrtod) {
 TEST_F(Readers, LocaleForms) {
     const Items german = {{172, ","}, {173, "."}, {157, ","}, {158, "."}}, krona = {{156, "kr."}, {155, "SEK"}};
     const double missing = std::bit_cast<double>(ZV_MISSING_BITS), untouched = -7;
-    struct Case { const char *row, *text; Items changes; int32_t status; double value; int width = 32; } const cases[] = {
+    struct Case {
+        const char *row, *text;
+        Items changes;
+        int32_t status;
+        double value;
+        int width = 32;
+        bool validate = false;
+    } const cases[] = {
         {"@NLNUM", "1.234,56", german, 0, 1234.56}, {"@NLNUM", ",", german, 1, missing},
         {"@NLNUM", "1 234 567,5", {{172, ","}, {173, " "}}, 0, 1234567.5},
         {"@NLNUM", "1\u066c234\u066b5", {{172, "<U066B>"}, {173, "<U066C>"}}, 0, 1234.5},
@@ -90,6 +97,7 @@ TEST_F(Readers, LocaleForms) {
         {"@NLNUM", "12-", {}, 0, -12}, {"@NLNUM", "(12)", {{182, "0"}}, 0, -12},
         {"@NLNUM", "(12)", {{181, "0"}}, 0, 12}, {"@NLNUM", "\u200f-12", {{176, "<U200F>-"}}, 0, -12},
         {"@NLNUM", "+12+", {{175, "+"}}, 1, missing}, {"@NLNUM", "()", {{181, "0"}}, 0, missing},
+        {"@NLNUM", "()", {{181, "0"}}, 1, untouched, 32, true}, // nothing left: the plain reader refuses a width of 0
         {"@NLNUM", "1\u066b5", {{172, "<U066B>"}}, 0, 1, 3}, // three bytes of UTF-8 in a width of 3
         {"@NLMNY", "-$1,234.50", {}, 0, -1234.5}, {"@NLMNY", "$12-50", {}, 0, -1250},
         {"@NLMNY", "($12.50) ", {{169, "0"}}, 0, -12.5}, {"@NLMNY", "-$", {}, 1, missing},
@@ -112,7 +120,7 @@ TEST_F(Readers, LocaleForms) {
         zvhost::Host own; // the money record is made once for an instance
         ASSERT_NE(own.loadModule(), nullptr);
         zvhost::CallSpec spec;
-        spec.items = numtest::baseItems(c.changes), spec.decimals = 2, spec.width = c.width;
+        spec.items = numtest::baseItems(c.changes), spec.decimals = 2, spec.width = c.width, spec.validate = c.validate;
         const zvhost::ReadResult r = zvhost::runInformat(own, *zvhost::findRow(own.instance()->formatTable, c.row), spec, c.text);
         EXPECT_EQ(r.status, c.status) << c.row << " [" << c.text << "]";
         EXPECT_EQ(r.untouched ? std::bit_cast<uint64_t>(untouched) : r.bits, std::bit_cast<uint64_t>(c.value))

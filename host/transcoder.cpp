@@ -259,10 +259,8 @@ Encoded encodeSimple(uint32_t to, const UChar *mid, size_t length, uint8_t *targ
     return e;
 }
 
-// The bits that are clear in four ASCII units of UTF-16 read as one word
-// (on a little-endian machine, the only kind the direct roads serve).
-constexpr uint64_t kNotAscii4 = 0xFF80FF80FF80FF80ull;
-constexpr int16_t kNotAscii = int16_t(0xFF80); // the same bits in one unit
+// The bits that are clear in an ASCII unit of UTF-16.
+constexpr int16_t kNotAscii = int16_t(0xFF80);
 
 // UTF-16 -> UTF-8 by hand, whole characters only; a lone surrogate can't
 // be shown.
@@ -280,12 +278,6 @@ Encoded encodeUtf8(const UChar *mid, size_t length, uint8_t *target, size_t capa
              i += 8, w += 8)
             _mm_storel_epi64(reinterpret_cast<__m128i *>(target + w), _mm_packus_epi16(u, u));
 #endif
-        // Four units a word while they are all ASCII, then one at a time.
-        for (uint64_t word; i + 4 <= room && (std::memcpy(&word, mid + i, 8), (word & kNotAscii4) == 0); i += 4, w += 4) {
-            const uint32_t bytes = uint32_t(word & 0xFF) | uint32_t(word >> 8 & 0xFF00) |
-                                   uint32_t(word >> 16 & 0xFF0000) | uint32_t(word >> 24 & 0xFF000000);
-            std::memcpy(target + w, &bytes, 4);
-        }
         while (i < room && mid[i] < 0x80) target[w++] = uint8_t(mid[i++]);
         e.written = w;
         if (i == length) break;

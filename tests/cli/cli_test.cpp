@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <random>
@@ -38,7 +39,9 @@ Run shell(const std::string &script, const std::string &input = "") {
     std::ofstream(base + ".in", std::ios::binary) << input;
     std::ofstream(base + ".sh", std::ios::binary) << script << "\n";
     const int status = std::system(("sh " + base + ".sh <" + base + ".in >" + base + ".out 2>" + base + ".err").c_str());
-    return {WEXITSTATUS(status), slurp(base + ".out"), slurp(base + ".err")};
+    Run r{WEXITSTATUS(status), slurp(base + ".out"), slurp(base + ".err")};
+    for (const char *end : {".in", ".sh", ".out", ".err"}) std::remove((base + end).c_str());
+    return r;
 }
 
 // ZVFMT_PATH with the arguments, in the environment `env` (by default the C locale).
@@ -415,7 +418,7 @@ TEST(Jsonl, EveryLineIsAnswered) {
 // Each answer is written before the next request comes; timeZone, options
 // and clock hold for their own request only; unknown fields are warned about.
 TEST(Jsonl, AnswersAtOnceAndPutsStateBack) {
-    const std::string out = ::testing::TempDir() + "zvfmt_cli_coprocess.out";
+    const std::string out = ::testing::TempDir() + "zvfmt_cli_coprocess_" + std::to_string(getpid()) + ".out";
     std::remove(out.c_str());
     FILE *in = popen((std::string(ZVFMT_PATH) + " --jsonl >" + out).c_str(), "w");
     const std::string zoned = R"({"name": "NLDATMTZ", "width": 40, "value": "2024-07-05T14:07:09")";
@@ -433,6 +436,7 @@ TEST(Jsonl, AnswersAtOnceAndPutsStateBack) {
     }
     EXPECT_EQ(pclose(in), 0);
     const auto a = lines(slurp(out));
+    std::remove(out.c_str());
     EXPECT_NE(a[2], a[0]);
     EXPECT_NE(a[3], a[1]);
     EXPECT_EQ(a[4], a[0]);

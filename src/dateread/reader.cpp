@@ -6,6 +6,7 @@
 
 #include "datefmt/calendar.hpp"
 #include "dateread/dateread.hpp"
+#include "dateread/pattern_cut.hpp"
 #include "frame/frame.hpp"
 #include "locale/block.hpp"
 #include "wide/ascii.hpp"
@@ -15,32 +16,10 @@ namespace zv {
 
 namespace {
 
-constexpr int kMaxTokens = 64;
+constexpr int kMaxTokens = kMaxPatternTokens;
 constexpr int64_t kFoldRoom = 160;
-constexpr int kOrderLetters = 3; // Y, M and D, as item 6 holds them
 // Digits beyond this keep a field from growing: no field has a use for it.
 constexpr int64_t kFieldCeiling = 1000000000000LL;
-
-enum Kind : int32_t {
-    kLiteral = 0,
-    kYear = 1,
-    kMonth = 2,
-    kDay = 3,
-    kHour12 = 4,
-    kHour24 = 5,
-    kMinute = 6,
-    kSecond = 7,
-    kQuarter = 8,
-    kWeekday = 9,
-    kAmPm = 10,
-    kIgnored = 11,
-};
-
-struct PatternToken {
-    int32_t start;
-    int32_t length;
-    int32_t kind;
-};
 
 // What a text token holds; a token changes where digits meet other characters.
 enum TokenClass : int32_t {
@@ -55,33 +34,6 @@ struct TextToken {
     TokenClass cls;
     int32_t used; // nonzero: taken by an AM or PM mark
 };
-
-// The kind of a directive letter, or -1 when it is none.
-constexpr int32_t kindOfLetter(ZvChar c) {
-    switch (c) {
-    case u'Y': case u'y': return kYear;
-    case u'B': case u'C': case u'O': case u'b': case u'm': case u'o': return kMonth;
-    case u'E': case u'd': case u'e': return kDay;
-    case u'I': return kHour12;
-    case u'H': return kHour24;
-    case u'M': return kMinute;
-    case u'S': return kSecond;
-    case u'Q': case u'q': return kQuarter;
-    case u'A': case u'F': case u'a': case u'u': case u'w': return kWeekday;
-    case u'p': return kAmPm;
-    case u'G': case u'U': case u'V': case u'W': case u'Z': case u'j': return kIgnored;
-    default: return -1;
-    }
-}
-
-constexpr ZvChar orderLetterOf(int32_t kind) {
-    switch (kind) {
-    case kYear: return u'Y';
-    case kMonth: return u'M';
-    case kDay: return u'D';
-    default: return 0;
-    }
-}
 
 // n characters of each side, folded to upper case, compared.
 bool sameFolded(const ZvChar *a, const ZvChar *b, int64_t n) {
@@ -187,110 +139,7 @@ inline int64_t addDigits(const ZvChar *text, const TextToken &tok, int32_t from,
     return value;
 }
 
-// The marks that split a text where the pattern names the fields in the
-// locale's order.
-constexpr bool isSeparator(ZvChar c) { return c == u'.' || c == u'-' || c == u':' || c == u'/'; }
-
 // ---- the pattern's tokens ---------------------------------------------------
-
-// The pattern cut into tokens, with the date fields in the order it names
-// them (up to three of Y, M and D; blanks for the rest). The directives and
-// the literals are kept in two lists: the walk takes only the directives,
-// the text cutter looks only for the literals. Together they count against
-// the limit of tokens.
-struct PatternCut {
-    PatternToken tokens[kMaxTokens]; // the directives
-    int32_t count = 0;
-    ZvChar order[kOrderLetters] = {u' ', u' ', u' '};
-    int orderCount = 0;
-    // Each literal with the count of directives before it. The first
-    // character of each, folded, also stands in a bit set by its low bits,
-    // so that most characters of a text are passed over at once.
-    struct Literal {
-        int32_t start, length, fieldsBefore;
-        ZvChar first; // folded
-    };
-    Literal literals[kMaxTokens];
-    int32_t literalCount = 0;
-    uint64_t firsts = 0;
-    uint64_t otherFirsts = 0; // of the literals other than one separator
-
-    static constexpr uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
-};
-
-// Behind a "%": the kind of directive a character gives (-1: none) and the
-// letter it adds to the field order (0: none). No character beyond ASCII is
-// a directive letter.
-struct LetterInfo {
-    int8_t kind;
-    uint8_t order;
-};
-struct LetterTable {
-    LetterInfo ascii[128];
-};
-constexpr LetterTable letterTable() {
-    LetterTable table{};
-    for (int i = 0; i < 128; ++i) {
-        const int32_t kind = kindOfLetter(static_cast<ZvChar>(i));
-        const ZvChar order = kind < 0 ? 0 : orderLetterOf(kind);
-        table.ascii[i] = LetterInfo{static_cast<int8_t>(kind), static_cast<uint8_t>(order)};
-    }
-    return table;
-}
-constexpr LetterTable kLetters = letterTable();
-constexpr LetterInfo kNoLetter{-1, 0};
-
-// Cuts the pattern: blanks separate literals and match nothing themselves;
-// "%" and a directive letter give a field token; "%" with any other
-// character begins a literal. The counts are kept apart from the lists
-// while the pattern is walked, and stored at the end.
-void cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCut &cut) {
-    int32_t count = 0, literalCount = 0;
-    uint64_t firsts = 0, otherFirsts = 0;
-    auto storeLiteral = [&](int64_t start, int64_t end) {
-        if (count + literalCount >= kMaxTokens) return;
-        const ZvChar first = foldUpperChar(pattern[start]);
-        cut.literals[literalCount++] =
-            PatternCut::Literal{static_cast<int32_t>(start), static_cast<int32_t>(end - start), count, first};
-        firsts |= PatternCut::firstBit(first);
-        // A separator folds to itself.
-        if (end - start != 1 || !isSeparator(first)) otherFirsts |= PatternCut::firstBit(first);
-    };
-    for (int64_t i = 0; i < patternLength;) {
-        const ZvChar c = pattern[i];
-        if (c == u' ') {
-            ++i;
-            continue;
-        }
-        int64_t end = i + 1; // where the literal that begins here has run so far
-        if (c == u'%') {
-            // A "%" at the end, or the first of "%%", is a literal of its own.
-            if (i == patternLength - 1 || pattern[i + 1] == u'%') {
-                storeLiteral(i, i + 1);
-                ++i;
-                continue;
-            }
-            const ZvChar next = pattern[i + 1];
-            const LetterInfo letter = next < 128 ? kLetters.ascii[next] : kNoLetter;
-            if (letter.kind >= 0) {
-                // A directive beyond the limit is dropped but still names its field.
-                if (count + literalCount < kMaxTokens)
-                    cut.tokens[count++] = PatternToken{static_cast<int32_t>(i + 1), 1, letter.kind};
-                if (letter.order && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter.order;
-                i += 2;
-                continue;
-            }
-            end = i + 2; // "%" and the character behind it begin a literal
-        }
-        while (end < patternLength && pattern[end] != u' ' && pattern[end] != u'%') ++end;
-        storeLiteral(i, end);
-        i = end;
-    }
-    cut.count = count;
-    cut.literalCount = literalCount;
-    cut.firsts = firsts;
-    cut.otherFirsts = otherFirsts;
-}
 
 // Does the pattern name its date fields in the locale's own order? A
 // pattern without any date field does.
@@ -410,11 +259,11 @@ CutRules rulesFor(const PatternCut &cut, bool separatorsSplit, const ZvChar *tex
 // change of class: a literal is looked for only where the tokens seen so
 // far, give or take those, line up with the fields before it.
 int64_t literalAt(const Reader &rd, int64_t cursor, int32_t n, int32_t splits, bool open, ZvChar folded,
-                  const ZvChar *pattern, const PatternCut &cut) {
+                  const PatternCut &cut) {
     const int32_t seen = n + (open ? 1 : 0);
     const int32_t low = seen - splits, high = seen + splits;
     for (int32_t k = 0; k < cut.literalCount; ++k) {
-        const PatternCut::Literal &pt = cut.literals[k];
+        const PatternLiteral &pt = cut.literals[k];
         if (pt.fieldsBefore < low) continue;
         if (pt.fieldsBefore > high) return -1;
         if (pt.first != folded) continue;
@@ -422,7 +271,7 @@ int64_t literalAt(const Reader &rd, int64_t cursor, int32_t n, int32_t splits, b
         // the text has left.
         const int64_t len = pt.length;
         const int64_t span = std::min(std::min<int64_t>(len, rd.textLength - cursor), kFoldRoom);
-        if (span <= 1 || sameFolded(rd.text + cursor + 1, pattern + pt.start + 1, span - 1)) return len;
+        if (span <= 1 || sameFolded(rd.text + cursor + 1, cut.pattern + pt.start + 1, span - 1)) return len;
     }
     return -1;
 }
@@ -477,7 +326,7 @@ void cutPlainText(Reader &rd, const CutRules &rules) {
 
 // Cuts the text at blanks, at the pattern's literals, at separators (where
 // the rules make them split) and where digits meet other characters.
-void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const CutRules &given) {
+void cutText(Reader &rd, const PatternCut &cut, const CutRules &given) {
     if (given.firsts == 0) {
         cutPlainText(rd, given);
         return;
@@ -501,7 +350,7 @@ void cutText(Reader &rd, const ZvChar *pattern, const PatternCut &cut, const Cut
         if (cursor >= rules.looksEnd) rules.firsts = 0;
         if (rules.mayBeginLiteral(c)) {
             const ZvChar folded = foldUpperChar(c);
-            const int64_t literal = literalAt(rd, cursor, n, splits, start < cursor, folded, pattern, cut);
+            const int64_t literal = literalAt(rd, cursor, n, splits, start < cursor, folded, cut);
             if (literal >= 0) {
                 if (start < cursor) store(cursor);
                 cursor += literal;
@@ -669,7 +518,7 @@ bool nextToken(const Reader &rd, Walk &w, bool *failed) {
 }
 
 // Walks the directives over the text tokens. False: failure.
-bool walkFields(const Reader &rd, const ZvChar *pattern, const PatternCut &cut, bool orderMatches, Fields &f) {
+bool walkFields(const Reader &rd, const PatternCut &cut, bool orderMatches, Fields &f) {
     Walk w;
     for (int32_t k = 0; k < cut.count; ++k) {
         const PatternToken &pt = cut.tokens[k];
@@ -681,7 +530,7 @@ bool walkFields(const Reader &rd, const ZvChar *pattern, const PatternCut &cut, 
         const TextToken &tok = rd.tokens[w.t];
         bool ok = true;
         switch (pt.kind) {
-        case kYear: ok = readYear(rd, tok, pattern[pt.start], orderMatches, w, f); break;
+        case kYear: ok = readYear(rd, tok, cut.pattern[pt.start], orderMatches, w, f); break;
         case kMonth: ok = readMonth(rd, tok, w, f); break;
         case kDay: ok = readDay(rd, tok, w, f); break;
         case kHour12:
@@ -748,18 +597,18 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
     patternLength = pattern ? std::max<int64_t>(patternLength, 0) : 0;
     const LocaleBlock *block = call->localeBlock;
 
-    PatternCut cut;
-    cutPattern(pattern, patternLength, cut);
+    PatternCutRoom room;
+    const PatternCut &cut = preparedPattern(pattern, patternLength, room);
     // The locale's order decides whether separators split a text and how
     // strict years are.
     const bool orderMatches = orderMatchesLocale(block, cut);
 
     Reader rd(block, text, textLength);
-    cutText(rd, pattern, cut, rulesFor(cut, orderMatches && !isHebrew(block), text, textLength));
+    cutText(rd, cut, rulesFor(cut, orderMatches && !isHebrew(block), text, textLength));
     const AmPm amPm = findAmPm(rd);
 
     Fields fields;
-    if (!walkFields(rd, pattern, cut, orderMatches, fields)) return kLocaleFormFailed;
+    if (!walkFields(rd, cut, orderMatches, fields)) return kLocaleFormFailed;
     return storeResult(fields, amPm, outDate, outTime);
 }
 

@@ -1,0 +1,222 @@
+// Cutting a locale %-pattern for the date reader, and the store that keeps
+// each cut by its text.
+#include "dateread/pattern_cut.hpp"
+
+#include <atomic>
+#include <cstddef>
+#include <cstring>
+#include <new>
+
+#include "wide/wide.hpp"
+
+namespace zv {
+
+namespace {
+
+// The kind of a directive letter, or -1 when it is none.
+constexpr int32_t kindOfLetter(ZvChar c) {
+    switch (c) {
+    case u'Y': case u'y': return kYear;
+    case u'B': case u'C': case u'O': case u'b': case u'm': case u'o': return kMonth;
+    case u'E': case u'd': case u'e': return kDay;
+    case u'I': return kHour12;
+    case u'H': return kHour24;
+    case u'M': return kMinute;
+    case u'S': return kSecond;
+    case u'Q': case u'q': return kQuarter;
+    case u'A': case u'F': case u'a': case u'u': case u'w': return kWeekday;
+    case u'p': return kAmPm;
+    case u'G': case u'U': case u'V': case u'W': case u'Z': case u'j': return kIgnored;
+    default: return -1;
+    }
+}
+
+constexpr ZvChar orderLetterOf(int32_t kind) {
+    switch (kind) {
+    case kYear: return u'Y';
+    case kMonth: return u'M';
+    case kDay: return u'D';
+    default: return 0;
+    }
+}
+
+// Behind a "%": the kind of directive a character gives (-1: none) and the
+// letter it adds to the field order (0: none). No character beyond ASCII is
+// a directive letter.
+struct LetterInfo {
+    int8_t kind;
+    uint8_t order;
+};
+struct LetterTable {
+    LetterInfo ascii[128];
+};
+constexpr LetterTable letterTable() {
+    LetterTable table{};
+    for (int i = 0; i < 128; ++i) {
+        const int32_t kind = kindOfLetter(static_cast<ZvChar>(i));
+        const ZvChar order = kind < 0 ? 0 : orderLetterOf(kind);
+        table.ascii[i] = LetterInfo{static_cast<int8_t>(kind), static_cast<uint8_t>(order)};
+    }
+    return table;
+}
+constexpr LetterTable kLetters = letterTable();
+constexpr LetterInfo kNoLetter{-1, 0};
+
+// ---- the store ---------------------------------------------------------------------
+
+// An entry is written once, before it is published, and never changed:
+// readers need no lock. Its lists and its copy of the text follow it.
+struct Entry {
+    uint64_t hash;
+    int64_t length;
+    PatternCut cut;
+};
+
+constexpr int kStoreSlots = 1024; // a power of two
+constexpr int kMostProbes = 8;
+// Patterns longer than an item's text are cut at each call.
+constexpr int64_t kMostStoredUnits = 160;
+
+alignas(alignof(std::max_align_t)) unsigned char storeBytes[kPreparedPatternRoom];
+constinit std::atomic<int64_t> storeUsed{0};
+constinit std::atomic<const Entry *> slots[kStoreSlots] = {};
+
+// Four units a step; a tail of fewer is taken unit by unit.
+uint64_t hashOf(const ZvChar *pattern, int64_t length) {
+    constexpr uint64_t kMix = 0x9E3779B97F4A7C15ull;
+    uint64_t h = static_cast<uint64_t>(length) * kMix;
+    int64_t i = 0;
+    for (; i + 4 <= length; i += 4) {
+        uint64_t word;
+        std::memcpy(&word, pattern + i, sizeof word);
+        h = (h ^ word) * kMix;
+        h ^= h >> 29;
+    }
+    for (; i < length; ++i) h = (h ^ pattern[i]) * kMix;
+    return h ^ (h >> 32);
+}
+
+bool holds(const Entry *e, uint64_t hash, const ZvChar *pattern, int64_t length) {
+    return e->hash == hash && e->length == length &&
+           std::memcmp(e->cut.pattern, pattern, static_cast<size_t>(length) * sizeof(ZvChar)) == 0;
+}
+
+constexpr int64_t roundUp(int64_t n) {
+    constexpr int64_t a = alignof(std::max_align_t);
+    return (n + a - 1) / a * a;
+}
+
+// Takes `bytes` of the store, or null when they are not there.
+unsigned char *reserve(int64_t bytes) {
+    int64_t used = storeUsed.load(std::memory_order_relaxed);
+    do {
+        if (bytes > kPreparedPatternRoom - used) return nullptr;
+    } while (!storeUsed.compare_exchange_weak(used, used + bytes, std::memory_order_relaxed));
+    return storeBytes + used;
+}
+
+// A copy of `cut` in the store, its lists and text behind it; null when full.
+const Entry *copyIntoStore(const PatternCut &cut, const ZvChar *pattern, int64_t length, uint64_t hash) {
+    const int64_t tokenBytes = cut.count * static_cast<int64_t>(sizeof(PatternToken));
+    const int64_t literalBytes = cut.literalCount * static_cast<int64_t>(sizeof(PatternLiteral));
+    const int64_t textBytes = length * static_cast<int64_t>(sizeof(ZvChar));
+    unsigned char *at = reserve(roundUp(sizeof(Entry) + tokenBytes + literalBytes + textBytes));
+    if (!at) return nullptr;
+    auto *tokens = reinterpret_cast<PatternToken *>(at + sizeof(Entry));
+    auto *literals = reinterpret_cast<PatternLiteral *>(reinterpret_cast<unsigned char *>(tokens) + tokenBytes);
+    auto *text = reinterpret_cast<ZvChar *>(reinterpret_cast<unsigned char *>(literals) + literalBytes);
+    std::memcpy(tokens, cut.tokens, static_cast<size_t>(tokenBytes));
+    std::memcpy(literals, cut.literals, static_cast<size_t>(literalBytes));
+    std::memcpy(text, pattern, static_cast<size_t>(textBytes));
+    Entry *e = new (at) Entry{hash, length, cut};
+    e->cut.pattern = text;
+    e->cut.tokens = tokens;
+    e->cut.literals = literals;
+    return e;
+}
+
+} // namespace
+
+// Blanks separate literals and match nothing themselves; "%" and a
+// directive letter give a directive; "%" with any other character begins a
+// literal. The counts are kept apart from the lists while the pattern is
+// walked, and stored at the end.
+const PatternCut &cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCutRoom &room) {
+    PatternCut &cut = room.cut;
+    cut = PatternCut{pattern, room.tokens, room.literals, 0, 0, 0, 0, {u' ', u' ', u' '}, 0};
+    int32_t count = 0, literalCount = 0;
+    uint64_t firsts = 0, otherFirsts = 0;
+    auto storeLiteral = [&](int64_t start, int64_t end) {
+        if (count + literalCount >= kMaxPatternTokens) return;
+        const ZvChar first = foldUpperChar(pattern[start]);
+        room.literals[literalCount++] =
+            PatternLiteral{static_cast<int32_t>(start), static_cast<int32_t>(end - start), count, first};
+        firsts |= PatternCut::firstBit(first);
+        // A separator folds to itself.
+        if (end - start != 1 || !isSeparator(first)) otherFirsts |= PatternCut::firstBit(first);
+    };
+    for (int64_t i = 0; i < patternLength;) {
+        const ZvChar c = pattern[i];
+        if (c == u' ') {
+            ++i;
+            continue;
+        }
+        int64_t end = i + 1; // where the literal that begins here has run so far
+        if (c == u'%') {
+            // A "%" at the end, or the first of "%%", is a literal of its own.
+            if (i == patternLength - 1 || pattern[i + 1] == u'%') {
+                storeLiteral(i, i + 1);
+                ++i;
+                continue;
+            }
+            const ZvChar next = pattern[i + 1];
+            const LetterInfo letter = next < 128 ? kLetters.ascii[next] : kNoLetter;
+            if (letter.kind >= 0) {
+                // A directive beyond the limit is dropped but still names its field.
+                if (count + literalCount < kMaxPatternTokens)
+                    room.tokens[count++] = PatternToken{static_cast<int32_t>(i + 1), 1, letter.kind};
+                if (letter.order && cut.orderCount < kOrderLetters) cut.order[cut.orderCount++] = letter.order;
+                i += 2;
+                continue;
+            }
+            end = i + 2; // "%" and the character behind it begin a literal
+        }
+        while (end < patternLength && pattern[end] != u' ' && pattern[end] != u'%') ++end;
+        storeLiteral(i, end);
+        i = end;
+    }
+    cut.count = count;
+    cut.literalCount = literalCount;
+    cut.firsts = firsts;
+    cut.otherFirsts = otherFirsts;
+    return cut;
+}
+
+// Slots are probed from the text's hash on. A slot once filled keeps its
+// entry, so a reader that finds an entry may use it for good. A text is
+// copied into the store only when a slot is free for it; two threads that
+// store the same text at once leave one copy in the slots and the other's
+// bytes unused.
+const PatternCut &preparedPattern(const ZvChar *pattern, int64_t length, PatternCutRoom &room) {
+    if (length <= 0 || length > kMostStoredUnits) return cutPattern(pattern, length, room);
+    const uint64_t hash = hashOf(pattern, length);
+    const Entry *made = nullptr;
+    for (int probe = 0; probe < kMostProbes; ++probe) {
+        std::atomic<const Entry *> &slot = slots[(hash + static_cast<uint64_t>(probe)) & (kStoreSlots - 1)];
+        const Entry *e = slot.load(std::memory_order_acquire);
+        if (!e) {
+            if (!made) made = copyIntoStore(cutPattern(pattern, length, room), pattern, length, hash);
+            if (!made) return room.cut;
+            if (slot.compare_exchange_strong(e, made, std::memory_order_release, std::memory_order_acquire))
+                return made->cut;
+            // Another thread filled the slot first; e is its entry.
+        }
+        if (holds(e, hash, pattern, length)) return e->cut;
+    }
+    // Every slot on the way holds another text.
+    return made ? made->cut : cutPattern(pattern, length, room);
+}
+
+int64_t preparedPatternBytes() { return storeUsed.load(std::memory_order_relaxed); }
+
+} // namespace zv

@@ -80,25 +80,56 @@ constexpr int64_t kMostStoredUnits = 160;
 alignas(alignof(std::max_align_t)) unsigned char storeBytes[kPreparedPatternRoom];
 constinit std::atomic<int64_t> storeUsed{0};
 constinit std::atomic<const Entry *> slots[kStoreSlots] = {};
+// The entry last found for a pattern at an address. Patterns mostly come
+// from the items of a locale block that stays where it is, and the address
+// is at hand before the text is read; the entry is still compared with the
+// text, since the memory may hold another pattern by now.
+constexpr int kAddressSlots = 256;
+constinit std::atomic<const Entry *> byAddress[kAddressSlots] = {};
 
-// Four units a step; a tail of fewer is taken unit by unit.
+std::atomic<const Entry *> &addressSlot(const ZvChar *pattern) {
+    constexpr uint64_t kMix = 0x9E3779B97F4A7C15ull;
+    return byAddress[(reinterpret_cast<uintptr_t>(pattern) * kMix) >> 56];
+}
+
+// The hash looks at the length and at the first and last four units: two
+// loads, where a hash of every unit would cost a chain of multiplies as
+// long as the text. Texts that agree there are told apart in the probe.
+uint64_t wordAt(const ZvChar *units) {
+    uint64_t word;
+    std::memcpy(&word, units, sizeof word);
+    return word;
+}
+constexpr int64_t kUnitsPerWord = sizeof(uint64_t) / sizeof(ZvChar);
+
 uint64_t hashOf(const ZvChar *pattern, int64_t length) {
     constexpr uint64_t kMix = 0x9E3779B97F4A7C15ull;
-    uint64_t h = static_cast<uint64_t>(length) * kMix;
-    int64_t i = 0;
-    for (; i + 4 <= length; i += 4) {
-        uint64_t word;
-        std::memcpy(&word, pattern + i, sizeof word);
-        h = (h ^ word) * kMix;
-        h ^= h >> 29;
+    uint64_t h = static_cast<uint64_t>(length);
+    if (length >= kUnitsPerWord) {
+        h ^= wordAt(pattern) * kMix;
+        h ^= wordAt(pattern + length - kUnitsPerWord);
+    } else {
+        for (int64_t i = 0; i < length; ++i) h = h << 16 ^ pattern[i];
     }
-    for (; i < length; ++i) h = (h ^ pattern[i]) * kMix;
-    return h ^ (h >> 32);
+    h *= kMix;
+    return h ^ (h >> 31);
+}
+
+// Word by word; the last word may overlap the one before it.
+bool sameUnits(const ZvChar *a, const ZvChar *b, int64_t length) {
+    if (length < kUnitsPerWord) {
+        for (int64_t i = 0; i < length; ++i)
+            if (a[i] != b[i]) return false;
+        return true;
+    }
+    uint64_t differ = 0;
+    for (int64_t i = 0; i < length - kUnitsPerWord; i += kUnitsPerWord) differ |= wordAt(a + i) ^ wordAt(b + i);
+    differ |= wordAt(a + length - kUnitsPerWord) ^ wordAt(b + length - kUnitsPerWord);
+    return differ == 0;
 }
 
 bool holds(const Entry *e, uint64_t hash, const ZvChar *pattern, int64_t length) {
-    return e->hash == hash && e->length == length &&
-           std::memcmp(e->cut.pattern, pattern, static_cast<size_t>(length) * sizeof(ZvChar)) == 0;
+    return e->hash == hash && e->length == length && sameUnits(e->cut.pattern, pattern, length);
 }
 
 constexpr int64_t roundUp(int64_t n) {
@@ -192,13 +223,14 @@ const PatternCut &cutPattern(const ZvChar *pattern, int64_t patternLength, Patte
     return cut;
 }
 
+namespace {
+
 // Slots are probed from the text's hash on. A slot once filled keeps its
 // entry, so a reader that finds an entry may use it for good. A text is
 // copied into the store only when a slot is free for it; two threads that
 // store the same text at once leave one copy in the slots and the other's
-// bytes unused.
-const PatternCut &preparedPattern(const ZvChar *pattern, int64_t length, PatternCutRoom &room) {
-    if (length <= 0 || length > kMostStoredUnits) return cutPattern(pattern, length, room);
+// bytes unused. Null: no room, and the cut stands in `room`.
+const Entry *findOrStore(const ZvChar *pattern, int64_t length, PatternCutRoom &room) {
     const uint64_t hash = hashOf(pattern, length);
     const Entry *made = nullptr;
     for (int probe = 0; probe < kMostProbes; ++probe) {
@@ -206,15 +238,30 @@ const PatternCut &preparedPattern(const ZvChar *pattern, int64_t length, Pattern
         const Entry *e = slot.load(std::memory_order_acquire);
         if (!e) {
             if (!made) made = copyIntoStore(cutPattern(pattern, length, room), pattern, length, hash);
-            if (!made) return room.cut;
+            if (!made) return nullptr;
             if (slot.compare_exchange_strong(e, made, std::memory_order_release, std::memory_order_acquire))
-                return made->cut;
+                return made;
             // Another thread filled the slot first; e is its entry.
         }
-        if (holds(e, hash, pattern, length)) return e->cut;
+        if (holds(e, hash, pattern, length)) return e;
     }
     // Every slot on the way holds another text.
-    return made ? made->cut : cutPattern(pattern, length, room);
+    if (!made) cutPattern(pattern, length, room);
+    return made;
+}
+
+} // namespace
+
+const PatternCut &preparedPattern(const ZvChar *pattern, int64_t length, PatternCutRoom &room) {
+    if (length <= 0 || length > kMostStoredUnits) return cutPattern(pattern, length, room);
+    std::atomic<const Entry *> &atAddress = addressSlot(pattern);
+    if (const Entry *e = atAddress.load(std::memory_order_acquire);
+        e && e->length == length && sameUnits(e->cut.pattern, pattern, length))
+        return e->cut;
+    const Entry *e = findOrStore(pattern, length, room);
+    if (!e) return room.cut;
+    atAddress.store(e, std::memory_order_release);
+    return e->cut;
 }
 
 int64_t preparedPatternBytes() { return storeUsed.load(std::memory_order_relaxed); }

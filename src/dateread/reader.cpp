@@ -55,6 +55,7 @@ struct Reader {
     TextToken tokens[kMaxTokens];
     int32_t n = 0;
     bool anyNoDigits = false; // false: all tokens are digits, and no AM or PM mark stands among them
+    bool anyUsed = false;     // a token is taken by an AM or PM mark
 
     // The end test of a name that runs on from token t over L characters:
     // the token where it ends on a token boundary, or -1.
@@ -112,32 +113,22 @@ struct Reader {
         if (!beginsWithItem(t, item)) return false;
         if (item.length == tokens[t].length) {
             tokens[t].used = 1;
+            anyUsed = true;
             return true;
         }
         const int32_t j = endOf(t, item.length);
         if (j < 0) return false;
         for (int32_t k = t; k <= j; ++k) tokens[k].used = 1;
+        anyUsed = true;
         return true;
     }
 };
 
-// Digits of a token from `from` on, `count` of them, added into `field`.
 // A field below kUncheckedBelow takes kUncheckedDigits digits and stays
 // below the ceiling, so the common short field needs no look at it.
 constexpr int32_t kUncheckedDigits = 9;
 constexpr int64_t tenTo(int32_t power) { return power == 0 ? 1 : 10 * tenTo(power - 1); }
 constexpr int64_t kUncheckedBelow = kFieldCeiling / tenTo(kUncheckedDigits);
-inline int64_t addDigits(const ZvChar *text, const TextToken &tok, int32_t from, int32_t count, int64_t field) {
-    const ZvChar *digits = text + tok.start + from;
-    int64_t value = field;
-    if (value < kUncheckedBelow && count <= kUncheckedDigits) {
-        for (int32_t i = 0; i < count; ++i) value = value * 10 + (digits[i] - u'0');
-    } else {
-        for (int32_t i = 0; i < count; ++i)
-            if (value < kFieldCeiling) value = value * 10 + (digits[i] - u'0');
-    }
-    return value;
-}
 
 // ---- the pattern's tokens ---------------------------------------------------
 
@@ -411,6 +402,7 @@ AmPm findAmPm(Reader &rd) {
             const ZvChar f = rd.text[tok.start], s = rd.text[tok.start + 1];
             if ((s == u'm' || s == u'M') && (f == u'a' || f == u'A' || f == u'p' || f == u'P')) {
                 rd.tokens[t].used = 1;
+                rd.anyUsed = true;
                 found.seen = true;
                 found.isPm = f == u'p' || f == u'P';
             }
@@ -427,127 +419,120 @@ struct Fields {
     bool hourSeen = false, minuteSeen = false, secondSeen = false, weekdaySeen = false;
 };
 
-// The walk's place: the text token under way and the digits of it that
-// directives have taken already (a run of digits can hold several fields).
-struct Walk {
-    int32_t t = -1;
-    int32_t offset = 0;
-};
-
-// Takes up to `most` digits of the run from `offset` on, or the rest of it
-// when no more than `most` are left; answers the offset behind them, 0 when
-// the run is used up.
-inline int32_t takeDigits(const ZvChar *text, const TextToken &tok, int32_t most, int32_t offset, int64_t *field) {
-    const int32_t rest = tok.length - offset;
-    const bool more = rest > most;
-    *field = addDigits(text, tok, offset, more ? most : rest, *field);
-    return more ? offset + most : 0;
+// Digits of a run, `count` of them from `at` on, added into `field`.
+inline int64_t takeRun(const ZvChar *at, int32_t count, int64_t field) {
+    int64_t value = field;
+    if (value < kUncheckedBelow && count <= kUncheckedDigits) {
+        for (int32_t i = 0; i < count; ++i) value = value * 10 + (at[i] - u'0');
+        return value;
+    }
+    for (int32_t i = 0; i < count; ++i)
+        if (value < kFieldCeiling) value = value * 10 + (at[i] - u'0');
+    return value;
 }
 
 constexpr int32_t kFullYearDigits = 4;
 constexpr int32_t kShortYearDigits = 2;
 constexpr int32_t kMonthDayDigits = 2;
 
-// Outside the locale's own order a "%y" must read a short year and a "%Y" a
-// full one.
-bool readYear(const Reader &rd, const TextToken &tok, ZvChar letter, bool orderMatches, Walk &w, Fields &f) {
-    if (tok.cls != kDigits) return false;
-    w.offset = takeDigits(rd.text, tok, letter == u'y' ? kShortYearDigits : kFullYearDigits, w.offset, &f.year);
-    if (!orderMatches) {
-        if (letter == u'y' && !(f.year < 100)) return false;
-        if (letter == u'Y' && !(f.year >= 1000)) return false;
-    }
-    return true;
+// A month name of either list at token *t, 1 to 12; 0 when none.
+int32_t monthNamed(const Reader &rd, int32_t *t) {
+    int32_t month = rd.lookup(t, kItemMonthAbbr, kMonthNames);
+    if (month == 0 && rd.tokens[*t].length >= 3) month = rd.lookup(t, kItemMonthFull, kMonthNames);
+    return month;
 }
 
-// A month as digits or as a name of either list; "0" and "00" go to the
-// lists too, and fail there.
-bool readMonth(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
-    if (tok.cls == kDigits) w.offset = takeDigits(rd.text, tok, kMonthDayDigits, w.offset, &f.month);
-    if (f.month == 0) {
-        f.month = rd.lookup(&w.t, kItemMonthAbbr, kMonthNames);
-        if (f.month == 0 && tok.length >= 3) f.month = rd.lookup(&w.t, kItemMonthFull, kMonthNames);
-    }
-    return f.month >= 1 && f.month <= kMonthNames;
+// A weekday name of either list at token *t.
+bool weekdayNamed(const Reader &rd, int32_t *t) {
+    return rd.lookup(t, kItemWeekdayAbbr, kWeekdayNames) != 0 || rd.lookup(t, kItemWeekdayFull, kWeekdayNames) != 0;
 }
 
-bool readDay(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
-    if (tok.cls != kDigits) return false;
-    w.offset = takeDigits(rd.text, tok, kMonthDayDigits, w.offset, &f.day);
-    return f.day >= 1 && f.day <= 31;
-}
-
-// Hours, minutes and seconds take the whole token and carry over later. A
-// second is optional: without digits the token stays for what follows.
-bool readClockField(const Reader &rd, const TextToken &tok, bool optional, Walk &w, int64_t &field, bool &seen) {
-    if (tok.cls != kDigits) {
-        if (!optional) return false;
-        // Inside a run of digits the cursor has not moved.
-        if (w.offset == 0) --w.t;
-        return true;
-    }
-    field = addDigits(rd.text, tok, 0, tok.length, field);
-    seen = true;
-    return true;
-}
-
-// A weekday name is checked against the lists but not against the date.
-bool readWeekday(const Reader &rd, const TextToken &tok, Walk &w, Fields &f) {
-    if (tok.cls == kDigits) return false;
-    if (f.weekdaySeen) return true;
-    if (rd.lookup(&w.t, kItemWeekdayAbbr, kWeekdayNames) == 0 && rd.lookup(&w.t, kItemWeekdayFull, kWeekdayNames) == 0)
-        return false;
-    f.weekdaySeen = true;
-    return true;
-}
-
-// Moves to the token of the next directive. False: the text has run out
-// (`failed` tells whether that ends the walk or fails it).
-bool nextToken(const Reader &rd, Walk &w, bool *failed) {
-    if (w.offset == 0) {
-        ++w.t;
-        if (w.t < rd.n && rd.tokens[w.t].used) ++w.t;
-        *failed = false;
-        return w.t < rd.n;
-    }
-    // Digits of the token under way are still to be taken.
-    *failed = true;
-    if (w.t < 0 || w.t >= rd.n) return false;
-    if (rd.tokens[w.t].used) ++w.t;
-    return w.t < rd.n;
-}
-
-// Walks the directives over the text tokens. False: failure.
-bool walkFields(const Reader &rd, const PatternCut &cut, bool orderMatches, Fields &f) {
-    Walk w;
+// Walks the directives over the text tokens. False: failure. `t` is the
+// text token under way and `offset` the digits of it that directives have
+// taken already: a run of digits can hold several fields. Year, month and
+// day take their share of a run (the rest of it when no more is left);
+// hours, minutes and seconds take the whole token and carry over later.
+[[gnu::noinline]] bool walkFields(const Reader &rd, const PatternCut &cut, bool orderMatches, Fields &f) {
+    const TextToken *const tokens = rd.tokens;
+    const ZvChar *const text = rd.text;
+    const int32_t n = rd.n;
+    const bool anyUsed = rd.anyUsed;
+    int32_t t = -1, offset = 0;
     for (int32_t k = 0; k < cut.count; ++k) {
         const PatternToken &pt = cut.tokens[k];
-        bool failed = false;
-        if (!nextToken(rd, w, &failed)) {
-            if (failed) return false;
-            break; // fields left over stay unset
+        if (offset == 0) {
+            // The next token, passing over one taken by an AM or PM mark; the
+            // fields left over when the text runs out stay unset.
+            if (++t >= n || (anyUsed && tokens[t].used && ++t >= n)) break;
+        } else if (anyUsed && tokens[t].used && ++t >= n) {
+            return false; // digits of the token under way are still to be taken
         }
-        const TextToken &tok = rd.tokens[w.t];
-        bool ok = true;
+        const TextToken &tok = tokens[t];
+        const bool isDigits = tok.cls == kDigits;
+        // The share of the run a field with room for `most` digits takes.
+        auto take = [&](int32_t most, int64_t &field) {
+            const int32_t rest = tok.length - offset;
+            const int32_t count = rest > most ? most : rest;
+            field = takeRun(text + tok.start + offset, count, field);
+            offset = rest > most ? offset + most : 0;
+        };
         switch (pt.kind) {
-        case kYear: ok = readYear(rd, tok, cut.pattern[pt.start], orderMatches, w, f); break;
-        case kMonth: ok = readMonth(rd, tok, w, f); break;
-        case kDay: ok = readDay(rd, tok, w, f); break;
-        case kHour12:
-        case kHour24: ok = readClockField(rd, tok, false, w, f.hour, f.hourSeen); break;
-        case kMinute: ok = readClockField(rd, tok, false, w, f.minute, f.minuteSeen); break;
-        case kSecond: ok = readClockField(rd, tok, true, w, f.second, f.secondSeen); break;
-        case kAmPm: // found already, wherever it stands: it eats no token
-            if (w.offset == 0) --w.t;
+        case kYear: {
+            if (!isDigits) return false;
+            // Outside the locale's own order a "%y" must read a short year and a "%Y" a full one.
+            const bool shortYear = cut.pattern[pt.start] == u'y';
+            take(shortYear ? kShortYearDigits : kFullYearDigits, f.year);
+            if (!orderMatches && (shortYear ? f.year >= 100 : f.year < 1000)) return false;
             break;
-        case kWeekday: ok = readWeekday(rd, tok, w, f); break;
+        }
+        case kMonth:
+            // Digits or a name; "0" and "00" go to the lists too, and fail there.
+            if (isDigits) take(kMonthDayDigits, f.month);
+            if (f.month == 0) f.month = monthNamed(rd, &t);
+            if (f.month < 1 || f.month > kMonthNames) return false;
+            break;
+        case kDay:
+            if (!isDigits) return false;
+            take(kMonthDayDigits, f.day);
+            if (f.day < 1 || f.day > 31) return false;
+            break;
+        case kHour12:
+        case kHour24:
+            if (!isDigits) return false;
+            f.hour = takeRun(text + tok.start, tok.length, f.hour);
+            f.hourSeen = true;
+            break;
+        case kMinute:
+            if (!isDigits) return false;
+            f.minute = takeRun(text + tok.start, tok.length, f.minute);
+            f.minuteSeen = true;
+            break;
+        case kSecond:
+            if (!isDigits) {
+                // A second is optional: without digits the token stays for
+                // what follows (inside a run of digits the cursor has not moved).
+                if (offset == 0) --t;
+                break;
+            }
+            f.second = takeRun(text + tok.start, tok.length, f.second);
+            f.secondSeen = true;
+            break;
+        case kAmPm: // found already, wherever it stands: it eats no token
+            if (offset == 0) --t;
+            break;
+        case kWeekday:
+            // Checked against the lists but not against the date.
+            if (isDigits) return false;
+            if (f.weekdaySeen) break;
+            if (!weekdayNamed(rd, &t)) return false;
+            f.weekdaySeen = true;
+            break;
         default: // quarters and ignored directives eat their token
             break;
         }
-        if (!ok) return false;
     }
     // Digits that no directive took.
-    return w.offset == 0;
+    return offset == 0;
 }
 
 // ---- the result ------------------------------------------------------------------

@@ -2,6 +2,7 @@
 // each cut by its text.
 #include "dateread/pattern_cut.hpp"
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstring>
@@ -166,6 +167,23 @@ const Entry *copyIntoStore(const PatternCut &cut, const ZvChar *pattern, int64_t
     return e;
 }
 
+// Lists the ASCII units that fold to `first`: itself, and a letter's lower case.
+void listWorthUnits(PatternCut &cut, int way, ZvChar first) {
+    if (first >= 128) return; // no ASCII unit folds beyond ASCII
+    const ZvChar units[2] = {first, static_cast<ZvChar>(first + (u'a' - u'A'))};
+    const int count = first >= u'A' && first <= u'Z' ? 2 : 1;
+    int32_t &listed = cut.worthCount[way];
+    for (int i = 0; i < count && listed >= 0; ++i) {
+        const ZvChar *begin = cut.worthUnits[way], *end = begin + listed;
+        if (std::find(begin, end, units[i]) != end) continue;
+        if (listed == kMostWorthUnits) {
+            listed = -1;
+            break;
+        }
+        cut.worthUnits[way][listed++] = units[i];
+    }
+}
+
 } // namespace
 
 // Blanks separate literals and match nothing themselves; "%" and a
@@ -174,7 +192,7 @@ const Entry *copyIntoStore(const PatternCut &cut, const ZvChar *pattern, int64_t
 // walked, and stored at the end.
 const PatternCut &cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCutRoom &room) {
     PatternCut &cut = room.cut;
-    cut = PatternCut{pattern, room.tokens, room.literals, 0, 0, 0, 0, {u' ', u' ', u' '}, 0};
+    cut = PatternCut{pattern, room.tokens, room.literals, 0, 0, 0, 0, {u' ', u' ', u' '}, 0, {}, {0, 0}};
     int32_t count = 0, literalCount = 0;
     uint64_t firsts = 0, otherFirsts = 0;
     auto storeLiteral = [&](int64_t start, int64_t end) {
@@ -184,7 +202,10 @@ const PatternCut &cutPattern(const ZvChar *pattern, int64_t patternLength, Patte
             PatternLiteral{static_cast<int32_t>(start), static_cast<int32_t>(end - start), count, first};
         firsts |= PatternCut::firstBit(first);
         // A separator folds to itself.
-        if (end - start != 1 || !isSeparator(first)) otherFirsts |= PatternCut::firstBit(first);
+        const bool other = end - start != 1 || !isSeparator(first);
+        if (other) otherFirsts |= PatternCut::firstBit(first);
+        listWorthUnits(cut, 0, first);
+        if (other) listWorthUnits(cut, 1, first);
     };
     for (int64_t i = 0; i < patternLength;) {
         const ZvChar c = pattern[i];

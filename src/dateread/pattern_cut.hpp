@@ -53,6 +53,7 @@ struct PatternLiteral {
 // that the starts index. The first character of each literal, folded, also
 // stands in a bit set by its low bits, so that most characters of a text
 // are passed over at once.
+constexpr int kMostWorthUnits = 8;
 struct PatternCut {
     const ZvChar *pattern;
     const PatternToken *tokens;
@@ -63,6 +64,12 @@ struct PatternCut {
     uint64_t otherFirsts; // of the literals other than one separator
     ZvChar order[kOrderLetters];
     int32_t orderCount;
+    // The ASCII units that begin a literal worth a look, folded or not: for
+    // texts whose separators do not split (all literals) and for those whose
+    // separators do (all but literals of one separator). -1: more than the
+    // list holds.
+    ZvChar worthUnits[2][kMostWorthUnits];
+    int32_t worthCount[2];
 
     static constexpr uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
 };

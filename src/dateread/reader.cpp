@@ -4,6 +4,10 @@
 // about the fields themselves.
 #include <algorithm>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "datefmt/calendar.hpp"
 #include "dateread/dateread.hpp"
 #include "dateread/pattern_cut.hpp"
@@ -222,8 +226,30 @@ constexpr int64_t kMostUnitsScannedForLooks = 4 * kMaxTokens;
 // Behind the last character of the text that might begin a literal whose
 // first character has a bit in `bits`; 0 when none might. A long text is
 // taken to have one at its end.
-int64_t endOfMayBegin(const ZvChar *text, int64_t length, uint64_t bits) {
+int64_t endOfMayBegin(const ZvChar *text, int64_t length, uint64_t bits, const ZvChar *units, int32_t unitCount) {
     if (length > kMostUnitsScannedForLooks) return length;
+#if defined(__SSE2__)
+    // Eight units a step from the end: a step that holds none of the listed
+    // units and nothing beyond ASCII is passed over; in the others the units
+    // are tested one by one.
+    constexpr int64_t kEight = 8;
+    if (unitCount >= 0) {
+        const __m128i high = _mm_set1_epi16(static_cast<int16_t>(0xFF80));
+        for (; length >= kEight; length -= kEight) {
+            const __m128i u = _mm_loadu_si128(reinterpret_cast<const __m128i *>(text + length - kEight));
+            __m128i hit = _mm_cmpeq_epi16(_mm_and_si128(u, high), _mm_setzero_si128());
+            hit = _mm_xor_si128(hit, _mm_set1_epi16(-1)); // beyond ASCII
+            for (int32_t i = 0; i < unitCount; ++i)
+                hit = _mm_or_si128(hit, _mm_cmpeq_epi16(u, _mm_set1_epi16(static_cast<int16_t>(units[i]))));
+            if (_mm_movemask_epi8(hit) == 0) continue;
+            for (int64_t k = length; k > length - kEight; --k)
+                if (bits & foldedBitOf(text[k - 1])) return k;
+        }
+    }
+#else
+    (void)units;
+    (void)unitCount;
+#endif
     while (length > 0 && !(bits & foldedBitOf(text[length - 1]))) --length;
     return length;
 }
@@ -239,7 +265,9 @@ int64_t endOfMayBegin(const ZvChar *text, int64_t length, uint64_t bits) {
 CutRules rulesFor(const PatternCut &cut, bool separatorsSplit, const ZvChar *text, int64_t textLength) {
     const uint8_t *roles = separatorsSplit ? kSplittingRoles.ascii : kPlainRoles.ascii;
     const uint64_t worthALook = separatorsSplit ? cut.otherFirsts : cut.firsts;
-    const int64_t looksEnd = worthALook ? endOfMayBegin(text, textLength, worthALook) : 0;
+    const int way = separatorsSplit ? 1 : 0;
+    const int64_t looksEnd =
+        worthALook ? endOfMayBegin(text, textLength, worthALook, cut.worthUnits[way], cut.worthCount[way]) : 0;
     return {roles, looksEnd > 0 ? cut.firsts : 0, looksEnd};
 }
 
@@ -261,6 +289,7 @@ int64_t literalAt(const Reader &rd, int64_t cursor, int32_t n, int32_t splits, b
         // The first characters are equal; the rest is compared over what
         // the text has left.
         const int64_t len = pt.length;
+        if (len == 1) return len;
         const int64_t span = std::min(std::min<int64_t>(len, rd.textLength - cursor), kFoldRoom);
         if (span <= 1 || sameFolded(rd.text + cursor + 1, cut.pattern + pt.start + 1, span - 1)) return len;
     }

@@ -251,7 +251,7 @@ namespace {
 // copied into the store only when a slot is free for it; two threads that
 // store the same text at once leave one copy in the slots and the other's
 // bytes unused. Null: no room, and the cut stands in `room`.
-const Entry *findOrStore(const ZvChar *pattern, int64_t length, PatternCutRoom &room) {
+[[gnu::noinline]] const Entry *findOrStore(const ZvChar *pattern, int64_t length, PatternCutRoom &room) {
     const uint64_t hash = hashOf(pattern, length);
     const Entry *made = nullptr;
     for (int probe = 0; probe < kMostProbes; ++probe) {

@@ -452,6 +452,8 @@ struct Fields {
 inline int64_t takeRun(const ZvChar *at, int32_t count, int64_t field) {
     int64_t value = field;
     if (value < kUncheckedBelow && count <= kUncheckedDigits) {
+        // Most fields are two digits.
+        if (count == 2) return value * 100 + (at[0] - u'0') * 10 + (at[1] - u'0');
         for (int32_t i = 0; i < count; ++i) value = value * 10 + (at[i] - u'0');
         return value;
     }
@@ -465,14 +467,14 @@ constexpr int32_t kShortYearDigits = 2;
 constexpr int32_t kMonthDayDigits = 2;
 
 // A month name of either list at token *t, 1 to 12; 0 when none.
-int32_t monthNamed(const Reader &rd, int32_t *t) {
+[[gnu::noinline]] int32_t monthNamed(const Reader &rd, int32_t *t) {
     int32_t month = rd.lookup(t, kItemMonthAbbr, kMonthNames);
     if (month == 0 && rd.tokens[*t].length >= 3) month = rd.lookup(t, kItemMonthFull, kMonthNames);
     return month;
 }
 
 // A weekday name of either list at token *t.
-bool weekdayNamed(const Reader &rd, int32_t *t) {
+[[gnu::noinline]] bool weekdayNamed(const Reader &rd, int32_t *t) {
     return rd.lookup(t, kItemWeekdayAbbr, kWeekdayNames) != 0 || rd.lookup(t, kItemWeekdayFull, kWeekdayNames) != 0;
 }
 

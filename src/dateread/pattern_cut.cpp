@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <cstring>
 #include <new>
@@ -73,7 +74,7 @@ struct Entry {
     PatternCut cut;
 };
 
-constexpr int kStoreSlots = 1024; // a power of two
+constexpr int kStoreSlots = 4096; // a power of two
 constexpr int kMostProbes = 8;
 // Patterns longer than an item's text are cut at each call.
 constexpr int64_t kMostStoredUnits = 160;
@@ -93,9 +94,9 @@ std::atomic<const Entry *> &addressSlot(const ZvChar *pattern) {
     return byAddress[(reinterpret_cast<uintptr_t>(pattern) * kMix) >> 56];
 }
 
-// The hash looks at the length and at the first and last four units: two
-// loads, where a hash of every unit would cost a chain of multiplies as
-// long as the text. Texts that agree there are told apart in the probe.
+// Four units a step, the last step overlapping the one before it. The
+// store is searched by text only when the pattern's address has not found
+// it, so the hash takes every unit.
 uint64_t wordAt(const ZvChar *units) {
     uint64_t word;
     std::memcpy(&word, units, sizeof word);
@@ -105,15 +106,14 @@ constexpr int64_t kUnitsPerWord = sizeof(uint64_t) / sizeof(ZvChar);
 
 uint64_t hashOf(const ZvChar *pattern, int64_t length) {
     constexpr uint64_t kMix = 0x9E3779B97F4A7C15ull;
-    uint64_t h = static_cast<uint64_t>(length);
-    if (length >= kUnitsPerWord) {
-        h ^= wordAt(pattern) * kMix;
-        h ^= wordAt(pattern + length - kUnitsPerWord);
+    uint64_t h = static_cast<uint64_t>(length) * kMix;
+    if (length < kUnitsPerWord) {
+        for (int64_t i = 0; i < length; ++i) h = (h ^ pattern[i]) * kMix;
     } else {
-        for (int64_t i = 0; i < length; ++i) h = h << 16 ^ pattern[i];
+        for (int64_t i = 0; i < length - kUnitsPerWord; i += kUnitsPerWord) h = std::rotl((h ^ wordAt(pattern + i)) * kMix, 29);
+        h = (h ^ wordAt(pattern + length - kUnitsPerWord)) * kMix;
     }
-    h *= kMix;
-    return h ^ (h >> 31);
+    return h ^ (h >> 32);
 }
 
 // Word by word; the last word may overlap the one before it.

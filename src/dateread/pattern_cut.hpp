@@ -94,6 +94,6 @@ const PatternCut &preparedPattern(const ZvChar *pattern, int64_t length, Pattern
 
 // Bytes of the store in use, and its size.
 int64_t preparedPatternBytes();
-constexpr int64_t kPreparedPatternRoom = 64 * 1024;
+constexpr int64_t kPreparedPatternRoom = 256 * 1024;
 
 } // namespace zv

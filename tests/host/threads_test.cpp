@@ -58,4 +58,34 @@ TEST(Threads, EveryRowFromEightThreadsWhileLocalesComeAndGo) {
     EXPECT_LE(host.localesKept(), 128u);
 }
 
+// Threads that meet patterns no call has cut before, some the same in all
+// threads and some their own, store them side by side and read alike.
+TEST(Threads, FreshPatternsFromEightThreads) {
+    zvhost::Host host;
+    ASSERT_NE(host.loadModule(), nullptr);
+    const FormatTableRow &row = *zvhost::findRow(host.instance()->formatTable, "@NLDATM");
+    auto read = [&](const std::string &pattern) {
+        zvhost::CallSpec spec;
+        spec.locale = "de_DE";
+        spec.items = {{46, pattern}};
+        double value = 0;
+        zvhost::ColumnFormatter column(host, zvhost::rowName(row), spec);
+        const int32_t status = column.read(std::string_view("25.12.2024 14:07:09"), value);
+        return status == 0 ? value : -1.0;
+    };
+    const double want = read("%d.%m.%Y %H:%M:%S");
+    ASSERT_GT(want, 0);
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong{0};
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 40; ++i) {
+                const std::string mark = i % 2 ? std::to_string(i) : std::to_string(t) + "-" + std::to_string(i);
+                wrong += read("%d.%m.%Y %H:%M:%S #" + mark) != want;
+            }
+        });
+    for (std::thread &t : threads) t.join();
+    EXPECT_EQ(wrong, 0);
+}
+
 } // namespace

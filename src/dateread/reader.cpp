@@ -3,6 +3,7 @@
 // the text tokens in order: lenient about what surrounds the fields, strict
 // about the fields themselves.
 #include <algorithm>
+#include <initializer_list>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -184,6 +185,18 @@ constexpr RoleTable roleTable(bool separatorsSplit) {
 constexpr RoleTable kPlainRoles = roleTable(false);
 constexpr RoleTable kSplittingRoles = roleTable(true);
 
+// The units below 64 that end a token of others: blanks, the separators
+// where they split, and digits. Every unit from 64 on is of the other class.
+constexpr uint64_t bitsOfUnits(std::initializer_list<ZvChar> units) {
+    uint64_t bits = 0;
+    for (ZvChar c : units) bits |= uint64_t{1} << c;
+    return bits;
+}
+constexpr uint64_t kBlankUnit = bitsOfUnits({u' '});
+constexpr uint64_t kSeparatorUnits = bitsOfUnits({u'.', u'-', u':', u'/'});
+constexpr uint64_t kDigitUnits = bitsOfUnits({u'0', u'1', u'2', u'3', u'4', u'5', u'6', u'7', u'8', u'9'});
+constexpr bool isUnitIn(ZvChar c, uint64_t units) { return c < 64 && (units >> c & 1) != 0; }
+
 // The bits of the digits in a bit set of first characters.
 constexpr uint64_t digitBits() {
     uint64_t bits = 0;
@@ -211,6 +224,7 @@ inline uint64_t foldedBitOf(ZvChar c) {
 // clear begins none), and where in the text the looks end.
 struct CutRules {
     const uint8_t *roles;
+    uint64_t stops; // the units below 64 that end a token as a blank does
     uint64_t firsts;
     int64_t looksEnd;
 
@@ -268,7 +282,7 @@ CutRules rulesFor(const PatternCut &cut, bool separatorsSplit, const ZvChar *tex
     const int way = separatorsSplit ? 1 : 0;
     const int64_t looksEnd =
         worthALook ? endOfMayBegin(text, textLength, worthALook, cut.worthUnits[way], cut.worthCount[way]) : 0;
-    return {roles, looksEnd > 0 ? cut.firsts : 0, looksEnd};
+    return {roles, kBlankUnit | (separatorsSplit ? kSeparatorUnits : 0), looksEnd > 0 ? cut.firsts : 0, looksEnd};
 }
 
 // The length of the pattern literal that stands in the text at `cursor`, or
@@ -318,40 +332,50 @@ int64_t literalAt(const Reader &rd, int64_t cursor, int32_t n, int32_t splits, b
     return cursor;
 }
 
-// The cut where no literal can match: each run of characters of one class
-// is a token, and blanks and splitting separators between them are passed
-// over. No count of splits is kept, since no literal reads it.
-void cutPlainText(Reader &rd, const CutRules &rules) {
-    const ZvChar *text = rd.text;
-    const int64_t length = rd.textLength;
-    TextToken *tokens = rd.tokens;
-    int64_t cursor = 0;
-    int32_t n = 0;
-    int32_t classes = 0; // the classes of all tokens
-    while (cursor < length && n < kMaxTokens) {
-        const uint8_t role = rules.roleOf(text[cursor]);
-        if (role >= kRoleBlank) {
-            ++cursor;
-            continue;
-        }
-        const int64_t end = runEnd(text, cursor + 1, length, rules, role);
-        tokens[n++] = TextToken{static_cast<int32_t>(cursor), static_cast<int32_t>(end - cursor),
-                                static_cast<TokenClass>(role), 0};
-        classes |= role;
+// The cut where no literal can match, from `cursor` on: each run of
+// characters of one class is a token, and blanks and splitting separators
+// (`stops`) between them are passed over. A token of class cls under way
+// from `start` (start < cursor) runs on first. No count of splits is kept,
+// since no literal reads it. Answers the count of tokens.
+int32_t cutPlain(const ZvChar *text, int64_t length, uint64_t stops, int64_t cursor, int64_t start, int32_t cls,
+                 TextToken *tokens, int32_t n, int32_t &classes) {
+    auto store = [&](int64_t from, int64_t end, TokenClass c) {
+        tokens[n++] = TextToken{static_cast<int32_t>(from), static_cast<int32_t>(end - from), c, 0};
+        classes |= c;
+    };
+    auto digitsEnd = [&](int64_t at) {
+        while (at < length && isAsciiDigit(text[at])) ++at;
+        return at;
+    };
+    auto othersEnd = [&](int64_t at) {
+        while (at < length && !isUnitIn(text[at], stops | kDigitUnits)) ++at;
+        return at;
+    };
+    if (start < cursor && n < kMaxTokens) {
+        const int64_t end = cls == kDigits ? digitsEnd(cursor) : othersEnd(cursor);
+        store(start, end, static_cast<TokenClass>(cls));
         cursor = end;
     }
-    rd.n = n;
-    rd.anyNoDigits = (classes & kNoDigits) != 0;
+    while (cursor < length && n < kMaxTokens) {
+        const ZvChar c = text[cursor];
+        if (isAsciiDigit(c)) {
+            const int64_t end = digitsEnd(cursor + 1);
+            store(cursor, end, kDigits);
+            cursor = end;
+        } else if (isUnitIn(c, stops)) {
+            ++cursor;
+        } else {
+            const int64_t end = othersEnd(cursor + 1);
+            store(cursor, end, kNoDigits);
+            cursor = end;
+        }
+    }
+    return n;
 }
 
 // Cuts the text at blanks, at the pattern's literals, at separators (where
 // the rules make them split) and where digits meet other characters.
-void cutText(Reader &rd, const PatternCut &cut, const CutRules &given) {
-    if (given.firsts == 0) {
-        cutPlainText(rd, given);
-        return;
-    }
-    CutRules rules = given;
+void cutText(Reader &rd, const PatternCut &cut, const CutRules &rules) {
     const ZvChar *text = rd.text;
     const int64_t length = rd.textLength;
     TextToken *tokens = rd.tokens;
@@ -364,10 +388,10 @@ void cutText(Reader &rd, const PatternCut &cut, const CutRules &given) {
         tokens[n++] = TextToken{static_cast<int32_t>(start), static_cast<int32_t>(end - start),
                                 static_cast<TokenClass>(cls), 0};
     };
-    // Once the list is full nothing further in the text can change the answer.
-    while (cursor < length && n < kMaxTokens) {
+    // Once the list is full nothing further in the text can change the
+    // answer. Behind the looks the cut goes on as the plain one.
+    while (cursor < rules.looksEnd && n < kMaxTokens) {
         const ZvChar c = text[cursor];
-        if (cursor >= rules.looksEnd) rules.firsts = 0;
         if (rules.mayBeginLiteral(c)) {
             const ZvChar folded = foldUpperChar(c);
             const int64_t literal = literalAt(rd, cursor, n, splits, start < cursor, folded, cut);
@@ -399,8 +423,7 @@ void cutText(Reader &rd, const PatternCut &cut, const CutRules &given) {
         // The characters behind that only lengthen the token are taken at once.
         cursor = runEnd(text, cursor + 1, length, rules, role);
     }
-    if (start < length && n < kMaxTokens) store(length);
-    rd.n = n;
+    rd.n = cutPlain(text, length, rules.stops, cursor, start, cls, tokens, n, classes);
     rd.anyNoDigits = (classes & kNoDigits) != 0;
 }
 

@@ -475,8 +475,11 @@ struct Fields {
 inline int64_t takeRun(const ZvChar *at, int32_t count, int64_t field) {
     int64_t value = field;
     if (value < kUncheckedBelow && count <= kUncheckedDigits) {
-        // Most fields are two digits.
-        if (count == 2) return value * 100 + (at[0] - u'0') * 10 + (at[1] - u'0');
+        // Fields of two and four digits go without a loop, which the
+        // compiler would turn into a jump through a table, seldom foreseen.
+        const auto two = [at](int32_t i) { return (at[i] - u'0') * 10 + (at[i + 1] - u'0'); };
+        if (count == 2) return value * 100 + two(0);
+        if (count == 4) return value * 10000 + two(0) * 100 + two(2);
         for (int32_t i = 0; i < count; ++i) value = value * 10 + (at[i] - u'0');
         return value;
     }
@@ -530,60 +533,48 @@ constexpr int32_t kMonthDayDigits = 2;
             field = takeRun(text + tok.start + offset, count, field);
             offset = rest > most ? offset + most : 0;
         };
-        switch (pt.kind) {
-        case kYear: {
+        // Conditional branches rather than a table of jumps: with the kinds of
+        // a pattern in a row, they are foreseen where a jump through a table
+        // is not.
+        const int32_t kind = pt.kind;
+        if (kind >= kHour12 && kind <= kSecond) {
+            if (!isDigits) {
+                if (kind != kSecond) return false;
+                // A second is optional: without digits the token stays for
+                // what follows (inside a run of digits the cursor has not moved).
+                if (offset == 0) --t;
+                continue;
+            }
+            int64_t &field = kind == kMinute ? f.minute : kind == kSecond ? f.second : f.hour;
+            bool &seen = kind == kMinute ? f.minuteSeen : kind == kSecond ? f.secondSeen : f.hourSeen;
+            field = takeRun(text + tok.start, tok.length, field);
+            seen = true;
+        } else if (kind == kDay) {
+            if (!isDigits) return false;
+            take(kMonthDayDigits, f.day);
+            if (f.day < 1 || f.day > 31) return false;
+        } else if (kind == kMonth) {
+            // Digits or a name; "0" and "00" go to the lists too, and fail there.
+            if (isDigits) take(kMonthDayDigits, f.month);
+            if (f.month == 0) f.month = monthNamed(rd, &t);
+            if (f.month < 1 || f.month > kMonthNames) return false;
+        } else if (kind == kYear) {
             if (!isDigits) return false;
             // Outside the locale's own order a "%y" must read a short year and a "%Y" a full one.
             const bool shortYear = cut.pattern[pt.start] == u'y';
             take(shortYear ? kShortYearDigits : kFullYearDigits, f.year);
             if (!orderMatches && (shortYear ? f.year >= 100 : f.year < 1000)) return false;
-            break;
-        }
-        case kMonth:
-            // Digits or a name; "0" and "00" go to the lists too, and fail there.
-            if (isDigits) take(kMonthDayDigits, f.month);
-            if (f.month == 0) f.month = monthNamed(rd, &t);
-            if (f.month < 1 || f.month > kMonthNames) return false;
-            break;
-        case kDay:
-            if (!isDigits) return false;
-            take(kMonthDayDigits, f.day);
-            if (f.day < 1 || f.day > 31) return false;
-            break;
-        case kHour12:
-        case kHour24:
-            if (!isDigits) return false;
-            f.hour = takeRun(text + tok.start, tok.length, f.hour);
-            f.hourSeen = true;
-            break;
-        case kMinute:
-            if (!isDigits) return false;
-            f.minute = takeRun(text + tok.start, tok.length, f.minute);
-            f.minuteSeen = true;
-            break;
-        case kSecond:
-            if (!isDigits) {
-                // A second is optional: without digits the token stays for
-                // what follows (inside a run of digits the cursor has not moved).
-                if (offset == 0) --t;
-                break;
-            }
-            f.second = takeRun(text + tok.start, tok.length, f.second);
-            f.secondSeen = true;
-            break;
-        case kAmPm: // found already, wherever it stands: it eats no token
+        } else if (kind == kAmPm) {
+            // Found already, wherever it stands: it eats no token.
             if (offset == 0) --t;
-            break;
-        case kWeekday:
+        } else if (kind == kWeekday) {
             // Checked against the lists but not against the date.
             if (isDigits) return false;
-            if (f.weekdaySeen) break;
+            if (f.weekdaySeen) continue;
             if (!weekdayNamed(rd, &t)) return false;
             f.weekdaySeen = true;
-            break;
-        default: // quarters and ignored directives eat their token
-            break;
         }
+        // Quarters and ignored directives eat their token.
     }
     // Digits that no directive took.
     return offset == 0;

@@ -47,13 +47,15 @@ struct PatternLiteral {
     ZvChar first;
 };
 
+// Units listed for the look at eight text units at once (see worthUnits).
+constexpr int kMostWorthUnits = 8;
+
 // The directives and the literals are kept in two lists: the walk takes
 // only the directives, the text cutter looks only for the literals.
 // Together they count against the limit of tokens. `pattern` is the text
 // that the starts index. The first character of each literal, folded, also
 // stands in a bit set by its low bits, so that most characters of a text
 // are passed over at once.
-constexpr int kMostWorthUnits = 8;
 struct PatternCut {
     const ZvChar *pattern;
     const PatternToken *tokens;

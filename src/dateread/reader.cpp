@@ -3,7 +3,6 @@
 // the text tokens in order: lenient about what surrounds the fields, strict
 // about the fields themselves.
 #include <algorithm>
-#include <initializer_list>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -187,14 +186,15 @@ constexpr RoleTable kSplittingRoles = roleTable(true);
 
 // The units below 64 that end a token of others: blanks, the separators
 // where they split, and digits. Every unit from 64 on is of the other class.
-constexpr uint64_t bitsOfUnits(std::initializer_list<ZvChar> units) {
+constexpr uint64_t unitsBelow64Where(bool (*test)(ZvChar)) {
     uint64_t bits = 0;
-    for (ZvChar c : units) bits |= uint64_t{1} << c;
+    for (ZvChar c = 0; c < 64; ++c)
+        if (test(c)) bits |= uint64_t{1} << c;
     return bits;
 }
-constexpr uint64_t kBlankUnit = bitsOfUnits({u' '});
-constexpr uint64_t kSeparatorUnits = bitsOfUnits({u'.', u'-', u':', u'/'});
-constexpr uint64_t kDigitUnits = bitsOfUnits({u'0', u'1', u'2', u'3', u'4', u'5', u'6', u'7', u'8', u'9'});
+constexpr uint64_t kBlankUnit = uint64_t{1} << u' ';
+constexpr uint64_t kSeparatorUnits = unitsBelow64Where(isSeparator);
+constexpr uint64_t kDigitUnits = unitsBelow64Where(isAsciiDigit);
 constexpr bool isUnitIn(ZvChar c, uint64_t units) { return c < 64 && (units >> c & 1) != 0; }
 
 // The bits of the digits in a bit set of first characters.

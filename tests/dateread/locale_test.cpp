@@ -168,7 +168,9 @@ TEST_F(LocaleReader, Cases) {
         {u"YMD", u"%y%m%d", u"991231", 0, dayCount(1999, 12, 31)}, {u"YMD", u"%Y%p%m%d", u"20241231", 0, dec31},
         {u"YMD", u"%Y%m%d%S", u"20241231", 0, dec31},
         // A second without digits leaves its token to the next directive.
-        {u"DMY", u"%H:%M:%S %A", u"14:07 Monday", 2, kMiss, 50820}, {u"DMY", u"%H:%M:%S %A", u"14:07 Xyz", -1}, {u"MDY", u"%H%M", u"1230", 2, kMiss, 1230 * 3600.0},
+        {u"DMY", u"%H:%M:%S %A", u"14:07 Monday", 2, kMiss, 50820}, {u"DMY", u"%H:%M:%S %A", u"14:07 Xyz", -1},
+        // A literal's lower case in a text long enough to be looked at eight units at a time.
+        {u"DMY", u"%H Z %M", u"14 z 07 x", 2, kMiss, 50820}, {u"DMY", u"%H Y %M", u"14 y 07 x", 2, kMiss, 50820}, {u"MDY", u"%H%M", u"1230", 2, kMiss, 1230 * 3600.0},
         {u"YMD", u"%Y%m%d%H%M%S", u"20241231235959", -1}, {u"DMY", u"%d/%m/%Y", u"05/03/24", 0, mar5},
         {u"MDY", u"%d/%m/%Y", u"05/03/24", -1}, {u"MDY", u"%d/%m/%y", u"05/03/2024", -1},
         {u"MDY", u"%d/%m/%y", u"05/03/24", 0, mar5}, {u"DMY", u"%d/%m/%Y", u"05/03/00", 0},

@@ -228,6 +228,16 @@ TEST_F(LocaleReader, HebrewKeepsSeparatorsAndTokensStopAtSixtyFour) {
     for (int i = 0; i < 60; ++i) text += u" x";
     EXPECT_TRUE(run(u"%I:%M:%S", text + u" PM", &date, &time) == 0 && time == 46800.0); // the 64th token
     EXPECT_TRUE(run(u"%I:%M:%S", text + u" x PM", &date, &time) == 0 && time == 3600.0);
+    // A pattern's 65th token is dropped: "%Y" here, and day and month make no
+    // date; or the literal "Z", and the text's "Z" stands in the year's place.
+    std::u16string fill;
+    for (int i = 0; i < 61; ++i) fill += u" x";
+    set(6, u"DMY");
+    EXPECT_TRUE(run(u"%d" + fill + u" x %m %Y", u"5 3 2024", &date, &time) == 0 && same(date, kMiss));
+    EXPECT_TRUE(run(u"%d" + fill + u" %m %Y", u"5 3 2024", &date, &time) == 0 && date == dayCount(2024, 3, 5));
+    EXPECT_EQ(run(u"%d %m %Y" + fill + u" Z", u"5 3Z 2024", &date, &time), -1);
+    EXPECT_TRUE(run(u"%d %m %Y" + fill.substr(2) + u" Z", u"5 3Z 2024", &date, &time) == 0 &&
+                date == dayCount(2024, 3, 5));
 }
 
 } // namespace

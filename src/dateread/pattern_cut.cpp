@@ -86,12 +86,15 @@ constinit std::atomic<const Entry *> slots[kStoreSlots] = {};
 // from the items of a locale block that stays where it is, and the address
 // is at hand before the text is read; the entry is still compared with the
 // text, since the memory may hold another pattern by now.
-constexpr int kAddressSlots = 256;
+// Slots go by the address in steps of 16 bytes, so the pattern items of one
+// block, a few hundred bytes apart and all within 16 KB, never share one.
+constexpr int kAddressSlots = 1024;
+constexpr int kAddressStep = 16;
+static_assert(kAddressSlots * kAddressStep >= 16 * 1024, "a block's patterns take slots of their own");
 constinit std::atomic<const Entry *> byAddress[kAddressSlots] = {};
 
 std::atomic<const Entry *> &addressSlot(const ZvChar *pattern) {
-    constexpr uint64_t kMix = 0x9E3779B97F4A7C15ull;
-    return byAddress[(reinterpret_cast<uintptr_t>(pattern) * kMix) >> 56];
+    return byAddress[reinterpret_cast<uintptr_t>(pattern) / kAddressStep % kAddressSlots];
 }
 
 // Four units a step, the last step overlapping the one before it. The

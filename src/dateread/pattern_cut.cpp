@@ -85,9 +85,9 @@ constinit std::atomic<const Entry *> slots[kStoreSlots] = {};
 // The entry last found for a pattern at an address. Patterns mostly come
 // from the items of a locale block that stays where it is, and the address
 // is at hand before the text is read; the entry is still compared with the
-// text, since the memory may hold another pattern by now.
-// Slots go by the address in steps of 16 bytes, so the pattern items of one
-// block, a few hundred bytes apart and all within 16 KB, never share one.
+// text, since the memory may hold another pattern by now. The slots go by
+// the address in steps of 16 bytes, so the pattern items of one block, a
+// few hundred bytes apart and all within 16 KB, never share one.
 constexpr int kAddressSlots = 1024;
 constexpr int kAddressStep = 16;
 static_assert(kAddressSlots * kAddressStep >= 16 * 1024, "a block's patterns take slots of their own");
@@ -113,7 +113,8 @@ uint64_t hashOf(const ZvChar *pattern, int64_t length) {
     if (length < kUnitsPerWord) {
         for (int64_t i = 0; i < length; ++i) h = (h ^ pattern[i]) * kMix;
     } else {
-        for (int64_t i = 0; i < length - kUnitsPerWord; i += kUnitsPerWord) h = std::rotl((h ^ wordAt(pattern + i)) * kMix, 29);
+        for (int64_t i = 0; i < length - kUnitsPerWord; i += kUnitsPerWord)
+            h = std::rotl((h ^ wordAt(pattern + i)) * kMix, 29);
         h = (h ^ wordAt(pattern + length - kUnitsPerWord)) * kMix;
     }
     return h ^ (h >> 32);

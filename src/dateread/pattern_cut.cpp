@@ -9,6 +9,7 @@
 #include <cstring>
 #include <new>
 
+#include "wide/ascii.hpp"
 #include "wide/wide.hpp"
 
 namespace zv {
@@ -168,6 +169,7 @@ const Entry *copyIntoStore(const PatternCut &cut, const ZvChar *pattern, int64_t
     e->cut.pattern = text;
     e->cut.tokens = tokens;
     e->cut.literals = literals;
+    e->cut.stored = true;
     return e;
 }
 
@@ -196,7 +198,7 @@ void listWorthUnits(PatternCut &cut, int way, ZvChar first) {
 // walked, and stored at the end.
 const PatternCut &cutPattern(const ZvChar *pattern, int64_t patternLength, PatternCutRoom &room) {
     PatternCut &cut = room.cut;
-    cut = PatternCut{pattern, room.tokens, room.literals, 0, 0, 0, 0, {u' ', u' ', u' '}, 0, {}, {0, 0}};
+    cut = PatternCut{pattern, room.tokens, room.literals, 0, 0, 0, 0, {u' ', u' ', u' '}, 0, {}, {0, 0}, false, false};
     int32_t count = 0, literalCount = 0;
     uint64_t firsts = 0, otherFirsts = 0;
     auto storeLiteral = [&](int64_t start, int64_t end) {
@@ -205,6 +207,7 @@ const PatternCut &cutPattern(const ZvChar *pattern, int64_t patternLength, Patte
         room.literals[literalCount++] =
             PatternLiteral{static_cast<int32_t>(start), static_cast<int32_t>(end - start), count, first};
         firsts |= PatternCut::firstBit(first);
+        for (int64_t i = start; i < end; ++i) cut.literalDigits |= isAsciiDigit(pattern[i]);
         // A separator folds to itself.
         const bool other = end - start != 1 || !isSeparator(first);
         if (other) otherFirsts |= PatternCut::firstBit(first);

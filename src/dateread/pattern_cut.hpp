@@ -72,6 +72,8 @@ struct PatternCut {
     // list holds.
     ZvChar worthUnits[2][kMostWorthUnits];
     int32_t worthCount[2];
+    bool literalDigits; // a literal holds an ASCII digit
+    bool stored;        // the cut stands in the store, for good
 
     static constexpr uint64_t firstBit(ZvChar folded) { return uint64_t{1} << (folded & 63); }
 };

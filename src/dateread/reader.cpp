@@ -11,6 +11,8 @@
 #include "datefmt/calendar.hpp"
 #include "dateread/dateread.hpp"
 #include "dateread/pattern_cut.hpp"
+#include "dateread/shape_cache.hpp"
+#include "dateread/text_cut.hpp"
 #include "frame/frame.hpp"
 #include "locale/block.hpp"
 #include "wide/ascii.hpp"
@@ -24,20 +26,6 @@ constexpr int kMaxTokens = kMaxPatternTokens;
 constexpr int64_t kFoldRoom = 160;
 // Digits beyond this keep a field from growing: no field has a use for it.
 constexpr int64_t kFieldCeiling = 1000000000000LL;
-
-// What a text token holds; a token changes where digits meet other characters.
-enum TokenClass : int32_t {
-    kNoClass = 0, // before the first character of a token
-    kDigits = 1,  // ASCII digits only
-    kNoDigits = 2,
-};
-
-struct TextToken {
-    int32_t start;
-    int32_t length;
-    TokenClass cls;
-    int32_t used; // nonzero: taken by an AM or PM mark
-};
 
 // n characters of each side, folded to upper case, compared.
 bool sameFolded(const ZvChar *a, const ZvChar *b, int64_t n) {
@@ -635,7 +623,18 @@ int32_t readLocaleForm(FormatCall *call, const ZvChar *text, int64_t textLength,
     const bool orderMatches = orderMatchesLocale(block, cut);
 
     Reader rd(block, text, textLength);
-    cutText(rd, cut, rulesFor(cut, orderMatches && !isHebrew(block), text, textLength));
+    const bool separatorsSplit = orderMatches && !isHebrew(block);
+    // A text of a shape cut before under this pattern takes that cut.
+    const ShapeKey key{&cut, separatorsSplit, text, textLength};
+    ShapeProbe shape;
+    const bool keep = shapeMayBeKept(key);
+    const int32_t kept = keep ? keptCut(key, shape, rd.tokens, &rd.anyNoDigits) : -1;
+    if (kept >= 0) {
+        rd.n = kept;
+    } else {
+        cutText(rd, cut, rulesFor(cut, separatorsSplit, text, textLength));
+        if (keep) keepCut(shape, rd.tokens, rd.n, rd.anyNoDigits);
+    }
     const AmPm amPm = findAmPm(rd);
 
     Fields fields;

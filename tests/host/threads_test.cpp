@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdio>
 #include <thread>
 
 #include "zvhost.hpp"
@@ -84,6 +85,42 @@ TEST(Threads, FreshPatternsFromEightThreads) {
                 wrong += read("%d.%m.%Y %H:%M:%S #" + mark) != want;
             }
         });
+    for (std::thread &t : threads) t.join();
+    EXPECT_EQ(wrong, 0);
+}
+
+// Threads that read columns of one form share the cuts kept for the shapes
+// of their texts: two shapes of one length take turns in one slot, written
+// and read by all threads at once, and every answer is the one a thread
+// alone gets.
+TEST(Threads, ColumnsOfOneShapeFromEightThreads) {
+    zvhost::Host host;
+    ASSERT_NE(host.loadModule(), nullptr);
+    const FormatTableRow &row = *zvhost::findRow(host.instance()->formatTable, "@NLDATM");
+    constexpr int kTexts = 300;
+    auto text = [](int i) {
+        char s[32];
+        std::snprintf(s, sizeof s, i % 2 ? "%02d.%02d.%04d, %02d:%02d:%02d" : "%02d.%02d.%04d  %02d:%02d:%02d",
+                      1 + i % 28, 1 + i % 12, 1990 + i % 40, i % 24, i % 60, i * 7 % 60);
+        return std::string(s);
+    };
+    auto readColumn = [&](int from) {
+        zvhost::CallSpec spec;
+        spec.locale = "de_DE";
+        zvhost::ColumnFormatter column(host, zvhost::rowName(row), spec);
+        std::vector<double> values(kTexts);
+        for (int i = 0; i < kTexts; ++i)
+            if (column.read(std::string_view(text(from + i)), values[i]) != 0) values[i] = -1;
+        return values;
+    };
+    std::vector<std::vector<double>> alone;
+    for (int t = 0; t < kThreads; ++t) alone.push_back(readColumn(t * 13));
+    ASSERT_GT(alone[0][1], 0);
+    ASSERT_GT(alone[0][2], 0);
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong{0};
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&, t] { wrong += readColumn(t * 13) != alone[t]; });
     for (std::thread &t : threads) t.join();
     EXPECT_EQ(wrong, 0);
 }

@@ -132,6 +132,18 @@ TEST_F(ShapeCache, FoundForTextsOfOneShape) {
     EXPECT_FALSE(found(pattern, u"05.03.2024, 14:07:09", u"17.11.2023, 09:41:5"));
     EXPECT_FALSE(found(u"%d.%m.%Y, %H:%M:%S 1", u"05.03.2024, 14:07:09 1", u"17.11.2023, 09:41:55 1"));
     EXPECT_FALSE(found(u"%H:%M:%S", u"14:07:09", u"09:41:55"));
+    // The shortest and the longest texts kept, and one too long.
+    const std::u16string shortest = u"05.03.2024 14:07", longest = u"05.03.2024, 14:07:09; 06.03.2024, 15:08:10; 1234";
+    ASSERT_EQ(shortest.size(), size_t(zv::kFewestShapeUnits));
+    ASSERT_EQ(longest.size(), size_t(zv::kMostShapeUnits));
+    EXPECT_TRUE(found(pattern, shortest, u"17.11.2023 09:41"));
+    EXPECT_FALSE(found(pattern, shortest.substr(1), u"7.11.2023 09:41"));
+    EXPECT_TRUE(found(pattern, longest, u"17.11.2023, 09:41:55; 18.11.2023, 10:42:56; 5678"));
+    EXPECT_FALSE(found(pattern, longest, u"17.11.2023, 09:41:55; 18.11.2023, 10:42:56: 5678"));
+    EXPECT_FALSE(found(pattern, longest + u"0", u"17.11.2023, 09:41:55; 18.11.2023, 10:42:56; 56789"));
+    // Turned off, the cache keeps and finds nothing.
+    zv::enableShapeCache(false);
+    EXPECT_FALSE(found(pattern, u"05.03.2024, 14:07:09", u"17.11.2023, 09:41:55"));
 }
 
 // Whether separators split depends on the locale's order, and a cut made

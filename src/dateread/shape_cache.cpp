@@ -94,13 +94,16 @@ int32_t keptCut(const ShapeKey &key, ShapeProbe &probe, TextToken *tokens, bool 
     if (slot.cut.load(std::memory_order_relaxed) != reinterpret_cast<uintptr_t>(key.cut)) return -1;
     const uint64_t meta = slot.meta.load(std::memory_order_relaxed);
     if ((meta & kKeyBits) != keyBitsOf(key)) return -1;
-    for (int32_t i = 0; i < probe.wordCount; ++i)
-        if (slot.shape[i].load(std::memory_order_relaxed) != shapeWord(probe, i)) return -1;
+    uint64_t differ = 0;
+    for (int32_t i = 0; i < probe.wordCount; ++i) differ |= slot.shape[i].load(std::memory_order_relaxed) ^ shapeWord(probe, i);
+    if (differ) return -1;
     const int32_t count = static_cast<int32_t>(meta >> kCountShift);
     if (count > kMostShapeTokens) return -1;
-    for (int32_t i = 0; i < count * kWordsPerToken; ++i) {
-        const uint64_t word = slot.tokens[i].load(std::memory_order_relaxed);
-        std::memcpy(reinterpret_cast<unsigned char *>(tokens) + i * sizeof word, &word, sizeof word);
+    for (int32_t i = 0; i < count; ++i) {
+        uint64_t words[kWordsPerToken];
+        for (int k = 0; k < kWordsPerToken; ++k)
+            words[k] = slot.tokens[i * kWordsPerToken + k].load(std::memory_order_relaxed);
+        std::memcpy(&tokens[i], words, sizeof words);
     }
     // Whatever was read counts only if no write began meanwhile.
     std::atomic_thread_fence(std::memory_order_acquire);

@@ -100,6 +100,7 @@ TEST_F(Readers, LocaleForms) {
         {"@NLNUM", "()", {{181, "0"}}, 1, untouched, 32, true}, // nothing left: the plain reader refuses a width of 0
         {"@NLNUM", "1\u066b5", {{172, "<U066B>"}}, 0, 1, 3}, // three bytes of UTF-8 in a width of 3
         {"@NLMNY", "-$1,234.50", {}, 0, -1234.5}, {"@NLMNY", "$12-50", {}, 0, -1250},
+        {"@NLMNY", "\u2212$12\u221250", {{161, "<U2212>"}}, 0, -1250}, // every unit of the sign goes, the one in front too
         {"@NLMNY", "($12.50) ", {{169, "0"}}, 0, -12.5}, {"@NLMNY", "-$", {}, 1, missing},
         {"@NLMNY", "$", {}, 0, missing},
         {"@NLMNY", "12", krona, 0, 12}, {"@NLMNY", "kr. 12", krona, 0, 12}, {"@NLMNY", "kr..50", krona, 0, 0.5},

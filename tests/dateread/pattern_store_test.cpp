@@ -58,11 +58,8 @@ TEST_F(PatternStore, CldrPatternsAsCutOnTheSpot) {
     zvhost::Session session(host);
     int patterns = 0;
     for (const std::string &locale : zvhost::availableLocales()) {
-        zvhost::CallSpec spec;
-        spec.locale = locale;
-        std::string error;
-        const LocaleBlock *block = session.localeBlock(spec, error);
-        ASSERT_NE(block, nullptr) << locale << ": " << error;
+        const LocaleBlock *block = callIn(session, locale).localeBlock;
+        ASSERT_NE(block, nullptr);
         for (int item = zv::kItemDate; item <= zv::kItemTime; ++item, ++patterns) {
             const LocaleItem &p = block->items[item];
             expectPrepared(std::u16string(p.text, size_t(p.length)), locale + " item " + std::to_string(item));

@@ -60,13 +60,9 @@ TEST_F(ShapeCache, KeptCutsReadAsFreshCuts) {
     std::mt19937 rng(2024);
     int compared = 0, read = 0;
     for (const std::string &locale : zvhost::availableLocales()) {
-        zvhost::CallSpec spec;
-        spec.locale = locale;
-        std::string error;
-        const LocaleBlock *block = session.localeBlock(spec, error);
-        ASSERT_NE(block, nullptr) << locale << ": " << error;
-        FormatCall call{};
-        call.localeBlock = const_cast<LocaleBlock *>(block);
+        FormatCall call = callIn(session, locale);
+        const LocaleBlock *block = call.localeBlock;
+        ASSERT_NE(block, nullptr);
         auto item = [block](int k) { return std::u16string(block->items[k].text, size_t(block->items[k].length)); };
         std::vector<std::u16string> parts = {item(zv::kItemAm), item(zv::kItemPm)};
         for (int k = 0; k < 12; ++k) parts.push_back(item(zv::kItemMonthAbbr + k));
@@ -109,12 +105,8 @@ TEST_F(ShapeCache, KeptCutsReadAsFreshCuts) {
 // too short to be worth the look.
 TEST_F(ShapeCache, FoundForTextsOfOneShape) {
     zvhost::Session session(host);
-    zvhost::CallSpec spec;
-    spec.locale = "de_DE";
-    std::string error;
-    FormatCall call{};
-    call.localeBlock = const_cast<LocaleBlock *>(session.localeBlock(spec, error));
-    ASSERT_NE(call.localeBlock, nullptr) << error;
+    FormatCall call = callIn(session, "de_DE");
+    ASSERT_NE(call.localeBlock, nullptr);
     auto found = [&](const std::u16string &pattern, const std::u16string &first, const std::u16string &then) {
         readForm(call, pattern, first);
         zv::PatternCutRoom room;
@@ -155,12 +147,8 @@ TEST_F(ShapeCache, CutsWithAndWithoutSplitsKeptApart) {
     for (bool on : {false, true}) {
         zv::enableShapeCache(on);
         for (const char *locale : {"de_DE", "en_US", "de_DE", "en_US"}) {
-            zvhost::CallSpec spec;
-            spec.locale = locale;
-            std::string error;
-            FormatCall call{};
-            call.localeBlock = const_cast<LocaleBlock *>(session.localeBlock(spec, error));
-            ASSERT_NE(call.localeBlock, nullptr) << error;
+            FormatCall call = callIn(session, locale);
+            ASSERT_NE(call.localeBlock, nullptr);
             (on ? kept : fresh).push_back(readForm(call, pattern, u"05.03.2024 14:07:09"));
         }
     }

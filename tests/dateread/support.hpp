@@ -41,6 +41,16 @@ protected:
         spec.locale = locale, spec.width = width, spec.decimals = dec;
         return zvhost::runFormat(host, row(format), spec, value).utf8;
     }
+    // A call on the locale block of `locale`, which the session builds once.
+    FormatCall callIn(zvhost::Session &session, const std::string &locale) {
+        zvhost::CallSpec spec;
+        spec.locale = locale;
+        std::string error;
+        FormatCall call{};
+        call.localeBlock = const_cast<LocaleBlock *>(session.localeBlock(spec, error));
+        EXPECT_NE(call.localeBlock, nullptr) << locale << ": " << error;
+        return call;
+    }
     zvhost::Host host;
 };
 

@@ -93,8 +93,9 @@ std::vector<std::string> datetimeTexts(bool twoShapes) {
     std::vector<std::string> texts;
     for (int i = 0; i < 256; ++i) {
         char t[32];
-        std::snprintf(t, sizeof t, twoShapes && i % 2 ? "%02d.%02d.%04d  %02d:%02d:%02d" : "%02d.%02d.%04d, %02d:%02d:%02d",
-                      1 + i * 7 % 28, 1 + i % 12, 1950 + i % 90, i * 5 % 24, i * 11 % 60, i * 13 % 60);
+        const char *form = twoShapes && i % 2 ? "%02d.%02d.%04d  %02d:%02d:%02d" : "%02d.%02d.%04d, %02d:%02d:%02d";
+        std::snprintf(t, sizeof t, form, 1 + i * 7 % 28, 1 + i % 12, 1950 + i % 90, i * 5 % 24, i * 11 % 60,
+                      i * 13 % 60);
         texts.push_back(t);
     }
     return texts;

@@ -95,7 +95,8 @@ int32_t keptCut(const ShapeKey &key, ShapeProbe &probe, TextToken *tokens, bool 
     const uint64_t meta = slot.meta.load(std::memory_order_relaxed);
     if ((meta & kKeyBits) != keyBitsOf(key)) return -1;
     uint64_t differ = 0;
-    for (int32_t i = 0; i < probe.wordCount; ++i) differ |= slot.shape[i].load(std::memory_order_relaxed) ^ shapeWord(probe, i);
+    for (int32_t i = 0; i < probe.wordCount; ++i)
+        differ |= slot.shape[i].load(std::memory_order_relaxed) ^ shapeWord(probe, i);
     if (differ) return -1;
     const int32_t count = static_cast<int32_t>(meta >> kCountShift);
     if (count > kMostShapeTokens) return -1;

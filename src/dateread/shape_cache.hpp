@@ -48,8 +48,8 @@ struct ShapeProbe {
 };
 
 // The kept cut of a text of the key's shape, written to `tokens`, for a key
-// whose cut may be kept: the count of tokens, or -1 when none is kept. *anyNoDigits as the cutter
-// sets it. The probe is filled for keepCut.
+// whose cut may be kept: the count of tokens, or -1 when none is kept;
+// *anyNoDigits as the cutter sets it. The probe is filled for keepCut.
 int32_t keptCut(const ShapeKey &key, ShapeProbe &probe, TextToken *tokens, bool *anyNoDigits);
 
 // Keeps a cut just made, before AM or PM marks take any of its tokens; a

@@ -2,10 +2,14 @@
 // locale forms, the ANY-date guesses, binary, hex, size, quoted text, UUID)
 // with arbitrary texts, widths, decimals, field limits and capacities, in
 // any CLDR locale with items from the input. A run fails on any crash,
-// sanitizer report, write past a target, changed call field or an answer
-// that text past the field limit changes.
+// sanitizer report, write past a target, changed call field, an answer
+// that text past the field limit changes, or a locale form read through a
+// kept cut that differs from one read afresh.
 #include "dateread/dateread.hpp"
+#include "dateread/shape_cache.hpp"
+#include "frame/frame.hpp"
 #include "fuzz_support.hpp"
+#include "locale/block.hpp"
 #include "wide/binary.hpp"
 
 namespace {
@@ -80,8 +84,30 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     } else if (other == 1) {
         std::u16string copy = text;
         if (zv::cleanDateText(copy.data(), n) > n) std::abort();
-    } else if (other == 2) zv::readLocaleForm(&c, t, n, p, pn, &value, &time);
-    else if (other == 3) zv::readDateTimeForm(&c, t, n, p, pn, &value);
+    } else if (other == 2 || other == 3) {
+        // The locale forms read on a block of the call's locale.
+        const bool block = zv::buildLocaleBlock(&c, zv::findInstance(&c)) == 0;
+        if (block && other == 3) {
+            zv::readDateTimeForm(&c, t, n, p, pn, &value);
+        } else if (block) {
+            // A text of the same shape, other digits, reads through the cut
+            // kept for this one as it reads with the cache off.
+            zv::readLocaleForm(&c, t, n, p, pn, &value, &time);
+            std::u16string twin = text;
+            for (char16_t &u : twin)
+                if (u >= u'0' && u <= u'9') u = char16_t(u'0' + (u - u'0' + 7) % 10);
+            double date[2], times[2];
+            int32_t status[2];
+            for (int on = 0; on < 2; ++on) {
+                zv::enableShapeCache(on == 1);
+                date[on] = times[on] = zv::missingValue();
+                status[on] = zv::readLocaleForm(&c, twin.data(), n, p, pn, &date[on], &times[on]);
+            }
+            if (status[0] != status[1] || zv::bitsOf(date[0]) != zv::bitsOf(date[1]) ||
+                zv::bitsOf(times[0]) != zv::bitsOf(times[1]))
+                std::abort();
+        }
+    }
     else {
         std::vector<uint8_t> bytes(size_t(n + 1) / 2 + 16, 0xA5);
         uint8_t *at = bytes.data();

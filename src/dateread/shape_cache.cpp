@@ -67,14 +67,14 @@ void normalize(const ZvChar *text, int64_t length, ZvChar *out) {
 
 constexpr uint64_t kMix = 0x9E3779B97F4A7C15ull;
 
-} // namespace
-
 // Word i of a probe's shape.
 uint64_t shapeWord(const ShapeProbe &probe, int32_t i) {
     uint64_t word;
     std::memcpy(&word, probe.units + i * kUnitsPerWord, sizeof word);
     return word;
 }
+
+} // namespace
 
 int32_t keptCut(const ShapeKey &key, ShapeProbe &probe, TextToken *tokens, bool *anyNoDigits) {
     probe.wordCount = 0;
@@ -126,10 +126,11 @@ void keepCut(const ShapeProbe &probe, const TextToken *tokens, int32_t count, bo
                         static_cast<uint64_t>(count) << kCountShift,
                     std::memory_order_relaxed);
     for (int32_t i = 0; i < probe.wordCount; ++i) slot.shape[i].store(shapeWord(probe, i), std::memory_order_relaxed);
-    for (int32_t i = 0; i < count * kWordsPerToken; ++i) {
-        uint64_t word;
-        std::memcpy(&word, reinterpret_cast<const unsigned char *>(tokens) + i * sizeof word, sizeof word);
-        slot.tokens[i].store(word, std::memory_order_relaxed);
+    for (int32_t i = 0; i < count; ++i) {
+        uint64_t words[kWordsPerToken];
+        std::memcpy(words, &tokens[i], sizeof words);
+        for (int k = 0; k < kWordsPerToken; ++k)
+            slot.tokens[i * kWordsPerToken + k].store(words[k], std::memory_order_relaxed);
     }
     slot.sequence.store(sequence + 2, std::memory_order_release);
 }

@@ -78,7 +78,7 @@ uint64_t shapeWord(const ShapeProbe &probe, int32_t i) {
 
 int32_t keptCut(const ShapeKey &key, ShapeProbe &probe, TextToken *tokens, bool *anyNoDigits) {
     probe.wordCount = 0;
-    if (!shapeMayBeKept(key) || !enabled.load(std::memory_order_relaxed)) return -1;
+    if (!enabled.load(std::memory_order_relaxed)) return -1;
     probe.key = key;
     probe.wordCount = static_cast<int32_t>((key.length + kUnitsPerWord - 1) / kUnitsPerWord);
     normalize(key.text, key.length, probe.units);
